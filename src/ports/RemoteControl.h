@@ -1,0 +1,22 @@
+// Commands that reach the running program from outside: a compositor's key binding, a script, a test.
+//
+// Main thread only.
+#pragma once
+
+#include <QString>
+
+namespace vemo {
+
+class RemoteControl {
+ public:
+  virtual ~RemoteControl() = default;
+
+  /// Each returns a line that says how the dictation stands afterwards, as status() does.
+  virtual QString toggle() = 0;
+  virtual QString start() = 0;
+  virtual QString stop() = 0;
+  virtual QString status() const = 0;
+  virtual void quit() = 0;
+};
+
+}  // namespace vemo
