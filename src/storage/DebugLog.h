@@ -12,6 +12,7 @@
 
 #include "base/Clock.h"
 #include "base/SerialQueue.h"
+#include "storage/StandardOutput.h"
 
 namespace vemo {
 
@@ -19,8 +20,8 @@ class Settings;
 
 class DebugLog {
  public:
-  /// `folder` is where debug.log and debug.1.log stand. It is made on first use, for the user alone.
-  /// An empty folder means that nothing goes to disk.
+  /// `folder` is where debug.log and debug.1.log stand. It is made on first use, for the user
+  /// alone. An empty folder means that nothing goes to disk.
   DebugLog(const Clock& clock, QString folder);
 
   /// Writes one line. Line breaks and other control characters in the message become blanks.
@@ -33,10 +34,17 @@ class DebugLog {
   void waitUntilWritten();
 
  private:
+  // On the queue.
   void append(const QByteArray& line);
+  void rotateIfNeeded() const;
+  void deleteFiles() const;
 
   const Clock& m_clock;
-  const QString m_folder;
+  const QByteArray m_folder;  ///< as the file system spells it, like the two below
+  const QByteArray m_current;
+  const QByteArray m_previous;
+  const StandardOutput m_standardOutput;
+  bool m_hasMadeFolder = false;
   SerialQueue m_queue{"vemo.debuglog"};
 };
 

@@ -1,8 +1,8 @@
 // The program's bearer secrets, by account name, kept in the desktop's secret stores.
 //
-// Backends are tried in order: the first one is where new items go; an item found only in a later one
-// moves to the first. The first answer for an account, its absence included, is kept in memory, so
-// that further reads cost a map look-up.
+// Backends are tried in order: the first one is where new items go; an item found only in a later
+// one moves to the first. The first answer for an account, its absence included, is kept in memory,
+// so that further reads cost a map look-up.
 //
 // Any thread, synchronous. No operation throws; a failure is an absent or false result. Values are
 // never logged. The lock guards the memory alone and is never held across a call to a backend.
@@ -39,7 +39,7 @@ class SecureTokenStore {
 
  private:
   void remember(const QString& account, std::optional<QString> value);
-  void promote(const QString& account, const QByteArray& secret);
+  void promote(const QString& account, const QByteArray& secret, SecretBackend& from);
 
   const std::vector<SecretBackend*> m_backends;
   DebugLog& m_debugLog;

@@ -1,10 +1,11 @@
 // The user's settings: a flat store of typed values by key, in one human-readable file.
 //
 // The file is replaced as a whole, so that a kill at any moment leaves the old one or the new one;
-// only the user can read it. Changes are in force at once and reach the disk soon after, on a thread
-// of the store's own; the destructor waits for that. A file that can't be read as settings is kept
-// beside the new one under another name, the log says so, and every key reads as absent. A file that
-// can't be written is logged; the values live on in memory and the next change tries again.
+// only the user can read it. Changes are in force at once and reach the disk soon after, on a
+// thread of the store's own; the destructor waits for that. A file that can't be read as settings
+// is kept beside the new one under another name, the log says so, and every key reads as absent. A
+// file that can't be written is logged; the values live on in memory and the next change tries
+// again. Writes that follow each other fast are one write of the last state.
 //
 // Main thread only. No reader fails: a value of another type than asked for reads as absent.
 #pragma once
@@ -13,12 +14,14 @@
 #include <QDateTime>
 #include <QString>
 #include <functional>
-#include <map>
 #include <memory>
+#include <mutex>
 #include <optional>
-#include <variant>
+#include <vector>
 
 #include "base/SerialQueue.h"
+#include "storage/SettingValue.h"
+#include "storage/SettingsFile.h"
 
 namespace vemo {
 
@@ -29,8 +32,6 @@ template <typename T>
 struct SettingKey {
   const char16_t* name;
 };
-
-using SettingValue = std::variant<bool, QString, QByteArray, QDateTime>;
 
 class Settings {
  public:
@@ -83,18 +84,19 @@ class Settings {
   void waitUntilWritten();
 
  private:
-  void load();
-  void keepDamagedFile();
   void store(const QString& name, SettingValue value);
   void erase(const QString& name);
   void changed(const QString& name);
   void save();
+  void writeLatest();  ///< on the writer's thread
 
-  const QString m_file;
-  DebugLog& m_debugLog;
-  std::map<QString, SettingValue> m_values;
+  SettingsFile m_file;
+  SettingValues m_values;
   std::vector<std::weak_ptr<std::function<void(const QString&)>>> m_observers;
-  SerialQueue m_writer{"vemo.settings"};
+
+  std::mutex m_unwrittenMutex;
+  std::optional<SettingValues> m_unwritten;  ///< what the queued write takes
+  SerialQueue m_writer{"vemo.settings"};     ///< ends first: it uses all of the above
 };
 
 }  // namespace vemo

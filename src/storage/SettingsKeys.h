@@ -15,8 +15,8 @@ using Data = SettingKey<QByteArray>;
 using Date = SettingKey<QDateTime>;
 
 // Dictation.
-inline constexpr Bool isEnabled{u"isEnabled"};                   // written as true at first start
-inline constexpr Data recentDictations{u"recentDictations"};     // JSON array; absent: empty list
+inline constexpr Bool isEnabled{u"isEnabled"};                    // written as true at first start
+inline constexpr Data recentDictations{u"recentDictations"};      // JSON array; absent: empty list
 inline constexpr String dictationLanguage{u"dictationLanguage"};  // absent: "en"
 // Absent: requests send "transcribe", while the windows show "translit".
 inline constexpr String dictateOutputMode{u"dictateOutputMode"};
@@ -25,8 +25,9 @@ inline constexpr String dictationPillColor{u"dictationPillColor"};      // absen
 inline constexpr Bool showLiveDictationText{u"showLiveDictationText"};  // absent: true
 
 // Hotkeys.
-inline constexpr String pushToTalkHotkeyChoice{u"pushToTalkHotkeyChoice"};  // absent: "eitherOption"
-inline constexpr String toggleHotkeyChoice{u"toggleHotkeyChoice"};          // absent: "fnGlobe"
+inline constexpr String pushToTalkHotkeyChoice{
+    u"pushToTalkHotkeyChoice"};                                     // absent: "eitherOption"
+inline constexpr String toggleHotkeyChoice{u"toggleHotkeyChoice"};  // absent: "fnGlobe"
 inline constexpr Data customPushToTalkShortcutData{u"customPushToTalkShortcutData"};  // JSON
 inline constexpr Data customToggleShortcutData{u"customToggleShortcutData"};          // JSON
 inline constexpr Bool toggleHotkeyLegacyMigrationDone{u"toggleHotkeyLegacyMigrationDone"};
