@@ -73,7 +73,6 @@ class DictationRequestBuilder {
  private:
   std::optional<HttpRequest> post(const QString& path, const QByteArray& contentType,
                                   const QString& token) const;
-  void addTarget(HttpRequest& request, const TargetApplication& target) const;
 
   const Sources m_sources;
 };

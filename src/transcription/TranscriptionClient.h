@@ -60,7 +60,8 @@ class TranscriptionClient {
   struct Operation;
 
   Task<Result> run(Operation operation, HttpRequest request, std::stop_token stop);
-  Result judge(const Operation& operation, int status, const QByteArray& body);
+  Result judge(const Operation& operation, const HttpResult& answer,
+               Clock::MonotonicTime startedAt) const;
 
   const Neighbours m_neighbours;
   const DictationRequestBuilder m_requests;

@@ -1,0 +1,28 @@
+#include "platform/qt/QtApplicationWindows.h"
+
+#include <QGuiApplication>
+#include <QWindow>
+
+namespace vemo {
+
+namespace {
+
+/// Menus, the pill and other helpers are windows to Qt, too.
+bool canBecomeMain(const QWindow& window) {
+  const auto unfit = Qt::WindowDoesNotAcceptFocus | Qt::BypassWindowManagerHint;
+  return window.type() == Qt::Window && !(window.flags() & unfit);
+}
+
+}  // namespace
+
+void QtApplicationWindows::bringForward() {
+  for (QWindow* window : QGuiApplication::topLevelWindows()) {
+    if (!canBecomeMain(*window)) continue;
+    window->setWindowStates(window->windowStates() & ~Qt::WindowMinimized);
+    window->setVisible(true);
+    window->raise();
+    window->requestActivate();
+  }
+}
+
+}  // namespace vemo
