@@ -2,7 +2,8 @@
 //
 // Channels are averaged, then libsoxr converts the rate; frames that already have the speech format
 // pass through untouched. No dither is added, so silence stays silence. The filter is linear in
-// phase and lags by latency(), which the last samples of a recording are short of.
+// phase and holds back less than 10 ms at the rates that devices run at (22 to 192 kHz); that much
+// of a recording's end stays inside it.
 //
 // One thread at a time. Samples that are no number, or far beyond full scale, count as silence.
 #pragma once
