@@ -1,0 +1,128 @@
+#include "http/DictationApi.h"
+
+#include <boost/algorithm/string/predicate.hpp>
+#include <boost/algorithm/string/trim.hpp>
+#include <boost/json.hpp>
+
+#include "formatting/SmartFormatter.h"
+
+namespace vemo::service {
+
+namespace {
+
+namespace json = boost::json;
+
+Answer transcription(std::string_view text) {
+  return {200, json::serialize(json::object{{"status", "success"}, {"transcription", text}}), {}};
+}
+
+unsigned statusOf(EngineError::Kind kind) {
+  switch (kind) {
+    case EngineError::Kind::Unsupported:
+      return 422;
+    case EngineError::Kind::Failed:
+      return 502;
+    case EngineError::Kind::TimedOut:
+      return 504;
+    case EngineError::Kind::Cancelled:
+      return clientClosedRequest;
+    case EngineError::Kind::Busy:
+      return 503;
+  }
+  return 500;
+}
+
+std::string written(std::string text, TextFormat format, EngineKind::Output output) {
+  if (format == TextFormat::Smart && output == EngineKind::Output::BareWords)
+    return formatSmart(text);
+  return text;
+}
+
+}  // namespace
+
+Answer errorAnswer(unsigned status, std::string_view message) {
+  return {status, json::serialize(json::object{{"status", "error"}, {"error", message}}), {}};
+}
+
+DictationApi::DictationApi(Engine engine, TokenFile& tokens, RecognitionQueue& queue)
+    : m_engine(std::move(engine)), m_tokens(tokens), m_queue(queue) {}
+
+bool DictationApi::isAuthorized(std::string_view authorization) {
+  constexpr std::string_view scheme = "Bearer ";
+  if (!boost::algorithm::istarts_with(authorization, scheme)) return false;
+  authorization.remove_prefix(scheme.size());
+  return m_tokens.accepts(boost::algorithm::trim_copy(std::string(authorization)));
+}
+
+std::expected<RequestTarget, Answer> DictationApi::admit(boost::beast::http::verb method,
+                                                         std::string_view target,
+                                                         std::string_view authorization) {
+  auto parsed = parseTarget(target);
+  if (!parsed)
+    return std::unexpected(parsed.error() == TargetError::Malformed
+                               ? errorAnswer(400, "The address cannot be read.")
+                               : errorAnswer(404, "There is nothing at this address."));
+  if (method != parsed->route->method) {
+    auto answer = errorAnswer(405, "This address does not take that method.");
+    answer.allow = boost::beast::http::to_string(parsed->route->method);
+    return std::unexpected(std::move(answer));
+  }
+  if (parsed->route->endpoint != Endpoint::Health && !isAuthorized(authorization))
+    return std::unexpected(errorAnswer(401, "A valid access token is needed."));
+  return *std::move(parsed);
+}
+
+void DictationApi::answer(const RequestTarget& target, std::string body, std::stop_token stop,
+                          std::move_only_function<void(Answer)> completion) {
+  switch (target.route->endpoint) {
+    case Endpoint::Health:
+      return completion(health());
+    case Endpoint::DictateFinalize:
+      return completion(finalize(body));
+    case Endpoint::Dictate:
+    case Endpoint::DictateChunk:
+      return dictate(target, std::move(body), std::move(stop), std::move(completion));
+  }
+}
+
+Answer DictationApi::health() const {
+  const bool ready = m_queue.isReady();
+  return {ready ? 200U : 503U,
+          json::serialize(
+              json::object{{"status", ready ? "ready" : "loading"}, {"engine", m_engine.name}}),
+          {}};
+}
+
+Answer DictationApi::finalize(const std::string& body) const {
+  boost::system::error_code error;
+  const auto parsed = json::parse(body, error);
+  const auto* object = error ? nullptr : parsed.if_object();
+  if (!object) return errorAnswer(400, "The body is not a JSON object.");
+  const auto* transcript = object->if_contains("rawTranscript");
+  if (!transcript || !transcript->is_string())
+    return errorAnswer(400, "The body lacks the text rawTranscript.");
+  const auto* format = object->if_contains("format_mode");
+  const auto mode =
+      format && format->is_string() ? textFormatNamed(format->get_string()) : TextFormat::Raw;
+  return transcription(written(std::string(transcript->get_string()), mode, m_engine.output));
+}
+
+void DictationApi::dictate(const RequestTarget& target, std::string body, std::stop_token stop,
+                           std::move_only_function<void(Answer)> completion) {
+  auto recording = Recording::fromWav(std::move(body));
+  if (!recording) return completion(errorAnswer(400, recording.error()));
+  if (recording->sampleCount() == 0) return completion(transcription(""));
+
+  // The text of a chunk stays raw: it is formatted with its neighbours when the dictation ends.
+  const auto format =
+      target.route->endpoint == Endpoint::DictateChunk ? TextFormat::Raw : target.format;
+  m_queue.submit(
+      *std::move(recording), {.language = target.language}, std::move(stop),
+      [completion = std::move(completion), format,
+       output = m_engine.output](RecognitionQueue::Result result) mutable {
+        completion(result ? transcription(written(*std::move(result), format, output))
+                          : errorAnswer(statusOf(result.error().kind), result.error().message));
+      });
+}
+
+}  // namespace vemo::service

@@ -1,0 +1,257 @@
+#include "http/HttpConnection.h"
+
+#include <boost/asio.hpp>
+#include <boost/beast/http.hpp>
+
+namespace vemo::service {
+
+namespace {
+
+namespace net = boost::asio;
+namespace beast = boost::beast;
+namespace http = beast::http;
+using boost::system::error_code;
+
+constexpr std::size_t bufferLimit = 128 * 1024;
+constexpr std::size_t transcriptLimit = 4 * 1024 * 1024;
+/// How long a refused sender may go on sending, so that it gets to read why.
+constexpr std::chrono::seconds lingerTime{2};
+
+/// For co_await: the error becomes a value.
+auto into(error_code& error) {
+  return net::redirect_error(net::use_awaitable, error);
+}
+
+bool isHttpError(const error_code& error) {
+  return error.category() == make_error_code(http::error::bad_target).category();
+}
+
+Answer parseFailure(const error_code& error) {
+  if (error == http::error::header_limit || error == http::error::buffer_overflow)
+    return errorAnswer(431, "The request's head is too long.");
+  if (error == http::error::body_limit) return errorAnswer(413, "The recording is too long.");
+  return errorAnswer(400, "The request cannot be read.");
+}
+
+bool hasLeft(net::ip::tcp::socket& socket) {
+  char byte = 0;
+  error_code error;
+  const auto count = socket.receive(net::buffer(&byte, 1), net::socket_base::message_peek, error);
+  return count == 0 && error != net::error::would_block && error != net::error::try_again;
+}
+
+}  // namespace
+
+HttpConnection::HttpConnection(net::ip::tcp::socket socket, const Limits& limits, DictationApi& api,
+                               AccessLog& log, Ended ended)
+    : m_stream(std::move(socket)),
+      m_limits(limits),
+      m_api(api),
+      m_log(log),
+      m_ended(std::move(ended)),
+      m_buffer(bufferLimit) {
+  error_code ignored;
+  m_stream.socket().non_blocking(true, ignored);
+  m_stream.socket().set_option(net::ip::tcp::no_delay(true), ignored);
+}
+
+void HttpConnection::start() {
+  auto self = shared_from_this();
+  net::co_spawn(
+      m_stream.get_executor(), [self] { return self->run(); },
+      [self](std::exception_ptr failure) {
+        // Memory that ran out: this connection ends, the others go on.
+        if (failure) self->m_log.note("a connection failed");
+        self->m_stream.close();
+        self->m_ended(self.get());
+      });
+}
+
+void HttpConnection::finish() {
+  m_finishing = true;
+  if (m_idle) m_stream.close();
+}
+
+void HttpConnection::abort() {
+  m_stop.request_stop();
+  m_stream.close();
+}
+
+net::awaitable<void> HttpConnection::run() {
+  while (co_await waitForRequest()) {
+    if (co_await serve() == Next::Close) break;
+  }
+  error_code ignored;
+  m_stream.socket().shutdown(net::socket_base::shutdown_both, ignored);
+}
+
+net::awaitable<bool> HttpConnection::waitForRequest() {
+  if (m_finishing) co_return false;
+  if (m_buffer.size() > 0) co_return true;
+  m_idle = true;
+  m_stream.expires_after(m_limits.idleTime);
+  error_code error;
+  const auto count = co_await m_stream.async_read_some(m_buffer.prepare(4096), into(error));
+  m_buffer.commit(count);
+  m_idle = false;
+  co_return !error;
+}
+
+net::awaitable<HttpConnection::Next> HttpConnection::serve() {
+  m_began = std::chrono::steady_clock::now();
+  m_entry = {};
+  m_stop = {};
+  Parser parser;
+  parser.header_limit(m_limits.headerBytes);
+  parser.body_limit(boost::none);
+
+  error_code error;
+  m_stream.expires_after(m_limits.headerTime);
+  co_await http::async_read_header(m_stream, m_buffer, parser, into(error));
+  if (isHttpError(error) && error != http::error::end_of_stream &&
+      error != http::error::partial_message)
+    co_return co_await refuse(parseFailure(error), Unread::Body);
+  if (error) {
+    if (error == beast::error::timeout) log(408);
+    co_return Next::Close;
+  }
+
+  const auto target = admit(parser);
+  if (!target) {
+    const bool bodyFollows = parser.chunked() || parser.content_length().value_or(0) > 0;
+    if (bodyFollows) co_return co_await refuse(target.error(), Unread::Body);
+    co_return co_await send(target.error(), parser.keep_alive());
+  }
+
+  if (beast::iequals(parser.get()[http::field::expect], "100-continue")) {
+    constexpr std::string_view goOn = "HTTP/1.1 100 Continue\r\n\r\n";
+    co_await net::async_write(m_stream, net::buffer(goOn), into(error));
+    if (error) co_return Next::Close;
+  }
+  parser.body_limit(bodyLimit(target->route->endpoint));
+  m_stream.expires_after(m_limits.bodyTime);
+  if (!parser.is_done()) co_await http::async_read(m_stream, m_buffer, parser, into(error));
+  m_entry.bodyBytes = parser.get().body().size();
+  if (error == http::error::body_limit ||
+      (isHttpError(error) && error != http::error::partial_message))
+    co_return co_await refuse(parseFailure(error), Unread::Body);
+  if (error) {
+    log(error == beast::error::timeout ? 408 : clientClosedRequest);
+    co_return Next::Close;
+  }
+
+  const bool keepAlive = parser.keep_alive();
+  // A waiting upload holds its body and nothing else of size.
+  if (m_buffer.size() == 0) m_buffer.shrink_to_fit();
+  m_stream.expires_never();
+  auto answer = co_await recognise(*target, std::move(parser.get().body()));
+  if (answer.status == clientClosedRequest) {
+    log(answer.status);
+    co_return Next::Close;
+  }
+  co_return co_await send(std::move(answer), keepAlive);
+}
+
+std::expected<RequestTarget, Answer> HttpConnection::admit(const Parser& parser) {
+  const auto& head = parser.get();
+  if (head.method() != http::verb::unknown) m_entry.method = http::to_string(head.method());
+  const auto target = m_api.admit(head.method(), head.target(), head[http::field::authorization]);
+  if (head.version() != 10 && head.version() != 11)
+    return std::unexpected(errorAnswer(505, "Only HTTP/1.1 is spoken here."));
+  // An encoding that isn't understood hides where the body ends.
+  const bool encoded = head.count(http::field::transfer_encoding) > 0;
+  if (encoded &&
+      (!parser.chunked() || head.version() == 10 || head.count(http::field::content_length) > 0))
+    return std::unexpected(errorAnswer(400, "The request cannot be read."));
+  if (const auto asked = parseTarget(head.target())) m_entry.path = asked->route->path;
+  if (!target) return target;
+  if (parser.content_length().value_or(0) > bodyLimit(target->route->endpoint))
+    return std::unexpected(errorAnswer(413, "The recording is too long."));
+  return target;
+}
+
+std::size_t HttpConnection::bodyLimit(Endpoint endpoint) const {
+  switch (endpoint) {
+    case Endpoint::Health:
+      return 0;
+    case Endpoint::Dictate:
+    case Endpoint::DictateChunk:
+      return m_limits.bodyBytes;
+    case Endpoint::DictateFinalize:
+      return std::min(m_limits.bodyBytes, transcriptLimit);
+  }
+  return 0;
+}
+
+net::awaitable<Answer> HttpConnection::recognise(const RequestTarget& target, std::string body) {
+  const auto executor = co_await net::this_coro::executor;
+  watchForLeaving();
+  auto answer = co_await net::async_initiate<decltype(net::use_awaitable), void(Answer)>(
+      [this, &target, &body, executor](auto handler) {
+        m_api.answer(target, std::move(body), m_stop.get_token(),
+                     [handler = std::move(handler),
+                      work = net::make_work_guard(executor)](Answer result) mutable {
+                       net::post(work.get_executor(), [handler = std::move(handler),
+                                                       result = std::move(result)]() mutable {
+                         std::move(handler)(std::move(result));
+                       });
+                     });
+      },
+      net::use_awaitable);
+  error_code ignored;
+  m_stream.socket().cancel(ignored);
+  co_return answer;
+}
+
+/// A pipelined request ends the watch: what comes after it can't be seen without taking it.
+void HttpConnection::watchForLeaving() {
+  if (m_buffer.size() > 0) return;
+  m_stream.socket().async_wait(
+      net::socket_base::wait_read,
+      [self = shared_from_this(), stop = m_stop](const error_code& error) mutable {
+        if (!error && hasLeft(self->m_stream.socket())) stop.request_stop();
+      });
+}
+
+net::awaitable<HttpConnection::Next> HttpConnection::refuse(Answer answer, Unread unread) {
+  co_await send(std::move(answer), false);
+  if (unread == Unread::Body) co_await discardInput();
+  co_return Next::Close;
+}
+
+/// Closing with input unread makes the kernel reset the connection, and the answer may be lost.
+net::awaitable<void> HttpConnection::discardInput() {
+  error_code error;
+  m_stream.socket().shutdown(net::socket_base::shutdown_send, error);
+  m_stream.expires_after(lingerTime);
+  std::array<char, 4096> dropped;
+  while (!error) co_await m_stream.async_read_some(net::buffer(dropped), into(error));
+}
+
+net::awaitable<HttpConnection::Next> HttpConnection::send(Answer answer, bool keepAlive) {
+  keepAlive = keepAlive && !m_finishing;
+  http::response<http::string_body> response(static_cast<http::status>(answer.status), 11);
+  response.set(http::field::content_type, "application/json");
+  response.set(http::field::cache_control, "no-store");
+  if (!answer.allow.empty()) response.set(http::field::allow, answer.allow);
+  if (answer.status == 401) response.set(http::field::www_authenticate, "Bearer");
+  if (answer.status == 503) response.set(http::field::retry_after, "1");
+  response.keep_alive(keepAlive);
+  response.body() = std::move(answer.body);
+  response.prepare_payload();
+
+  error_code error;
+  m_stream.expires_after(m_limits.answerTime);
+  co_await http::async_write(m_stream, response, into(error));
+  log(answer.status);
+  co_return !error && keepAlive ? Next::Serve : Next::Close;
+}
+
+void HttpConnection::log(unsigned status) {
+  m_entry.status = status;
+  m_entry.duration = std::chrono::duration_cast<std::chrono::milliseconds>(
+      std::chrono::steady_clock::now() - m_began);
+  m_log.write(m_entry);
+}
+
+}  // namespace vemo::service

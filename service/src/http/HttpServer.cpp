@@ -1,0 +1,100 @@
+#include "http/HttpServer.h"
+
+#include <boost/asio.hpp>
+#include <boost/lexical_cast.hpp>
+
+namespace vemo::service {
+
+namespace {
+
+namespace net = boost::asio;
+using boost::system::error_code;
+using net::ip::tcp;
+
+/// Descriptors that ran out come back only when connections end.
+constexpr std::chrono::milliseconds acceptPause{100};
+
+/// Best effort: whoever can't take these few bytes at once is closed all the same.
+void turnAway(tcp::socket socket) {
+  const auto body = errorAnswer(503, "The service is busy. Try again in a moment.").body;
+  const auto response =
+      "HTTP/1.1 503 Service Unavailable\r\nContent-Type: application/json\r\nRetry-After: 1\r\n"
+      "Connection: close\r\nContent-Length: " +
+      std::to_string(body.size()) + "\r\n\r\n" + body;
+  error_code ignored;
+  socket.non_blocking(true, ignored);
+  socket.write_some(net::buffer(response), ignored);
+  socket.shutdown(net::socket_base::shutdown_send, ignored);
+}
+
+}  // namespace
+
+HttpServer::HttpServer(net::io_context& io, const Limits& limits, DictationApi& api, AccessLog& log)
+    : m_io(io), m_limits(limits), m_api(api), m_log(log), m_acceptor(io), m_graceTimer(io) {}
+
+std::expected<void, std::string> HttpServer::listen(const std::string& address,
+                                                    std::uint16_t port) {
+  try {
+    const tcp::endpoint endpoint(net::ip::make_address(address), port);
+    m_acceptor.open(endpoint.protocol());
+    m_acceptor.set_option(net::socket_base::reuse_address(true));
+    m_acceptor.bind(endpoint);
+    m_acceptor.listen();
+  } catch (const boost::system::system_error& error) {
+    return std::unexpected("cannot listen on " + address + " port " + std::to_string(port) + ": " +
+                           error.code().message());
+  }
+  net::co_spawn(m_io, [this] { return accept(); }, net::detached);
+  return {};
+}
+
+std::string HttpServer::address() const {
+  return "http://" + boost::lexical_cast<std::string>(m_acceptor.local_endpoint());
+}
+
+net::awaitable<void> HttpServer::accept() {
+  while (!m_stopping) {
+    error_code error;
+    auto socket = co_await m_acceptor.async_accept(net::redirect_error(net::use_awaitable, error));
+    if (m_stopping) break;
+    if (!error) {
+      take(std::move(socket));
+      continue;
+    }
+    net::steady_timer timer(m_io, acceptPause);
+    co_await timer.async_wait(net::redirect_error(net::use_awaitable, error));
+  }
+}
+
+void HttpServer::take(tcp::socket socket) {
+  if (m_connections.size() >= m_limits.connections) return turnAway(std::move(socket));
+  const auto connection =
+      std::make_shared<HttpConnection>(std::move(socket), m_limits, m_api, m_log,
+                                       [this](HttpConnection* ended) { connectionEnded(ended); });
+  m_connections.insert(connection);
+  connection->start();
+}
+
+void HttpServer::connectionEnded(HttpConnection* connection) {
+  m_connections.erase(connection->shared_from_this());
+  if (!m_stopping || !m_connections.empty()) return;
+  m_graceTimer.cancel();
+  m_stopped();
+}
+
+void HttpServer::stop(std::function<void()> stopped) {
+  if (m_stopping) return;
+  m_stopping = true;
+  m_stopped = std::move(stopped);
+  error_code ignored;
+  m_acceptor.close(ignored);
+  for (const auto& connection : m_connections) connection->finish();
+  if (m_connections.empty()) return m_stopped();
+  m_graceTimer.expires_after(m_limits.shutdownTime);
+  m_graceTimer.async_wait([this](const error_code& error) {
+    if (error) return;
+    for (const auto& connection : m_connections) connection->abort();
+  });
+}
+
+}  // namespace vemo::service

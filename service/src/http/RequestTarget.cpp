@@ -1,0 +1,42 @@
+#include "http/RequestTarget.h"
+
+#include <algorithm>
+#include <array>
+#include <boost/url.hpp>
+
+namespace vemo::service {
+
+namespace {
+
+using boost::beast::http::verb;
+
+constexpr auto routes = std::to_array<Route>({
+    {Endpoint::Health, verb::get, "/health"},
+    {Endpoint::Dictate, verb::post, "/desktop/dictate"},
+    {Endpoint::DictateChunk, verb::post, "/desktop/dictate/chunk"},
+    {Endpoint::DictateFinalize, verb::post, "/desktop/dictate/finalize"},
+});
+
+}  // namespace
+
+TextFormat textFormatNamed(std::string_view name) {
+  return name == "smart" ? TextFormat::Smart : TextFormat::Raw;
+}
+
+std::expected<RequestTarget, TargetError> parseTarget(std::string_view target) {
+  const auto url = boost::urls::parse_origin_form({target.data(), target.size()});
+  if (!url) return std::unexpected(TargetError::Malformed);
+  const std::string_view path = url->encoded_path();
+  const auto route = std::ranges::find(routes, path, &Route::path);
+  if (route == routes.end()) return std::unexpected(TargetError::UnknownPath);
+
+  RequestTarget result{.route = &*route, .format = TextFormat::Raw, .language = {}};
+  const auto parameters = url->params();
+  if (const auto format = parameters.find("format_mode"); format != parameters.end())
+    result.format = textFormatNamed((*format).value);
+  if (const auto language = parameters.find("language"); language != parameters.end())
+    result.language = (*language).value;
+  return result;
+}
+
+}  // namespace vemo::service

@@ -1,0 +1,39 @@
+#include <csignal>
+#include <iostream>
+
+#include "Program.h"
+#include "setup/CommandLine.h"
+#include "setup/Engines.h"
+#include "setup/TokenFile.h"
+
+namespace {
+
+using namespace vemo::service;
+
+int fail(const std::string& line) {
+  std::cerr << "vemo-service: " << line << std::endl;
+  return 1;
+}
+
+int addToken(const Configuration& configuration) {
+  const auto token = TokenFile::add(configuration.tokensFile);
+  if (!token) return fail(token.error());
+  std::cout << *token << std::endl;
+  return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  std::signal(SIGPIPE, SIG_IGN);
+  const auto commandLine = CommandLine::parse({argv + 1, static_cast<std::size_t>(argc - 1)});
+  if (!commandLine) return fail(commandLine.error() + "; see vemo-service --help");
+  if (commandLine->action == CommandLine::Action::Help) {
+    std::cout << helpText;
+    return 0;
+  }
+  const auto configuration = Configuration::read(commandLine->configurationFile);
+  if (!configuration) return fail(configuration.error());
+  if (commandLine->action == CommandLine::Action::AddToken) return addToken(*configuration);
+  return serve(*configuration, engineOf(*configuration), std::cout, std::cerr);
+}

@@ -1,0 +1,32 @@
+// What was asked for on the command line.
+#pragma once
+
+#include <expected>
+#include <filesystem>
+#include <span>
+#include <string>
+
+namespace vemo::service {
+
+struct CommandLine {
+  enum class Action { Serve, AddToken, Help };
+
+  Action action = Action::Serve;
+  std::filesystem::path configurationFile;
+
+  static std::expected<CommandLine, std::string> parse(std::span<const char* const> arguments);
+};
+
+inline constexpr auto helpText =
+    "Usage: vemo-service [--config FILE] [add-token]\n"
+    "\n"
+    "Serves dictation requests: speech in, text out.\n"
+    "\n"
+    "  add-token        make an access token, print it once and keep only its hash\n"
+    "  --config FILE    read this configuration instead of\n"
+    "                   XDG_CONFIG_HOME/vemo-service/vemo-service.conf\n"
+    "  --help           show this help\n"
+    "\n"
+    "When it serves, its first line on the standard output is \"Listening on \" and the address.\n";
+
+}  // namespace vemo::service

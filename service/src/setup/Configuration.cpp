@@ -1,0 +1,162 @@
+#include "setup/Configuration.h"
+
+#include <boost/asio/ip/address.hpp>
+#include <boost/property_tree/ini_parser.hpp>
+#include <charconv>
+#include <cmath>
+#include <cstdlib>
+#include <functional>
+#include <map>
+#include <thread>
+
+namespace vemo::service {
+
+namespace {
+
+namespace ptree = boost::property_tree;
+
+/// Stores a value; false when it doesn't parse.
+using Setter = std::function<bool(const std::string&)>;
+
+struct Key {
+  std::string_view expected;  ///< ends the sentence "… must be"
+  Setter set;
+};
+
+template <typename Number>
+Setter number(Number& target, std::type_identity_t<Number> least,
+              std::type_identity_t<Number> most) {
+  return [&target, least, most](const std::string& text) {
+    Number value{};
+    const auto end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, value);
+    if (error != std::errc() || stop != end || value < least || value > most) return false;
+    target = value;
+    return true;
+  };
+}
+
+Setter seconds(std::chrono::milliseconds& target) {
+  return [&target](const std::string& text) {
+    double value = 0;
+    if (!number(value, 0.001, 86'400.0)(text) || !std::isfinite(value)) return false;
+    target = std::chrono::milliseconds(std::llround(value * 1000));
+    return true;
+  };
+}
+
+template <typename Text>
+Setter nonEmpty(Text& target) {
+  return [&target](const std::string& text) {
+    target = text;
+    return !text.empty();
+  };
+}
+
+Setter numericAddress(std::string& target) {
+  return [&target](const std::string& text) {
+    boost::system::error_code error;
+    boost::asio::ip::make_address(text, error);
+    target = text;
+    return !error;
+  };
+}
+
+Setter webAddress(std::string& target) {
+  return [&target](const std::string& text) {
+    target = text;
+    while (target.ends_with('/')) target.pop_back();
+    return target.starts_with("http://") || target.starts_with("https://");
+  };
+}
+
+Setter engineName(Configuration::EngineName& target) {
+  return [&target](const std::string& text) {
+    target = text == "openai" ? Configuration::EngineName::OpenAi
+                              : Configuration::EngineName::Pocketsphinx;
+    return text == "openai" || text == "pocketsphinx";
+  };
+}
+
+std::map<std::string, Key, std::less<>> keysOf(Configuration& c) {
+  constexpr std::string_view time = "a number of seconds above 0";
+  constexpr std::string_view path = "a path";
+  return {
+      {"server.address", {"a numeric IP address", numericAddress(c.address)}},
+      {"server.port", {"a port number, or 0 for any", number(c.port, 0, 65'535)}},
+      {"server.tokens-file", {path, nonEmpty(c.tokensFile)}},
+      {"engine.name", {"pocketsphinx or openai", engineName(c.engine)}},
+      {"engine.workers", {"a number from 1 to 64", number(c.workers, 1, 64)}},
+      {"engine.waiting", {"a number from 0 to 10000", number(c.waiting, 0, 10'000)}},
+      {"pocketsphinx.acoustic-model", {path, nonEmpty(c.pocketsphinx.acousticModel)}},
+      {"pocketsphinx.language-model", {path, nonEmpty(c.pocketsphinx.languageModel)}},
+      {"pocketsphinx.dictionary", {path, nonEmpty(c.pocketsphinx.dictionary)}},
+      {"openai.address", {"an http or https address", webAddress(c.openAi.address)}},
+      {"openai.model", {"a model's name", nonEmpty(c.openAi.model)}},
+      {"openai.key-file", {path, nonEmpty(c.openAi.keyFile)}},
+      {"openai.certificate-authorities", {path, nonEmpty(c.openAi.certificateAuthorities)}},
+      {"openai.timeout-seconds", {time, seconds(c.openAi.timeout)}},
+      {"limits.body-bytes",
+       {"a number of bytes from 44", number(c.limits.bodyBytes, 44, std::size_t{1} << 30)}},
+      {"limits.header-bytes",
+       {"a number of bytes from 256 to 65536", number(c.limits.headerBytes, 256, 65'536)}},
+      {"limits.connections",
+       {"a number from 1 to 100000", number(c.limits.connections, 1, 100'000)}},
+      {"limits.header-seconds", {time, seconds(c.limits.headerTime)}},
+      {"limits.body-seconds", {time, seconds(c.limits.bodyTime)}},
+      {"limits.answer-seconds", {time, seconds(c.limits.answerTime)}},
+      {"limits.idle-seconds", {time, seconds(c.limits.idleTime)}},
+      {"limits.shutdown-seconds", {time, seconds(c.limits.shutdownTime)}},
+  };
+}
+
+}  // namespace
+
+std::size_t Configuration::effectiveWorkers() const {
+  if (workers > 0) return workers;
+  // A forwarded request only waits; an embedded decoder fills a core and 70 MB.
+  if (engine == EngineName::OpenAi) return 8;
+  return std::min(2U, std::max(1U, std::thread::hardware_concurrency()));
+}
+
+std::filesystem::path Configuration::defaultFolder() {
+  const char* configured = std::getenv("XDG_CONFIG_HOME");
+  if (configured && *configured == '/') return std::filesystem::path(configured) / "vemo-service";
+  const char* home = std::getenv("HOME");
+  return std::filesystem::path(home ? home : "/") / ".config" / "vemo-service";
+}
+
+std::expected<Configuration, std::string> Configuration::read(const std::filesystem::path& path) {
+  Configuration configuration;
+  configuration.tokensFile = defaultFolder() / "tokens";
+  std::error_code absent;
+  if (path == defaultFolder() / "vemo-service.conf" && !std::filesystem::exists(path, absent))
+    return configuration;
+
+  ptree::ptree file;
+  try {
+    ptree::read_ini(path.string(), file);
+  } catch (const ptree::ini_parser_error& error) {
+    return std::unexpected(path.string() + ", line " + std::to_string(error.line()) + ": " +
+                           error.message());
+  }
+  const auto keys = keysOf(configuration);
+  for (const auto& [section, entries] : file) {
+    if (entries.empty() && !entries.data().empty())
+      return std::unexpected(path.string() + ": " + section + " stands outside a section");
+    for (const auto& [name, value] : entries) {
+      const auto key = keys.find(section + "." + name);
+      if (key == keys.end())
+        return std::unexpected(path.string() + ": unknown key " + name + " in [" + section + "]");
+      if (!key->second.set(value.data()))
+        return std::unexpected(path.string() + ": " + name + " in [" + section + "] must be " +
+                               std::string(key->second.expected) + ", not \"" + value.data() +
+                               "\"");
+    }
+  }
+  if (configuration.engine == EngineName::OpenAi && configuration.openAi.address.empty())
+    return std::unexpected(path.string() + ": the engine openai needs an address in [openai]");
+  return configuration;
+}
+
+}  // namespace vemo::service
