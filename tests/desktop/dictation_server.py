@@ -1,0 +1,139 @@
+"""A dictation server that answers what a test has scripted, and remembers what it was asked."""
+
+import dataclasses
+import http.client
+import http.server
+import json
+import socket
+import threading
+import time
+
+
+@dataclasses.dataclass
+class Request:
+    path: str
+    headers: dict
+    body: bytes
+
+
+@dataclasses.dataclass
+class Answer:
+    status: int = 200
+    body: bytes = b""
+    content_type: str = "application/json"
+    hang_up: str = ""  # "before" or "within" the answer: the connection is cut there
+
+
+def transcription(text):
+    return Answer(body=json.dumps({"status": "success", "transcription": text}).encode())
+
+
+class DictationServer:
+    """`with DictationServer() as server: server.answers = [transcription("…")]`; the last one stays."""
+
+    def __enter__(self):
+        self.answers = [transcription("")]
+        self.requests = []
+        self._lock = threading.Lock()
+        owner = self
+
+        class Handler(http.server.BaseHTTPRequestHandler):
+            protocol_version = "HTTP/1.1"
+
+            def do_GET(self):
+                self._answer(Answer(status=404, body=b'{"status":"error"}'))
+
+            def do_POST(self):
+                body = self.rfile.read(int(self.headers.get("Content-Length", 0)))
+                if not self.path.startswith("/desktop/dictate"):
+                    self._answer(Answer(status=404, body=b'{"status":"error"}'))
+                    return
+                self._answer(owner._take(Request(self.path, dict(self.headers), body)))
+
+            def _answer(self, answer):
+                if answer.hang_up == "before":
+                    self._hang_up()
+                    return
+                self.send_response(answer.status)
+                self.send_header("Content-Type", answer.content_type)
+                self.send_header("Content-Length", str(len(answer.body)))
+                self.end_headers()
+                if answer.hang_up == "within":
+                    self.wfile.write(answer.body[:len(answer.body) // 2])
+                    self._hang_up()
+                    return
+                self.wfile.write(answer.body)
+
+            def _hang_up(self):
+                self.close_connection = True
+                self.connection.shutdown(socket.SHUT_RDWR)
+
+            def log_message(self, *_):
+                pass
+
+        self._server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), Handler)
+        self._server.daemon_threads = True
+        self._server.handle_error = lambda *_: None
+        threading.Thread(target=self._server.serve_forever, daemon=True).start()
+        self.address = f"http://127.0.0.1:{self._server.server_port}/"
+        return self
+
+    def __exit__(self, *_):
+        self._server.shutdown()
+        self._server.server_close()
+
+    def _take(self, request):
+        with self._lock:
+            self.requests.append(request)
+            return self.answers.pop(0) if len(self.answers) > 1 else self.answers[0]
+
+
+class RecordingProxy:
+    """Stands between Vemo and a service, and remembers the answers and what the service took for them."""
+
+    def __init__(self, address):
+        host, _, port = address.removeprefix("http://").rstrip("/").partition(":")
+        self._target = (host, int(port))
+
+    def __enter__(self):
+        self.answers = []  # (path, status, body, milliseconds)
+        owner = self
+
+        class Handler(http.server.BaseHTTPRequestHandler):
+            protocol_version = "HTTP/1.1"
+
+            def do_GET(self):
+                self._pass_on()
+
+            def do_POST(self):
+                self._pass_on()
+
+            def _pass_on(self):
+                body = self.rfile.read(int(self.headers.get("Content-Length", 0)))
+                begin = time.monotonic()
+                connection = http.client.HTTPConnection(*owner._target, timeout=300)
+                connection.request(self.command, self.path, body, dict(self.headers))
+                response = connection.getresponse()
+                answer = response.read()
+                owner.answers.append((self.path, response.status, answer, (time.monotonic() - begin) * 1000))
+                connection.close()
+                self.send_response(response.status)
+                for name, value in response.getheaders():
+                    if name.lower() not in ("connection", "transfer-encoding", "content-length", "date", "server"):
+                        self.send_header(name, value)
+                self.send_header("Content-Length", str(len(answer)))
+                self.end_headers()
+                self.wfile.write(answer)
+
+            def log_message(self, *_):
+                pass
+
+        self._server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), Handler)
+        self._server.daemon_threads = True
+        threading.Thread(target=self._server.serve_forever, daemon=True).start()
+        self.address = f"http://127.0.0.1:{self._server.server_port}/"
+        return self
+
+    def __exit__(self, *_):
+        self._server.shutdown()
+        self._server.server_close()

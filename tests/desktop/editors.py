@@ -1,0 +1,216 @@
+"""The programs that tests dictate into, each read from outside by means of its own.
+
+Runs inside the virtual desktop. Every editor is started with an empty text and waited for until its
+text has the keyboard focus.
+"""
+
+import http.server
+import pathlib
+import shutil
+import subprocess
+import tempfile
+import threading
+
+import gi
+
+gi.require_version("Atspi", "2.0")
+from gi.repository import Atspi, GLib  # noqa: E402
+
+from virtual_desktop import wait_until  # noqa: E402
+
+# An editor that lays out a megabyte answers late.
+Atspi.set_timeout(60_000, 60_000)
+
+
+def active_window():
+    """The identifier of the window in front, or None."""
+    result = subprocess.run(["xdotool", "getactivewindow"], capture_output=True, check=False)
+    return result.stdout.decode().strip() or None
+
+
+def window_class(window):
+    result = subprocess.run(["xprop", "-id", window, "WM_CLASS"], capture_output=True, check=False)
+    return result.stdout.decode()
+
+
+class Editor:
+    """`with Mousepad() as editor: …; editor.text()`"""
+
+    name = ""
+    pastes_with = "ctrl+v"
+
+    def __enter__(self):
+        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="editor-"))
+        self.process = subprocess.Popen(self.command(), stdin=subprocess.DEVNULL,
+                                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        try:
+            self.window = wait_until(self._window_in_front, f"{self.name} to come to the front")
+            wait_until(self.has_focus, f"the text of {self.name} to have the focus")
+        except BaseException:
+            self.__exit__()
+            raise
+        return self
+
+    def __exit__(self, *_):
+        self.process.terminate()
+        try:
+            self.process.wait(10)
+        except subprocess.TimeoutExpired:
+            self.process.kill()
+            self.process.wait()
+        shutil.rmtree(self.folder, ignore_errors=True)
+
+    def _window_in_front(self):
+        if self.process.poll() is not None:
+            raise AssertionError(f"{self.name} ended with {self.process.returncode}")
+        window = active_window()
+        return window if window and f'"{self.name}"' in window_class(window).lower() else None
+
+    def command(self):
+        raise NotImplementedError
+
+    def has_focus(self):
+        raise NotImplementedError
+
+    def text(self):
+        raise NotImplementedError
+
+
+class AccessibleEditor(Editor):
+    """An editor whose text and focus the accessibility bus tells."""
+
+    def has_focus(self):
+        self._text = self._focused_text()
+        return self._text is not None
+
+    def text(self):
+        return Atspi.Text.get_text(self._text, 0, -1)
+
+    def _focused_text(self):
+        desktop = Atspi.get_desktop(0)
+        for index in range(desktop.get_child_count()):
+            application = desktop.get_child_at_index(index)
+            try:
+                if application and application.get_process_id() == self.process.pid:
+                    return focused_text_below(application)
+            except GLib.Error:
+                pass  # an application that is just leaving or arriving
+        return None
+
+
+def focused_text_below(item):
+    states = item.get_state_set()
+    if states.contains(Atspi.StateType.EDITABLE) and states.contains(Atspi.StateType.FOCUSED):
+        return item
+    for index in range(item.get_child_count()):
+        child = item.get_child_at_index(index)
+        found = child and focused_text_below(child)
+        if found:
+            return found
+    return None
+
+
+class Mousepad(AccessibleEditor):
+    name = "mousepad"
+
+    def command(self):
+        return ["mousepad", "--disable-server"]
+
+
+class Featherpad(AccessibleEditor):
+    name = "featherpad"
+
+    def command(self):
+        return ["featherpad", "--standalone"]
+
+
+class Xterm(Editor):
+    """A terminal in which `cat` writes what arrives to a file."""
+
+    name = "xterm"
+    pastes_with = "ctrl+shift+v"
+
+    def command(self):
+        self.file = self.folder / "received"
+        # Not by lines, whose length the terminal limits; what it sends as Return arrives as a line end.
+        program = f"stty -icanon -echo icrnl -isig -ixon; printf ready >'{self.folder}/ready'; exec cat >'{self.file}'"
+        return ["xterm", "-u8", "-xrm", "XTerm*VT100.translations: #override "
+                "Ctrl Shift <Key>V: insert-selection(CLIPBOARD)", "-e", "sh", "-c", program]
+
+    def has_focus(self):
+        return self.file.exists()
+
+    def text(self):
+        return self.file.read_bytes().decode(errors="replace")
+
+
+PAGE = b"""<!doctype html><meta charset="utf-8"><title>text area</title>
+<textarea id="text" autofocus rows="20" cols="80"></textarea>
+<script>
+  const text = document.getElementById("text");
+  const send = () => fetch("/text", {method: "POST", body: text.value});
+  text.addEventListener("input", send);
+  const tellFocus = () => {
+    if (document.hasFocus() && document.activeElement === text) fetch("/focus", {method: "POST"});
+    else setTimeout(tellFocus, 20);
+  };
+  tellFocus();
+</script>"""
+
+
+class Chromium(Editor):
+    """A text area in a page that tells this program its text after every change."""
+
+    name = "chromium"
+
+    def __enter__(self):
+        self._text = ""
+        self._focused = False
+        editor = self
+
+        class Handler(http.server.BaseHTTPRequestHandler):
+            def do_GET(self):
+                self._answer(PAGE if self.path == "/" else b"")
+
+            def do_POST(self):
+                body = self.rfile.read(int(self.headers.get("Content-Length", 0)))
+                if self.path == "/focus":
+                    editor._focused = True
+                else:
+                    editor._text = body.decode()
+                self._answer(b"")
+
+            def _answer(self, body):
+                self.send_response(200)
+                self.send_header("Content-Type", "text/html; charset=utf-8")
+                self.send_header("Content-Length", str(len(body)))
+                self.end_headers()
+                self.wfile.write(body)
+
+            def log_message(self, *_):
+                pass
+
+        self._server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), Handler)
+        threading.Thread(target=self._server.serve_forever, daemon=True).start()
+        return super().__enter__()
+
+    def __exit__(self, *_):
+        super().__exit__()
+        self._server.shutdown()
+        self._server.server_close()
+
+    def command(self):
+        return ["chromium", "--no-sandbox", "--disable-gpu", "--disable-quic", "--no-first-run",
+                "--no-default-browser-check", "--disable-background-networking",
+                "--disable-component-update", "--disable-sync", "--disable-dev-shm-usage",
+                "--password-store=basic", f"--user-data-dir={self.folder}",
+                f"--app=http://127.0.0.1:{self._server.server_port}/"]
+
+    def has_focus(self):
+        return self._focused
+
+    def text(self):
+        return self._text
+
+
+ALL = (Mousepad, Featherpad, Xterm, Chromium)

@@ -1,0 +1,128 @@
+"""Vemo as a person has it: the real program with a home of its own, driven by its commands."""
+
+import array
+import math
+import os
+import pathlib
+import shutil
+import subprocess
+import tempfile
+import wave
+
+from virtual_desktop import wait_until
+
+SERVICE_AND_ACCOUNT = ["service", "brelmox.Vemo", "account", "authToken"]
+
+
+def store_token(token):
+    subprocess.run(["secret-tool", "store", "--label=Vemo", *SERVICE_AND_ACCOUNT],
+                   input=token.encode(), check=True)
+
+
+def clear_token():
+    subprocess.run(["secret-tool", "clear", *SERVICE_AND_ACCOUNT], check=False)
+
+
+def program(name):
+    """A program of the build under test."""
+    return pathlib.Path(os.environ["VEMO_PROGRAMS"]) / name
+
+
+def write_tone(path, seconds=0.8, frequency=300):
+    """A sound that no recorder takes for silence."""
+    rate = 16000
+    samples = array.array("h", (int(12000 * math.sin(2 * math.pi * frequency * n / rate))
+                                for n in range(int(rate * seconds))))
+    with wave.open(str(path), "wb") as file:
+        file.setnchannels(1)
+        file.setsampwidth(2)
+        file.setframerate(rate)
+        file.writeframes(samples.tobytes())
+
+
+def say(path):
+    """Plays a file where the microphone hears it; returns when all of it has been heard."""
+    subprocess.run(["paplay", "--device=mic", str(path)], check=True, timeout=600)
+
+
+class Vemo:
+    """`with Vemo(server.address) as vemo: vemo.dictate()`"""
+
+    def __init__(self, api_address, prepare_home=None, preexec=None):
+        self._api_address = api_address
+        self._prepare_home = prepare_home
+        self._preexec = preexec
+
+    def __enter__(self):
+        self.home = pathlib.Path(tempfile.mkdtemp(prefix="home-"))
+        self.environment = dict(os.environ)
+        for name, folder in (("HOME", "."), ("XDG_CONFIG_HOME", ".config"), ("XDG_DATA_HOME", ".local/share"),
+                             ("XDG_STATE_HOME", ".local/state"), ("XDG_CACHE_HOME", ".cache")):
+            self.environment[name] = str(self.home / folder)
+        self.configuration = self.home / ".config/vemo"
+        self.log = self.home / ".local/state/Logs/Vemo/debug.log"
+        self.configuration.mkdir(parents=True)
+        (self.configuration / "vemo.conf").write_text(f"apiBaseURL={self._api_address}\n")
+        self.tone = self.home / "tone.wav"
+        write_tone(self.tone)
+        if self._prepare_home:
+            self._prepare_home(self)
+        self.output = self.home / "output"
+        with open(self.output, "wb") as output:
+            os.fchmod(output.fileno(), 0o600)
+            self.process = subprocess.Popen([program("vemo")], env=self.environment, stdin=subprocess.DEVNULL,
+                                            stdout=output, stderr=subprocess.STDOUT, preexec_fn=self._preexec)
+        try:
+            wait_until(lambda: self.status() == "idle", "Vemo to be idle")
+        except BaseException:
+            self.__exit__()
+            raise
+        return self
+
+    def __exit__(self, *_):
+        self.command("quit")
+        try:
+            self.process.wait(10)
+        except subprocess.TimeoutExpired:
+            self.process.kill()
+            self.process.wait()
+        shutil.rmtree(self.home, ignore_errors=True)
+
+    def command(self, name):
+        """What `vemo NAME` prints, without the line end."""
+        result = subprocess.run([program("vemo"), name], env=self.environment, stdin=subprocess.DEVNULL,
+                                capture_output=True, timeout=60, check=False)
+        return result.stdout.decode().strip()
+
+    def status(self):
+        if self.process.poll() is not None:
+            raise AssertionError(f"Vemo ended with {self.process.returncode}:\n{self.output.read_text()}")
+        return self.command("status")
+
+    def logged(self, words):
+        """How many lines of the log hold the words."""
+        try:
+            return sum(words in line for line in self.log.read_text(errors="replace").splitlines())
+        except FileNotFoundError:
+            return 0
+
+    def await_logged(self, words, times=1):
+        wait_until(lambda: self.logged(words) >= times, f"{times} log lines with “{words}”; there is:\n"
+                   + (self.log.read_text(errors="replace") if self.log.exists() else "no log"))
+
+    def start(self):
+        """Begins a dictation. A start that follows a stop too closely is dropped, so it asks again."""
+        def recording():
+            if self.status() == "idle":
+                self.command("start")
+            return self.status() == "recording"
+        wait_until(recording, "Vemo to record")
+
+    def stop(self):
+        self.command("stop")
+
+    def dictate(self):
+        """Everything up to the stop; the answer is not waited for."""
+        self.start()
+        say(self.tone)
+        self.stop()
