@@ -3,8 +3,8 @@
 // It is how a callback becomes something to co_await. Copies share one state: the producer keeps a
 // copy and calls complete(), the consumer awaits another. The first value wins and later ones are
 // dropped. The consumer is always resumed through the main queue, never inside complete(), so it is
-// safe to complete from a signal, from a std::stop_callback or from an abort. A consumer whose frame
-// is destroyed while it waits is forgotten.
+// safe to complete from a signal, from a std::stop_callback or from an abort. A consumer whose
+// frame is destroyed while it waits is forgotten.
 //
 // Main thread only; at most one coroutine may wait at a time.
 #pragma once

@@ -1,8 +1,8 @@
 // A thread that runs the work it is given, one piece after the other, in order.
 //
 // For what must not hold up the caller, such as writing to disk. The thread starts with the first
-// post(), sleeps while there is nothing to do, and is joined by the destructor after it has done all
-// that was posted. post() and waitUntilIdle() may be called from any thread but its own.
+// post(), sleeps while there is nothing to do, and is joined by the destructor after it has done
+// all that was posted. post() and waitUntilIdle() may be called from any thread but its own.
 #pragma once
 
 #include <condition_variable>

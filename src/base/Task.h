@@ -2,12 +2,13 @@
 //
 // Nothing runs before the task is awaited (co_await std::move(task)) or started in a TaskScope. The
 // Task owns its frame: destroying the Task destroys the frame and, through the destructors of the
-// awaiters in it, whatever the coroutine was waiting for. A task is cancelled by the std::stop_token
-// that it was given, which ends a wait early; what that means is for the code after the wait.
+// awaiters in it, whatever the coroutine was waiting for. A task is cancelled by the
+// std::stop_token that it was given, which ends a wait early; what that means is for the code after
+// the wait.
 //
-// Tasks run on the main thread only. A coroutine is a named function with parameters taken by value,
-// or a member function of an object that outlives it. An exception that leaves a coroutine ends the
-// program: failures are values, and exceptions stop at the adapter that met them.
+// Tasks run on the main thread only. A coroutine is a named function with parameters taken by
+// value, or a member function of an object that outlives it. An exception that leaves a coroutine
+// ends the program: failures are values, and exceptions stop at the adapter that met them.
 #pragma once
 
 #include <coroutine>

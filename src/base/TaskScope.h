@@ -1,8 +1,8 @@
 // TaskScope owns the tasks that it starts; StartedTask is a handle to one of them.
 //
-// start() posts the first step to the main queue, so a task never runs inside start(). Destroying the
-// scope destroys the frames of all its unfinished tasks: they end where they wait, without resuming.
-// A scope must not be destroyed by one of its own tasks.
+// start() posts the first step to the main queue, so a task never runs inside start(). Destroying
+// the scope destroys the frames of all its unfinished tasks: they end where they wait, without
+// resuming. A scope must not be destroyed by one of its own tasks.
 //
 // Main thread only.
 #pragma once

@@ -1,8 +1,8 @@
 // What "characters", "blank" and "word" mean in this program.
 //
-// A character is what a person sees as one: an extended grapheme cluster (Unicode Standard Annex 29).
-// White space is Unicode's White_Space property, which includes line ends. All functions take any
-// UTF-16, unpaired surrogates included, and never fail. Any thread.
+// A character is what a person sees as one: an extended grapheme cluster (Unicode Standard Annex
+// 29). White space is Unicode's White_Space property, which includes line ends. All functions take
+// any UTF-16, unpaired surrogates included, and never fail. Any thread.
 #pragma once
 
 #include <QString>

@@ -28,7 +28,8 @@ constexpr std::size_t bytesPerFrame(const AudioFormat& format) {
   return sampleSize * static_cast<std::size_t>(format.channels);
 }
 
-/// A stretch of captured sound, of about 4096 frames or less. Valid during the handler's call alone.
+/// A stretch of captured sound, of about 4096 frames or less. Valid during the handler's call
+/// alone.
 struct AudioBlock {
   AudioFormat format;
   std::span<const std::byte> frames;  ///< a whole number of frames

@@ -43,8 +43,8 @@ class Clipboard {
   /// didn't hand over is left empty.
   virtual Task<ClipboardContents> snapshot() = 0;
 
-  /// Makes `contents` the clipboard's content; empty contents empty it. Returns after the change has
-  /// taken effect and has been counted.
+  /// Makes `contents` the clipboard's content; empty contents empty it. Returns after the change
+  /// has taken effect and has been counted.
   virtual void replace(ClipboardContents contents) = 0;
 
   /// Goes up with each change of the content, by whomever, replace() included.

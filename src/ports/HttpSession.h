@@ -18,8 +18,8 @@
 
 namespace vemo {
 
-/// Why no answer came. The numbers are those that logs and events carry (the URL-loading error codes
-/// of Apple's Foundation, NSURLError…).
+/// Why no answer came. The numbers are those that logs and events carry (the URL-loading error
+/// codes of Apple's Foundation, NSURLError…).
 enum class UrlError : int {
   Unknown = -1,
   Cancelled = -999,
@@ -84,8 +84,9 @@ class HttpSession {
  public:
   virtual ~HttpSession() = default;
 
-  /// Sends the request and waits for the whole answer. Ends with Cancelled when `stop` is requested,
-  /// with TimedOut after the request's time-out or the session's limit for a whole transfer.
+  /// Sends the request and waits for the whole answer. Ends with Cancelled when `stop` is
+  /// requested, with TimedOut after the request's time-out or the session's limit for a whole
+  /// transfer.
   virtual Task<HttpResult> send(HttpRequest request, std::stop_token stop) = 0;
 };
 

@@ -1,7 +1,7 @@
 // How the default microphone is attached.
 //
-// Main thread only. Never waits for the sound server longer than half a second; what can't be told is
-// Other.
+// Main thread only. Never waits for the sound server longer than half a second; what can't be told
+// is Other.
 #pragma once
 
 namespace vemo {

@@ -20,9 +20,9 @@ using ModifierFlags = std::uint32_t;
 inline constexpr ModifierFlags allModifierFlags =
     ShiftFlag | ControlFlag | OptionFlag | CommandFlag;
 
-/// One paste keystroke, ready to go. The target sees the paste chord and no other modifier, whatever
-/// the user holds meanwhile; after release() (or destruction, which releases) the keyboard's logical
-/// state is the physical one again.
+/// One paste keystroke, ready to go. The target sees the paste chord and no other modifier,
+/// whatever the user holds meanwhile; after release() (or destruction, which releases) the
+/// keyboard's logical state is the physical one again.
 class PasteKeystroke {
  public:
   virtual ~PasteKeystroke() = default;
@@ -39,8 +39,8 @@ class KeyPoster {
   /// neither does an AltGr key.
   virtual ModifierFlags heldModifiers() const = 0;
 
-  /// Prepares the paste shortcut for the window in front, by the keyboard layout in force. Null when
-  /// it can't be posted: no connection, no way to post keys, no key to be had for it.
+  /// Prepares the paste shortcut for the window in front, by the keyboard layout in force. Null
+  /// when it can't be posted: no connection, no way to post keys, no key to be had for it.
   virtual std::unique_ptr<PasteKeystroke> makePaste() = 0;
 
   /// Whether this process may post keys at all.

@@ -1,4 +1,5 @@
-// Commands that reach the running program from outside: a compositor's key binding, a script, a test.
+// Commands that reach the running program from outside: a compositor's key binding, a script, a
+// test.
 //
 // Main thread only.
 #pragma once

@@ -22,6 +22,7 @@ class SecretBackend {
 
   virtual std::expected<QByteArray, SecretError> find(const QString& service,
                                                       const QString& account) = 0;
+  /// Replaces an item of the same service and account.
   virtual std::expected<void, SecretError> add(const QString& service, const QString& account,
                                                const QByteArray& secret) = 0;
   virtual std::expected<void, SecretError> remove(const QString& service,

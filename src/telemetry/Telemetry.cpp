@@ -24,14 +24,19 @@ QDateTime toDateTime(Clock::WallTime time) {
 Telemetry::Telemetry(const Clock& clock, Settings& settings)
     : m_clock(clock), m_settings(settings) {
   if (!settings.contains(keys::telemetryInstallId))
-    settings.set(keys::telemetryInstallId, QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper());
+    settings.set(keys::telemetryInstallId,
+                 QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper());
   if (!settings.contains(keys::telemetryFirstLaunchAt))
     settings.set(keys::telemetryFirstLaunchAt, toDateTime(clock.wallTime()));
 }
 
-QString Telemetry::installId() const { return m_settings.get(keys::telemetryInstallId, QString()); }
+QString Telemetry::installId() const {
+  return m_settings.get(keys::telemetryInstallId, QString());
+}
 
-bool Telemetry::sharesUsage() const { return m_settings.get(keys::shareUsageStatistics, true); }
+bool Telemetry::sharesUsage() const {
+  return m_settings.get(keys::shareUsageStatistics, true);
+}
 
 void Telemetry::track(const QString& name, const QJsonObject& props, EventClass eventClass) {
   if (eventClass == EventClass::Optional && !sharesUsage()) return;

@@ -1,8 +1,8 @@
 // Turns things that happen in the program into named events.
 //
-// Essential events (failures, crashes, updates) are always collected, the others only while the user
-// shares usage statistics. Events wait in memory, the newest 200 of them; they carry no text that the
-// user said or typed. track() does no input or output: it runs on the dictation path.
+// Essential events (failures, crashes, updates) are always collected, the others only while the
+// user shares usage statistics. Events wait in memory, the newest 200 of them; they carry no text
+// that the user said or typed. track() does no input or output: it runs on the dictation path.
 //
 // Main thread only. Nothing here fails.
 #pragma once
@@ -41,8 +41,7 @@ class Telemetry {
 
   /// After each attempt of a request. `status` is absent when no HTTP status came.
   void reportRequestResult(const QString& endpoint, std::optional<int> status,
-                           Clock::MonotonicTime startedAt,
-                           const std::optional<HttpError>& error);
+                           Clock::MonotonicTime startedAt, const std::optional<HttpError>& error);
 
   /// The events that wait, oldest first.
   const std::deque<TelemetryEvent>& queue() const { return m_queue; }

@@ -56,7 +56,9 @@ class TaskTest : public testing::Test {
 };
 
 TEST_F(TaskTest, NothingRunsBeforeATaskIsAwaited) {
-  { const Task<int> task = answer(); }
+  {
+    const Task<int> task = answer();
+  }
   EXPECT_TRUE(events.empty());
 }
 

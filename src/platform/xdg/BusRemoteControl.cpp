@@ -1,0 +1,75 @@
+#include "platform/xdg/BusRemoteControl.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+
+#include "ports/RemoteControl.h"
+
+namespace vemo {
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+const QString busName = u"brelmox.Vemo"_s;
+const QString objectPath = u"/brelmox/Vemo"_s;
+constexpr int answerTimeoutMs = 5000;
+
+}  // namespace
+
+class BusRemoteControl::Adaptor : public QObject {
+  Q_OBJECT
+  Q_CLASSINFO("D-Bus Interface", "brelmox.Vemo")
+
+ public:
+  explicit Adaptor(RemoteControl& control) : m_control(control) {}
+
+ public Q_SLOTS:
+  QString toggle() { return m_control.toggle(); }
+  QString start() { return m_control.start(); }
+  QString stop() { return m_control.stop(); }
+  QString status() { return m_control.status(); }
+  void quit() { m_control.quit(); }
+
+ private:
+  RemoteControl& m_control;
+};
+
+BusRemoteControl::BusRemoteControl(std::unique_ptr<Adaptor> adaptor)
+    : m_adaptor(std::move(adaptor)) {}
+
+BusRemoteControl::~BusRemoteControl() {
+  auto bus = QDBusConnection::sessionBus();
+  bus.unregisterService(busName);
+  bus.unregisterObject(objectPath);
+}
+
+std::expected<std::unique_ptr<BusRemoteControl>, BusNameError> BusRemoteControl::create(
+    RemoteControl& control) {
+  auto bus = QDBusConnection::sessionBus();
+  if (!bus.isConnected()) return std::unexpected(BusNameError::NoBus);
+  auto adaptor = std::make_unique<Adaptor>(control);
+  bus.registerObject(objectPath, adaptor.get(), QDBusConnection::ExportAllSlots);
+  if (!bus.registerService(busName)) {
+    bus.unregisterObject(objectPath);
+    return std::unexpected(BusNameError::Taken);
+  }
+  return std::unique_ptr<BusRemoteControl>(new BusRemoteControl(std::move(adaptor)));
+}
+
+std::expected<QString, QString> sendCommand(const QString& command) {
+  const auto bus = QDBusConnection::sessionBus();
+  if (!bus.isConnected()) return std::unexpected(u"There is no session bus to reach Vemo on."_s);
+  const auto call = QDBusMessage::createMethodCall(busName, objectPath, busName, command);
+  const auto answer = bus.call(call, QDBus::Block, answerTimeoutMs);
+  if (answer.type() == QDBusMessage::ErrorMessage) {
+    if (answer.errorName() == u"org.freedesktop.DBus.Error.ServiceUnknown")
+      return std::unexpected(u"Vemo isn't running."_s);
+    return std::unexpected(u"Vemo doesn't answer: "_s + answer.errorMessage());
+  }
+  return answer.arguments().value(0).toString();
+}
+
+}  // namespace vemo
+
+#include "BusRemoteControl.moc"

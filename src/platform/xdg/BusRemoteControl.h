@@ -1,0 +1,39 @@
+// The running program's end, and the command line's end, of RemoteControl on the session bus.
+//
+// Owning the bus name is also what makes the program single-instance. Main thread only.
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <expected>
+#include <memory>
+
+namespace vemo {
+
+class RemoteControl;
+
+enum class BusNameError {
+  NoBus,  ///< there is no session bus to be reached
+  Taken,  ///< another instance runs
+};
+
+/// Exports a RemoteControl as long as it lives.
+class BusRemoteControl {
+ public:
+  /// Takes the name; commands are answered from then on.
+  static std::expected<std::unique_ptr<BusRemoteControl>, BusNameError> create(
+      RemoteControl& control);
+  ~BusRemoteControl();
+
+ private:
+  class Adaptor;
+  explicit BusRemoteControl(std::unique_ptr<Adaptor> adaptor);
+
+  std::unique_ptr<Adaptor> m_adaptor;
+};
+
+/// Sends "toggle", "start", "stop", "status" or "quit" to the running program. The answer, or why
+/// there is none, is one line for the person at the terminal.
+std::expected<QString, QString> sendCommand(const QString& command);
+
+}  // namespace vemo

@@ -1,0 +1,68 @@
+#include "platform/xdg/LinuxPermissions.h"
+
+#include <QProcess>
+#include <QStandardPaths>
+#include <QStringList>
+
+namespace vemo {
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+/// A desktop's panel for what a settings pane is about; the first that is installed is opened.
+struct Panel {
+  QStringView pane;
+  QStringView program;
+  QStringView argument;
+};
+
+constexpr Panel panels[] = {
+    {u"Privacy_Microphone", u"gnome-control-center", u"sound"},
+    {u"Privacy_Microphone", u"systemsettings", u"kcm_pulseaudio"},
+    {u"Privacy_Microphone", u"pavucontrol", u"--tab=4"},
+    {u"Privacy_Microphone", u"mate-volume-control", u"--page=input"},
+    {u"Privacy_Accessibility", u"gnome-control-center", u"universal-access"},
+    {u"Privacy_Accessibility", u"systemsettings", u"kcm_access"},
+    {u"Privacy_Accessibility", u"xfce4-accessibility-settings", u""},
+    {u"Privacy_Accessibility", u"mate-at-properties", u""},
+};
+
+}  // namespace
+
+LinuxPermissions::LinuxPermissions(MicrophoneProbe microphone, AccessibilityProbe accessibility,
+                                   MainThread& mainThread)
+    : m_microphone(std::move(microphone)),
+      m_accessibility(std::move(accessibility)),
+      m_mainThread(mainThread) {}
+
+MicrophoneAuthorization LinuxPermissions::microphone() const {
+  return m_microphone();
+}
+
+void LinuxPermissions::requestMicrophone(std::function<void(bool granted)> answer) {
+  m_mainThread.post([probe = m_microphone, answer = std::move(answer)] {
+    answer(probe() == MicrophoneAuthorization::Granted);
+  });
+}
+
+bool LinuxPermissions::isAccessibilityTrusted() const {
+  return m_accessibility();
+}
+
+bool LinuxPermissions::promptAccessibility() {
+  return isAccessibilityTrusted();
+}
+
+void LinuxPermissions::openSettings(const QUrl& pane) {
+  for (const auto& panel : panels) {
+    if (pane.query() != panel.pane) continue;
+    const QString program = QStandardPaths::findExecutable(panel.program.toString());
+    if (program.isEmpty()) continue;
+    QProcess::startDetached(
+        program, panel.argument.isEmpty() ? QStringList() : QStringList{panel.argument.toString()});
+    return;
+  }
+}
+
+}  // namespace vemo

@@ -1,0 +1,39 @@
+#include "session/DictationRemoteControl.h"
+
+#include "session/AppState.h"
+
+namespace vemo {
+
+using namespace Qt::Literals::StringLiterals;
+
+DictationRemoteControl::DictationRemoteControl(AppState& appState, std::function<void()> quit)
+    : m_appState(appState), m_quit(std::move(quit)) {}
+
+QString DictationRemoteControl::toggle() {
+  m_appState.handleToggleTrigger();
+  return status();
+}
+
+QString DictationRemoteControl::start() {
+  m_appState.handlePushToTalkDown();
+  return status();
+}
+
+QString DictationRemoteControl::stop() {
+  if (m_appState.phase() == Phase::recording()) m_appState.toggleFromButton();
+  return status();
+}
+
+QString DictationRemoteControl::status() const {
+  const Phase& phase = m_appState.phase();
+  if (phase.kind == Phase::Kind::Error) return u"error: "_s + phase.message;
+  if (phase.kind != Phase::Kind::Idle) return phase.name();
+  const QString text = m_appState.statusText();
+  return text == readyStatusText ? phase.name() : u"idle: "_s + text;
+}
+
+void DictationRemoteControl::quit() {
+  m_quit();
+}
+
+}  // namespace vemo
