@@ -1,0 +1,177 @@
+#include "platform/x11/X11Keyboard.h"
+
+#include <xcb/xinput.h>
+#include <xcb/xtest.h>
+
+#include <ranges>
+#include <utility>
+
+#include "platform/x11/XcbXkb.h"
+
+namespace vemo {
+
+namespace {
+
+/// From 2.2 on raw events also come while another program has grabbed the keyboard.
+constexpr std::uint16_t inputMajorVersion = 2;
+constexpr std::uint16_t inputMinorVersion = 2;
+constexpr std::uint8_t allModifiers = 0xFF;
+
+bool isBefore(std::uint32_t sequence, std::uint32_t other) {
+  return static_cast<std::int32_t>(sequence - other) < 0;
+}
+
+}  // namespace
+
+std::shared_ptr<X11Keyboard> X11Keyboard::create(const QByteArray& displayName) {
+  auto connection = X11Connection::create(displayName);
+  if (!connection || !connection->extension(xcb_test_id)) return nullptr;
+  const auto input = connection->extension(xcb_input_id);
+  if (!input) return nullptr;
+  const auto version = connection->reply<xcb_input_xi_query_version_reply_t>(
+      xcb_input_xi_query_version(connection->xcb(), inputMajorVersion, inputMinorVersion).sequence);
+  if (!version || std::pair(version->major_version, version->minor_version) <
+                      std::pair(inputMajorVersion, inputMinorVersion))
+    return nullptr;
+  auto keymap = X11Keymap::create(*connection);
+  if (!keymap) return nullptr;
+  return std::shared_ptr<X11Keyboard>(
+      new X11Keyboard(std::move(connection), std::move(keymap), input->major_opcode));
+}
+
+X11Keyboard::X11Keyboard(std::unique_ptr<X11Connection> connection,
+                         std::unique_ptr<X11Keymap> keymap, std::uint8_t inputOpcode)
+    : m_connection(std::move(connection)), m_keymap(std::move(keymap)), m_inputOpcode(inputOpcode) {
+  m_connection->setEventHandler([this](const xcb_generic_event_t& event) { handleEvent(event); });
+  m_connection->synchronize();
+}
+
+X11Keyboard::Keys X11Keyboard::pressedKeys() {
+  const auto request = xcb_query_keymap(m_connection->xcb());
+  const auto answer = m_connection->reply<xcb_query_keymap_reply_t>(request.sequence);
+  Keys keys;
+  if (!answer) return keys;
+  m_readAt = request.sequence;
+  for (std::size_t code = 0; code < keys.size(); ++code)
+    keys[code] = (answer->keys[code / 8] >> (code % 8)) & 1;
+  return keys;
+}
+
+ModifierFlags X11Keyboard::heldModifiers() {
+  m_connection->processEvents();
+  const Keys pressed = pressedKeys();
+  ModifierFlags flags = 0;
+  for (std::size_t code = 0; code < pressed.size(); ++code) {
+    if (pressed[code]) flags |= m_keymap->modifierFlag(static_cast<xcb_keycode_t>(code));
+  }
+  return flags;
+}
+
+X11Keymap::Group X11Keyboard::lockedGroup() {
+  const auto state = m_connection->reply<xcb_xkb_get_state_reply_t>(
+      xcb_xkb_get_state(m_connection->xcb(), XCB_XKB_ID_USE_CORE_KBD).sequence);
+  return state ? state->lockedGroup : 0;
+}
+
+void X11Keyboard::pressChord(const KeyChord& chord) {
+  m_connection->processEvents();
+  const X11Keymap::Group group = lockedGroup();
+  const bool hasGroups = m_keymap->groupCount() > 1;
+  watchUsersKeys(true);
+  m_usersKeys = pressedKeys();
+  m_onBehalf.clear();
+  m_isChordDown = true;
+
+  for (std::size_t i = 0; i < m_usersKeys.size(); ++i) {
+    const auto code = static_cast<xcb_keycode_t>(i);
+    if (m_usersKeys[i] && m_keymap->isHeldModifier(code)) m_lifted.insert(code);
+  }
+  // A key that counts as down already can't be pressed, and another program may have left the
+  // virtual keyboard's own that way.
+  m_lifted.insert(chord.modifiers.begin(), chord.modifiers.end());
+  m_lifted.insert(chord.key.code);
+  for (const xcb_keycode_t code : m_lifted) post(Strike::Release, code);
+
+  // Modifiers latched by sticky keys are meant for the user's next key, not for ours.
+  xcb_xkb_latch_lock_state(m_connection->xcb(), XCB_XKB_ID_USE_CORE_KBD, 0, 0, 0, 0, allModifiers,
+                           0, 0);
+  for (const xcb_keycode_t code : chord.modifiers) post(Strike::Press, code);
+  // Control and Shift together may be the user's key for switching layouts.
+  if (hasGroups) lockGroup(chord.key.group);
+  post(Strike::Press, chord.key.code);
+  if (hasGroups) lockGroup(group);
+  m_connection->flush();
+}
+
+void X11Keyboard::releaseChord(const KeyChord& chord) {
+  post(Strike::Release, chord.key.code);
+  for (const xcb_keycode_t code : chord.modifiers | std::views::reverse)
+    post(Strike::Release, code);
+  m_connection->synchronize();
+  m_connection->processEvents();
+
+  m_isChordDown = false;
+  for (const xcb_keycode_t code : std::exchange(m_lifted, {})) {
+    if (!m_usersKeys[code] || !m_keymap->isHeldModifier(code)) continue;
+    post(Strike::Press, code);
+    m_onBehalf.insert(code);
+  }
+  // The user may have let go of one just before it was pressed again.
+  m_connection->synchronize();
+  m_connection->processEvents();
+  stopWatchingWhenIdle();
+}
+
+void X11Keyboard::post(Strike strike, xcb_keycode_t code) {
+  const std::uint8_t event = strike == Strike::Press ? XCB_KEY_PRESS : XCB_KEY_RELEASE;
+  m_posted.insert(xcb_test_fake_input(m_connection->xcb(), event, code, XCB_CURRENT_TIME,
+                                      m_connection->root(), 0, 0, 0)
+                      .sequence);
+  // Moves the sequence on, so that no event of the user carries the number of one of ours.
+  xcb_no_operation(m_connection->xcb());
+}
+
+void X11Keyboard::lockGroup(X11Keymap::Group group) {
+  xcb_xkb_latch_lock_state(m_connection->xcb(), XCB_XKB_ID_USE_CORE_KBD, 0, 0, 1,
+                           static_cast<std::uint8_t>(group), 0, 0, 0);
+}
+
+void X11Keyboard::watchUsersKeys(bool isWatching) {
+  m_isWatching = isWatching;
+  struct {
+    xcb_input_event_mask_t head{XCB_INPUT_DEVICE_ALL_MASTER, 1};
+    std::uint32_t mask = 0;
+  } selection;
+  if (isWatching) {
+    selection.mask =
+        XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE;
+  }
+  xcb_input_xi_select_events(m_connection->xcb(), m_connection->root(), 1, &selection.head);
+}
+
+void X11Keyboard::handleEvent(const xcb_generic_event_t& event) {
+  m_keymap->handleEvent(event);
+  if (event.response_type != XCB_GE_GENERIC || !m_isWatching) return;
+  const auto& raw = reinterpret_cast<const xcb_input_raw_key_press_event_t&>(event);
+  if (raw.extension != m_inputOpcode || raw.detail > 255) return;
+  if (isBefore(raw.full_sequence, m_readAt) || m_posted.contains(raw.full_sequence)) return;
+  const auto code = static_cast<xcb_keycode_t>(raw.detail);
+  if (raw.event_type == XCB_INPUT_RAW_KEY_PRESS) handleUsersKey(Strike::Press, code);
+  if (raw.event_type == XCB_INPUT_RAW_KEY_RELEASE) handleUsersKey(Strike::Release, code);
+}
+
+void X11Keyboard::handleUsersKey(Strike strike, xcb_keycode_t code) {
+  m_usersKeys[code] = strike == Strike::Press;
+  if (m_isChordDown || strike == Strike::Press || m_onBehalf.erase(code) == 0) return;
+  post(Strike::Release, code);
+  stopWatchingWhenIdle();
+}
+
+void X11Keyboard::stopWatchingWhenIdle() {
+  if (m_isChordDown || !m_onBehalf.empty() || !m_isWatching) return;
+  watchUsersKeys(false);
+  m_posted.clear();
+  m_connection->flush();
+}
+
+}  // namespace vemo
