@@ -1,0 +1,124 @@
+#include "setup/Configuration.h"
+
+#include <gmock/gmock.h>
+
+#include "setup/CommandLine.h"
+#include "support/TemporaryFolder.h"
+
+namespace vemo::service {
+namespace {
+
+using testing::HasSubstr;
+using namespace std::chrono_literals;
+
+class ConfigurationTest : public testing::Test {
+ protected:
+  std::expected<Configuration, std::string> read(const std::string& text) {
+    return Configuration::read(m_folder.write("service.conf", text));
+  }
+  std::string errorFor(const std::string& text) {
+    const auto configuration = read(text);
+    return configuration ? "" : configuration.error();
+  }
+
+  TemporaryFolder m_folder;
+};
+
+TEST_F(ConfigurationTest, AnEmptyFileMeansLoopbackAndTheEmbeddedEngine) {
+  const auto configuration = read("");
+  ASSERT_TRUE(configuration);
+  EXPECT_EQ(configuration->address, "127.0.0.1");
+  EXPECT_EQ(configuration->port, 8750);
+  EXPECT_EQ(configuration->engine, Configuration::EngineName::Pocketsphinx);
+  EXPECT_GE(configuration->effectiveWorkers(), 1U);
+  EXPECT_LE(configuration->effectiveWorkers(), 2U);
+}
+
+TEST_F(ConfigurationTest, EveryKeyIsTaken) {
+  const auto configuration = read(
+      "; a comment\n# another\n"
+      "[server]\naddress = ::1\nport = 0\ntokens-file = /t\n"
+      "[engine]\nname = openai\nworkers = 3\nwaiting = 0\n"
+      "[pocketsphinx]\nacoustic-model = /a\nlanguage-model = /l\ndictionary = /d\n"
+      "[openai]\naddress = https://host/prefix/\nmodel = big\nkey-file = /k\n"
+      "certificate-authorities = /c\ntimeout-seconds = 1.5\n"
+      "[limits]\nbody-bytes = 1000\nheader-bytes = 256\nconnections = 5\nheader-seconds = 0.25\n"
+      "body-seconds = 2\nanswer-seconds = 3\nidle-seconds = 4\nshutdown-seconds = 5\n");
+  ASSERT_TRUE(configuration) << configuration.error();
+  EXPECT_EQ(configuration->address, "::1");
+  EXPECT_EQ(configuration->port, 0);
+  EXPECT_EQ(configuration->tokensFile, "/t");
+  EXPECT_EQ(configuration->engine, Configuration::EngineName::OpenAi);
+  EXPECT_EQ(configuration->effectiveWorkers(), 3U);
+  EXPECT_EQ(configuration->waiting, 0U);
+  EXPECT_EQ(configuration->pocketsphinx.acousticModel, "/a");
+  EXPECT_EQ(configuration->pocketsphinx.languageModel, "/l");
+  EXPECT_EQ(configuration->pocketsphinx.dictionary, "/d");
+  EXPECT_EQ(configuration->openAi.address, "https://host/prefix");
+  EXPECT_EQ(configuration->openAi.model, "big");
+  EXPECT_EQ(configuration->openAi.keyFile, "/k");
+  EXPECT_EQ(configuration->openAi.certificateAuthorities, "/c");
+  EXPECT_EQ(configuration->openAi.timeout, 1500ms);
+  EXPECT_EQ(configuration->limits.bodyBytes, 1000U);
+  EXPECT_EQ(configuration->limits.headerBytes, 256U);
+  EXPECT_EQ(configuration->limits.connections, 5U);
+  EXPECT_EQ(configuration->limits.headerTime, 250ms);
+  EXPECT_EQ(configuration->limits.bodyTime, 2s);
+  EXPECT_EQ(configuration->limits.answerTime, 3s);
+  EXPECT_EQ(configuration->limits.idleTime, 4s);
+  EXPECT_EQ(configuration->limits.shutdownTime, 5s);
+}
+
+TEST_F(ConfigurationTest, AValueThatDoesNotParseIsOneClearLine) {
+  for (const auto* text :
+       {"[server]\nport = 65536", "[server]\nport = -1", "[server]\nport = 80a", "[server]\nport =",
+        "[server]\naddress = localhost", "[engine]\nname = other", "[engine]\nworkers = 0",
+        "[engine]\nworkers = 65", "[limits]\nbody-bytes = 43", "[limits]\nheader-seconds = 0",
+        "[limits]\nheader-seconds = nan", "[limits]\nheader-seconds = 1s",
+        "[openai]\naddress = ftp://host", "[server]\ntokens-file ="}) {
+    const auto error = errorFor(text);
+    EXPECT_THAT(error, HasSubstr("must be")) << text;
+    EXPECT_EQ(error.find('\n'), std::string::npos);
+  }
+  EXPECT_EQ(errorFor("[server]\nport = 65535"), "");
+  EXPECT_EQ(errorFor("[limits]\nbody-bytes = 44"), "");
+}
+
+TEST_F(ConfigurationTest, AKeyThatNobodyKnowsIsAnError) {
+  EXPECT_THAT(errorFor("[server]\nprot = 1"), HasSubstr("unknown key prot"));
+  EXPECT_THAT(errorFor("[nothing]\nport = 1"), HasSubstr("unknown key port in [nothing]"));
+  EXPECT_THAT(errorFor("port = 1"), HasSubstr("outside a section"));
+}
+
+TEST_F(ConfigurationTest, ALineWithoutMeaningIsToldByItsNumber) {
+  EXPECT_THAT(errorFor("[server]\nwhat is this\n"), HasSubstr("line 2"));
+}
+
+TEST_F(ConfigurationTest, OpenAiWithoutAnAddressIsAnError) {
+  EXPECT_THAT(errorFor("[engine]\nname = openai"), HasSubstr("needs an address"));
+}
+
+TEST_F(ConfigurationTest, AFileThatWasNamedMustBeThere) {
+  EXPECT_FALSE(Configuration::read(m_folder.path() / "absent.conf"));
+}
+
+TEST(CommandLineTest, ActionsAndTheConfigurationFileAreUnderstood) {
+  const char* both[] = {"--config", "/c", "add-token"};
+  EXPECT_EQ(CommandLine::parse(both)->action, CommandLine::Action::AddToken);
+  EXPECT_EQ(CommandLine::parse(both)->configurationFile, "/c");
+  const char* joined[] = {"--config=/d=e"};
+  EXPECT_EQ(CommandLine::parse(joined)->configurationFile, "/d=e");
+  const char* help[] = {"--help"};
+  EXPECT_EQ(CommandLine::parse(help)->action, CommandLine::Action::Help);
+  EXPECT_EQ(CommandLine::parse({})->action, CommandLine::Action::Serve);
+}
+
+TEST(CommandLineTest, WhatIsNotUnderstoodIsAnError) {
+  const char* unknown[] = {"--port"};
+  EXPECT_FALSE(CommandLine::parse(unknown));
+  const char* cut[] = {"--config"};
+  EXPECT_FALSE(CommandLine::parse(cut));
+}
+
+}  // namespace
+}  // namespace vemo::service

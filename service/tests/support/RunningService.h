@@ -1,0 +1,76 @@
+// The whole service but its engine, on loopback and a thread of its own.
+#pragma once
+
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/post.hpp>
+#include <sstream>
+#include <thread>
+
+#include "http/HttpServer.h"
+#include "support/RawClient.h"
+#include "support/ScriptedEngine.h"
+#include "support/TemporaryFolder.h"
+
+namespace vemo::service {
+
+class RunningService {
+ public:
+  struct Settings {
+    Limits limits;
+    RecognitionQueue::Size queue{.workers = 1, .waiting = 8};
+    EngineKind::Output output = EngineKind::Output::BareWords;
+  };
+
+  RunningService(EngineScript& script, const Settings& settings)
+      : m_limits(settings.limits),
+        m_tokens(m_folder.path() / "tokens"),
+        m_queue(scripted(script, settings.output), settings.queue, [](auto) {}),
+        m_log(m_logText),
+        m_api({.name = "scripted", .output = settings.output}, m_tokens, m_queue),
+        m_server(m_io, m_limits, m_api, m_log) {
+    m_token = TokenFile::add(m_folder.path() / "tokens").value_or("");
+    if (!m_server.listen("127.0.0.1", 0)) std::abort();
+    const auto address = m_server.address();
+    m_port = static_cast<std::uint16_t>(std::stoi(address.substr(address.rfind(':') + 1)));
+    m_thread = std::thread([this] { m_io.run(); });
+  }
+  ~RunningService() { stop(); }
+
+  std::uint16_t port() const { return m_port; }
+  const std::string& token() const { return m_token; }
+  RecognitionQueue& queue() { return m_queue; }
+
+  void beginToStop() {
+    boost::asio::post(m_io, [this] { m_server.stop([] {}); });
+  }
+  /// The log is whole once this has returned.
+  std::string stop() {
+    if (m_thread.joinable()) {
+      beginToStop();
+      m_thread.join();
+    }
+    return m_logText.str();
+  }
+
+  std::string post(std::string_view target, std::string_view body, std::string_view more = "") {
+    return "POST " + std::string(target) + " HTTP/1.1\r\nHost: x\r\nAuthorization: Bearer " +
+           m_token + "\r\n" + std::string(more) + "Content-Length: " + std::to_string(body.size()) +
+           "\r\n\r\n" + std::string(body);
+  }
+
+ private:
+  TemporaryFolder m_folder;
+  Limits m_limits;
+  boost::asio::io_context m_io{1};
+  TokenFile m_tokens;
+  RecognitionQueue m_queue;
+  std::ostringstream m_logText;
+  AccessLog m_log;
+  DictationApi m_api;
+  HttpServer m_server;
+  std::string m_token;
+  std::uint16_t m_port = 0;
+  std::thread m_thread;
+};
+
+}  // namespace vemo::service
