@@ -9,10 +9,10 @@
 namespace vemo {
 
 struct CustomKeyShortcut {
-  std::optional<std::int64_t> keyCode;  ///< virtual key code; absent means no key
-  std::uint64_t modifierFlagsRaw = 0;   ///< bits of ModifierFlag
-  bool isModifierOnly = false;          ///< the key is itself a modifier
-  std::optional<QString> presetId;      ///< the preset that this equals; absent for a free chord
+  std::optional<std::int64_t> keyCode = {};  ///< virtual key code; absent means no key
+  std::uint64_t modifierFlagsRaw = 0;        ///< bits of ModifierFlag
+  bool isModifierOnly = false;               ///< the key is itself a modifier
+  std::optional<QString> presetId = {};  ///< the preset that this equals; absent for a free chord
 
   friend bool operator==(const CustomKeyShortcut&, const CustomKeyShortcut&) = default;
 };

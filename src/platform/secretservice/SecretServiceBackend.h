@@ -1,0 +1,34 @@
+// Secrets in the desktop's keyring, by the freedesktop Secret Service protocol.
+//
+// Items carry the attributes `service` and `account` and nothing that ties them to this program, so
+// that an item stored by hand is found too:
+//   secret-tool store --label=Vemo service brelmox.Vemo account authToken
+//
+// Any thread. Each call runs on a thread of its own and is given up after the time limit; it is
+// Failed then. Never unlocks and never prompts: what is locked is Failed. Failed too when the
+// desktop has a keyring but no default collection to put items in. Without session bus or keyring:
+// Unavailable.
+#pragma once
+
+#include <chrono>
+
+#include "ports/SecretBackend.h"
+
+namespace vemo {
+
+class SecretServiceBackend : public SecretBackend {
+ public:
+  explicit SecretServiceBackend(
+      std::chrono::milliseconds timeLimit = std::chrono::milliseconds(200));
+
+  std::expected<QByteArray, SecretError> find(const QString& service,
+                                              const QString& account) override;
+  std::expected<void, SecretError> add(const QString& service, const QString& account,
+                                       const QByteArray& secret) override;
+  std::expected<void, SecretError> remove(const QString& service, const QString& account) override;
+
+ private:
+  const std::chrono::milliseconds m_timeLimit;
+};
+
+}  // namespace vemo

@@ -1,0 +1,50 @@
+// Asks the keyring once, with the default time limit: secret_probe find|add|remove.
+//
+// Prints the outcome and the milliseconds that the caller was held.
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+
+#include "platform/secretservice/SecretServiceBackend.h"
+
+namespace {
+
+using namespace vemo;
+using namespace Qt::Literals::StringLiterals;
+
+const char* nameOf(SecretError error) {
+  switch (error) {
+    case SecretError::NotFound:
+      return "NotFound";
+    case SecretError::Unavailable:
+      return "Unavailable";
+    case SecretError::Failed:
+      break;
+  }
+  return "Failed";
+}
+
+const char* outcomeOf(const char* operation) {
+  SecretServiceBackend backend;
+  const QString service = u"brelmox.Vemo.probe"_s;
+  const QString account = u"account"_s;
+  if (std::strcmp(operation, "find") == 0) {
+    const auto found = backend.find(service, account);
+    return found ? "Found" : nameOf(found.error());
+  }
+  const auto done = std::strcmp(operation, "add") == 0 ? backend.add(service, account, "secret")
+                                                       : backend.remove(service, account);
+  return done ? "Done" : nameOf(done.error());
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 2) return 2;
+  const auto start = std::chrono::steady_clock::now();
+  const char* outcome = outcomeOf(argv[1]);
+  const auto held = std::chrono::duration_cast<std::chrono::milliseconds>(
+      std::chrono::steady_clock::now() - start);
+  std::printf("%s %lld\n", outcome, static_cast<long long>(held.count()));
+  return 0;
+}
