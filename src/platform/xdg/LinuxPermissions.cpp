@@ -7,8 +7,13 @@
 namespace vemo {
 
 using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace {
+
+/// A sound server that is there answers within a few milliseconds.
+constexpr auto probeInterval = 10ms;
+constexpr auto longestUndetermined = 2000ms;
 
 /// A desktop's panel for what a settings pane is about; the first that is installed is opened.
 struct Panel {
@@ -31,19 +36,26 @@ constexpr Panel panels[] = {
 }  // namespace
 
 LinuxPermissions::LinuxPermissions(MicrophoneProbe microphone, AccessibilityProbe accessibility,
-                                   MainThread& mainThread)
+                                   Clock& clock, MainThread& mainThread)
     : m_microphone(std::move(microphone)),
       m_accessibility(std::move(accessibility)),
-      m_mainThread(mainThread) {}
+      m_clock(clock),
+      m_answers(mainThread) {}
 
 MicrophoneAuthorization LinuxPermissions::microphone() const {
   return m_microphone();
 }
 
 void LinuxPermissions::requestMicrophone(std::function<void(bool granted)> answer) {
-  m_mainThread.post([probe = m_microphone, answer = std::move(answer)] {
-    answer(probe() == MicrophoneAuthorization::Granted);
-  });
+  m_answers.start([&](std::stop_token) { return answerWhenDetermined(std::move(answer)); });
+}
+
+Task<> LinuxPermissions::answerWhenDetermined(std::function<void(bool granted)> answer) {
+  for (auto waited = 0ms; waited < longestUndetermined; waited += probeInterval) {
+    if (m_microphone() != MicrophoneAuthorization::NotDetermined) break;
+    co_await m_clock.sleep(probeInterval, {});
+  }
+  answer(m_microphone() == MicrophoneAuthorization::Granted);
 }
 
 bool LinuxPermissions::isAccessibilityTrusted() const {

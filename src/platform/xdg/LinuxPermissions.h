@@ -7,7 +7,8 @@
 
 #include <functional>
 
-#include "base/MainThread.h"
+#include "base/Clock.h"
+#include "base/TaskScope.h"
 #include "ports/SystemPermissions.h"
 
 namespace vemo {
@@ -17,7 +18,7 @@ class LinuxPermissions : public SystemPermissions {
   using MicrophoneProbe = std::function<MicrophoneAuthorization()>;
   using AccessibilityProbe = std::function<bool()>;
 
-  LinuxPermissions(MicrophoneProbe microphone, AccessibilityProbe accessibility,
+  LinuxPermissions(MicrophoneProbe microphone, AccessibilityProbe accessibility, Clock& clock,
                    MainThread& mainThread);
 
   MicrophoneAuthorization microphone() const override;
@@ -27,9 +28,12 @@ class LinuxPermissions : public SystemPermissions {
   void openSettings(const QUrl& pane) override;
 
  private:
+  Task<> answerWhenDetermined(std::function<void(bool granted)> answer);
+
   const MicrophoneProbe m_microphone;
   const AccessibilityProbe m_accessibility;
-  MainThread& m_mainThread;
+  Clock& m_clock;
+  TaskScope m_answers;
 };
 
 }  // namespace vemo

@@ -1,0 +1,204 @@
+#include "app/Application.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+
+#include "account/AuthManager.h"
+#include "app/TerminationSignals.h"
+#include "audio/AudioRecorder.h"
+#include "desktop/HotkeyManager.h"
+#include "desktop/PermissionsManager.h"
+#include "desktop/TextInjector.h"
+#include "integrations/SlackManager.h"
+#include "platform/canberra/CanberraSounds.h"
+#include "platform/pulse/PulseAudioInput.h"
+#include "platform/pulse/PulseInputDevice.h"
+#include "platform/pulse/PulseMicrophoneAccess.h"
+#include "platform/pulse/PulseServer.h"
+#include "platform/qt/QtApplicationWindows.h"
+#include "platform/qt/QtClock.h"
+#include "platform/qt/QtHttpSession.h"
+#include "platform/qt/QtMainThread.h"
+#include "platform/qt/QtSystemEvents.h"
+#include "platform/qt/QtSystemInformation.h"
+#include "platform/secretservice/SecretServiceBackend.h"
+#include "platform/x11/X11Clipboard.h"
+#include "platform/x11/X11FocusedApplication.h"
+#include "platform/x11/X11KeyPoster.h"
+#include "platform/xdg/AbsentHaptics.h"
+#include "platform/xdg/BusRemoteControl.h"
+#include "platform/xdg/LinuxPermissions.h"
+#include "platform/xdg/UnknownSecureInput.h"
+#include "session/AppState.h"
+#include "session/DictationRemoteControl.h"
+#include "shaping/ContextProcessor.h"
+#include "storage/Config.h"
+#include "storage/DebugLog.h"
+#include "storage/SecureTokenStore.h"
+#include "storage/Settings.h"
+#include "storage/StandardPlaces.h"
+#include "telemetry/Telemetry.h"
+#include "transcription/TranscriptionClient.h"
+#include "ui/HUDWindowController.h"
+
+namespace vemo {
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+/// Beside an installed program; a build tree takes them from the sources.
+QString soundsFolder() {
+  const QString installed = QCoreApplication::applicationDirPath() + u"/../share/vemo/sounds"_s;
+  return QFileInfo::exists(installed) ? installed : QString::fromUtf8(VEMO_SOUNDS_IN_SOURCE);
+}
+
+}  // namespace
+
+/// Time, the main queue, and the program's files.
+struct Application::Base {
+  TerminationSignals terminationSignals{[] { QCoreApplication::quit(); }};
+  QtMainThread mainThread;
+  QtClock clock{mainThread};
+  DebugLog debugLog{clock, places::logFolder()};
+  Settings settings{places::settingsFile(), debugLog};
+};
+
+/// The adapters.
+struct Application::Desktop {
+  Desktop(std::unique_ptr<X11Clipboard> x11Clipboard, std::unique_ptr<X11KeyPoster> x11KeyPoster,
+          std::unique_ptr<X11FocusedApplication> x11FocusedApplication)
+      : clipboard(std::move(x11Clipboard)),
+        keyPoster(std::move(x11KeyPoster)),
+        focusedApplication(std::move(x11FocusedApplication)) {}
+
+  static std::unique_ptr<Desktop> create(QtMainThread& mainThread) {
+    auto clipboard = X11Clipboard::create(mainThread);
+    auto keyPoster = X11KeyPoster::create();
+    auto focusedApplication = X11FocusedApplication::create();
+    if (!clipboard || !keyPoster || !focusedApplication) return nullptr;
+    return std::make_unique<Desktop>(std::move(clipboard), std::move(keyPoster),
+                                     std::move(focusedApplication));
+  }
+
+  PulseServer pulse{"Vemo", "brelmox.Vemo"};
+  PulseMicrophoneAccess microphoneAccess{pulse};
+  PulseAudioInput audioInput{pulse};
+  PulseInputDevice inputDevice{pulse};
+  CanberraSounds sounds{soundsFolder(), u"Vemo"_s, u"brelmox.Vemo"_s};
+  SecretServiceBackend keyring;
+  std::unique_ptr<X11Clipboard> clipboard;
+  std::unique_ptr<X11KeyPoster> keyPoster;
+  std::unique_ptr<X11FocusedApplication> focusedApplication;
+  QtApplicationWindows windows;
+  QtSystemEvents systemEvents;
+  UnknownSecureInput secureInput;
+  AbsentHaptics haptics;
+  SystemInformation information = readSystemInformation();
+};
+
+/// The logic, on those adapters.
+struct Application::Program {
+  Program(Base& base, Desktop& desktop, const DeploymentConfiguration& configuration)
+      : Program(base.mainThread, base.clock, base.debugLog, base.settings, desktop, configuration) {
+  }
+
+  Program(QtMainThread& mainThread, QtClock& theClock, DebugLog& debugLog, Settings& settings,
+          Desktop& desktop, const DeploymentConfiguration& configuration)
+      : session(mainThread),
+        hedgeSession(mainThread),
+        permissionsOfSystem([&desktop] { return desktop.microphoneAccess.authorization(); },
+                            [&desktop] { return desktop.keyPoster->canPost(); }, theClock,
+                            mainThread),
+        telemetry(theClock, settings),
+        tokens({&desktop.keyring}, debugLog),
+        auth(tokens, settings),
+        slack(tokens, settings),
+        permissions(permissionsOfSystem, theClock, mainThread, telemetry),
+        recorder(desktop.audioInput, mainThread, theClock, debugLog),
+        client({.session = session,
+                .hedgeSession = hedgeSession,
+                .clock = theClock,
+                .mainThread = mainThread,
+                .telemetry = telemetry,
+                .debugLog = debugLog,
+                .sources = {.settings = settings,
+                            .tokens = tokens,
+                            .configuration = configuration,
+                            .focusedApplication = *desktop.focusedApplication,
+                            .inputDevice = desktop.inputDevice,
+                            .system = desktop.information}}),
+        contextProcessor(*desktop.focusedApplication, debugLog),
+        injector(*desktop.clipboard, *desktop.keyPoster, desktop.secureInput, permissionsOfSystem,
+                 theClock, mainThread, debugLog),
+        hud(theClock, mainThread),
+        appState({.mainThread = mainThread,
+                  .clock = theClock,
+                  .settings = settings,
+                  .debugLog = debugLog,
+                  .telemetry = telemetry,
+                  .permissions = permissions,
+                  .auth = auth,
+                  .hotkey = hotkey,
+                  .recorder = recorder,
+                  .client = client,
+                  .contextProcessor = contextProcessor,
+                  .injector = injector,
+                  .slack = slack,
+                  .hud = hud,
+                  .clipboard = *desktop.clipboard,
+                  .sounds = desktop.sounds,
+                  .haptics = desktop.haptics,
+                  .windows = desktop.windows,
+                  .systemEvents = desktop.systemEvents}) {}
+
+  QtHttpSession session;
+  QtHttpSession hedgeSession;
+  LinuxPermissions permissionsOfSystem;
+  Telemetry telemetry;
+  SecureTokenStore tokens;
+  AuthManager auth;
+  SlackManager slack;
+  PermissionsManager permissions;
+  HotkeyManager hotkey;
+  AudioRecorder recorder;
+  TranscriptionClient client;
+  ContextProcessor contextProcessor;
+  TextInjector injector;
+  HUDWindowController hud;
+  AppState appState;
+  DictationRemoteControl remoteControl{appState, [] { QCoreApplication::quit(); }};
+};
+
+Application::Application(DeploymentConfiguration configuration)
+    : m_configuration(std::move(configuration)) {}
+
+Application::~Application() = default;
+
+std::expected<std::unique_ptr<Application>, QString> Application::create(
+    DeploymentConfiguration configuration) {
+  std::unique_ptr<Application> application(new Application(std::move(configuration)));
+  if (auto error = application->start()) return std::unexpected(*std::move(error));
+  return application;
+}
+
+std::optional<QString> Application::start() {
+  m_base = std::make_unique<Base>();
+  m_base->debugLog.purgeLegacyLogIfNeeded(m_base->settings);
+  config::migrateToggleHotkeyIfNeeded(m_base->settings, m_base->debugLog);
+
+  m_desktop = Desktop::create(m_base->mainThread);
+  if (!m_desktop) return u"Vemo needs an X server with XFixes, XTest and XInput 2."_s;
+  m_program = std::make_unique<Program>(*m_base, *m_desktop, m_configuration);
+
+  auto bus = BusRemoteControl::create(m_program->remoteControl);
+  if (!bus) {
+    return bus.error() == BusNameError::Taken ? u"Vemo is already running."_s
+                                              : u"Vemo needs a D-Bus session bus."_s;
+  }
+  m_bus = *std::move(bus);
+  m_program->appState.bootstrap();
+  return std::nullopt;
+}
+
+}  // namespace vemo

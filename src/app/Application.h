@@ -1,0 +1,43 @@
+// The composition root: makes every object once, hands each what it works with, and starts them in
+// their order. The one place that names adapters.
+//
+// Lives on the main thread between the making of the QGuiApplication and its end. Members are
+// destroyed from the last to the first, so each outlives what was given it.
+#pragma once
+
+#include <QString>
+#include <expected>
+#include <memory>
+#include <optional>
+
+#include "storage/DeploymentConfiguration.h"
+
+namespace vemo {
+
+class BusRemoteControl;
+
+class Application {
+ public:
+  /// The error is one line for the person who starts the program.
+  static std::expected<std::unique_ptr<Application>, QString> create(
+      DeploymentConfiguration configuration);
+  ~Application();
+
+ private:
+  struct Base;
+  struct Desktop;
+  struct Program;
+
+  explicit Application(DeploymentConfiguration configuration);
+
+  /// Makes and starts everything; the error is that of create().
+  std::optional<QString> start();
+
+  const DeploymentConfiguration m_configuration;
+  std::unique_ptr<Base> m_base;
+  std::unique_ptr<Desktop> m_desktop;
+  std::unique_ptr<Program> m_program;
+  std::unique_ptr<BusRemoteControl> m_bus;
+};
+
+}  // namespace vemo

@@ -1,0 +1,30 @@
+// What the program is asked to do on its command line.
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <expected>
+#include <variant>
+
+namespace vemo {
+
+/// Run as the resident program.
+struct RunCommand {};
+
+/// Reach the running program with one of its commands ("toggle", "start", "stop", "status",
+/// "quit").
+struct RemoteCommand {
+  QString name;
+};
+
+/// Print a text and end.
+struct PrintCommand {
+  QString text;
+};
+
+using CommandLine = std::variant<RunCommand, RemoteCommand, PrintCommand>;
+
+/// The error is what to tell the person at the terminal.
+std::expected<CommandLine, QString> parseCommandLine(const QStringList& arguments);
+
+}  // namespace vemo

@@ -1,0 +1,73 @@
+// The program: the resident one, or the command line that reaches it.
+
+#include <sys/resource.h>
+
+#include <QGuiApplication>
+#include <cstdio>
+
+#include "app/Application.h"
+#include "app/CommandLine.h"
+#include "app/TerminationSignals.h"
+#include "platform/xdg/BusRemoteControl.h"
+#include "storage/StandardPlaces.h"
+
+namespace {
+
+using namespace vemo;
+using namespace Qt::Literals::StringLiterals;
+
+constexpr int failure = 1;
+constexpr int usageError = 2;
+
+int complain(const QString& message, int status) {
+  std::fprintf(stderr, "%s\n", qUtf8Printable(message));
+  return status;
+}
+
+/// A core file would hold what the user said. A limit of one byte means none at all, also where
+/// cores are piped to a collector, which a limit of zero doesn't.
+void forbidCoreFiles() {
+  const rlimit oneByte{1, 1};
+  setrlimit(RLIMIT_CORE, &oneByte);
+}
+
+int runResident(int argc, char** argv) {
+  forbidCoreFiles();
+  TerminationSignals::block();
+  auto configuration = DeploymentConfiguration::load(places::deploymentConfigurationCandidates());
+  if (!configuration) return complain(configuration.error(), usageError);
+  if (qEnvironmentVariableIsEmpty("DISPLAY"))
+    return complain(u"Vemo needs an X display; DISPLAY isn't set."_s, failure);
+  qputenv("QT_QPA_PLATFORM", "xcb");
+
+  QGuiApplication qtApplication(argc, argv);
+  QGuiApplication::setQuitOnLastWindowClosed(false);
+  QGuiApplication::setDesktopFileName(u"brelmox.Vemo"_s);
+  const auto application = Application::create(*std::move(configuration));
+  if (!application) return complain(application.error(), failure);
+  return QGuiApplication::exec();
+}
+
+int runRemote(int argc, char** argv, const QString& command) {
+  const QCoreApplication qtApplication(argc, argv);
+  const auto answer = sendCommand(command);
+  if (!answer) return complain(answer.error(), failure);
+  if (!answer->isEmpty()) std::printf("%s\n", qUtf8Printable(*answer));
+  return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  QStringList arguments;
+  for (int i = 1; i < argc; ++i) arguments.append(QString::fromLocal8Bit(argv[i]));
+  const auto commandLine = parseCommandLine(arguments);
+  if (!commandLine) return complain(commandLine.error(), usageError);
+  if (const auto* print = std::get_if<PrintCommand>(&*commandLine)) {
+    std::fputs(qUtf8Printable(print->text), stdout);
+    return 0;
+  }
+  if (const auto* remote = std::get_if<RemoteCommand>(&*commandLine))
+    return runRemote(argc, argv, remote->name);
+  return runResident(argc, argv);
+}
