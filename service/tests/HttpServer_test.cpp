@@ -271,6 +271,7 @@ TEST_F(HttpServerTest, ARequestWhoseEndIsAmbiguousIsRefused) {
         client.exchange(start + headers + "\r\nGET /health HTTP/1.1\r\nHost: x\r\n\r\n");
     ASSERT_TRUE(answer) << headers;
     EXPECT_EQ(answer->status, 400) << headers;
+    EXPECT_FALSE(client.read()) << headers;
     EXPECT_TRUE(client.waitForEnd());
   }
   EXPECT_EQ(m_script.startedCount(), 0U);

@@ -116,6 +116,7 @@ net::awaitable<HttpConnection::Next> HttpConnection::serve() {
     co_return Next::Close;
   }
 
+  if (const auto answer = framingError(parser)) co_return co_await refuse(*answer, Unread::Body);
   const auto target = admit(parser);
   if (!target) {
     const bool bodyFollows = parser.chunked() || parser.content_length().value_or(0) > 0;
@@ -152,17 +153,21 @@ net::awaitable<HttpConnection::Next> HttpConnection::serve() {
   co_return co_await send(std::move(answer), keepAlive);
 }
 
+/// What makes it doubtful where the request ends; nothing after it may be taken for another one.
+std::optional<Answer> HttpConnection::framingError(const Parser& parser) const {
+  const auto& head = parser.get();
+  if (head.version() != 10 && head.version() != 11)
+    return errorAnswer(505, "Only HTTP/1.1 is spoken here.");
+  if (head.count(http::field::transfer_encoding) == 0) return std::nullopt;
+  if (parser.chunked() && head.version() == 11 && head.count(http::field::content_length) == 0)
+    return std::nullopt;
+  return errorAnswer(400, "The request cannot be read.");
+}
+
 std::expected<RequestTarget, Answer> HttpConnection::admit(const Parser& parser) {
   const auto& head = parser.get();
   if (head.method() != http::verb::unknown) m_entry.method = http::to_string(head.method());
   const auto target = m_api.admit(head.method(), head.target(), head[http::field::authorization]);
-  if (head.version() != 10 && head.version() != 11)
-    return std::unexpected(errorAnswer(505, "Only HTTP/1.1 is spoken here."));
-  // An encoding that isn't understood hides where the body ends.
-  const bool encoded = head.count(http::field::transfer_encoding) > 0;
-  if (encoded &&
-      (!parser.chunked() || head.version() == 10 || head.count(http::field::content_length) > 0))
-    return std::unexpected(errorAnswer(400, "The request cannot be read."));
   if (const auto asked = parseTarget(head.target())) m_entry.path = asked->route->path;
   if (!target) return target;
   if (parser.content_length().value_or(0) > bodyLimit(target->route->endpoint))

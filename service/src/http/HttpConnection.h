@@ -15,6 +15,7 @@
 #include <boost/beast/http/string_body.hpp>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <stop_token>
 
 #include "http/AccessLog.h"
@@ -48,6 +49,7 @@ class HttpConnection : public std::enable_shared_from_this<HttpConnection> {
   boost::asio::awaitable<Next> send(Answer answer, bool keepAlive);
   boost::asio::awaitable<Answer> recognise(const RequestTarget& target, std::string body);
   boost::asio::awaitable<void> discardInput();
+  std::optional<Answer> framingError(const Parser& parser) const;
   std::expected<RequestTarget, Answer> admit(const Parser& parser);
   void watchForLeaving();
   void log(unsigned status);

@@ -14,8 +14,8 @@ namespace vemo::service {
 
 struct RawAnswer {
   int status = 0;
-  std::string head;
-  std::string body;
+  std::string head = {};
+  std::string body = {};
 
   bool operator==(int expected) const { return status == expected; }
 };
