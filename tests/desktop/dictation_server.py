@@ -31,9 +31,14 @@ def transcription(text):
 class DictationServer:
     """`with DictationServer() as server: server.answers = [transcription("…")]`; the last one stays."""
 
+    def __init__(self, tls=None):
+        """`tls` is the ssl.SSLContext of a server that answers https."""
+        self._tls = tls
+
     def __enter__(self):
         self.answers = [transcription("")]
-        self.requests = []
+        self.requests = []  # dictations
+        self.other_requests = []
         self._lock = threading.Lock()
         owner = self
 
@@ -45,10 +50,12 @@ class DictationServer:
 
             def do_POST(self):
                 body = self.rfile.read(int(self.headers.get("Content-Length", 0)))
+                request = Request(self.path, dict(self.headers), body)
                 if not self.path.startswith("/desktop/dictate"):
+                    owner.other_requests.append(request)
                     self._answer(Answer(status=404, body=b'{"status":"error"}'))
                     return
-                self._answer(owner._take(Request(self.path, dict(self.headers), body)))
+                self._answer(owner._take(request))
 
             def _answer(self, answer):
                 if answer.hang_up == "before":
@@ -74,8 +81,12 @@ class DictationServer:
         self._server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), Handler)
         self._server.daemon_threads = True
         self._server.handle_error = lambda *_: None
+        if self._tls:
+            self._server.socket = self._tls.wrap_socket(self._server.socket, server_side=True,
+                                                        do_handshake_on_connect=False)
         threading.Thread(target=self._server.serve_forever, daemon=True).start()
-        self.address = f"http://127.0.0.1:{self._server.server_port}/"
+        scheme, host = ("https", "localhost") if self._tls else ("http", "127.0.0.1")
+        self.address = f"{scheme}://{host}:{self._server.server_port}/"
         return self
 
     def __exit__(self, *_):

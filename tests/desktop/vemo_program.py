@@ -48,10 +48,11 @@ def say(path):
 class Vemo:
     """`with Vemo(server.address) as vemo: vemo.dictate()`"""
 
-    def __init__(self, api_address, prepare_home=None, preexec=None):
+    def __init__(self, api_address, prepare_home=None):
+        """prepare_home(vemo) is called before the start; it may set `wrapper`, a command that starts Vemo."""
         self._api_address = api_address
         self._prepare_home = prepare_home
-        self._preexec = preexec
+        self.wrapper = []
 
     def __enter__(self):
         self.home = pathlib.Path(tempfile.mkdtemp(prefix="home-"))
@@ -70,8 +71,8 @@ class Vemo:
         self.output = self.home / "output"
         with open(self.output, "wb") as output:
             os.fchmod(output.fileno(), 0o600)
-            self.process = subprocess.Popen([program("vemo")], env=self.environment, stdin=subprocess.DEVNULL,
-                                            stdout=output, stderr=subprocess.STDOUT, preexec_fn=self._preexec)
+            self.process = subprocess.Popen([*self.wrapper, program("vemo")], env=self.environment,
+                                            stdin=subprocess.DEVNULL, stdout=output, stderr=subprocess.STDOUT)
         try:
             wait_until(lambda: self.status() == "idle", "Vemo to be idle")
         except BaseException:

@@ -1,0 +1,172 @@
+#!/usr/bin/python3
+"""Dictation by the whole real path into programs that nobody here wrote."""
+
+import os
+import unittest
+
+import editors
+import keyboard
+from clipboard import ClipboardOwner, contents
+from dictation_server import DictationServer, transcription
+from vemo_program import Vemo, store_token
+from virtual_desktop import DesktopError, wait_until
+
+SENTENCE = "A sentence for the clipboard to give way to."
+PNG_HEADER = b"\x89PNG\r\n\x1a\n"
+
+
+class IntoAnEditor:
+    """The promises that hold in every editor; the classes below name one each."""
+
+    @classmethod
+    def setUpClass(cls):
+        store_token("token-of-the-desktop-tests")
+
+    def setUp(self):
+        self.server = self.enterContext(DictationServer())
+        self.vemo = self.enterContext(Vemo(self.server.address))
+
+    def open_editor(self):
+        return self.enterContext(self.editor())
+
+    def assert_arrives(self, editor, text):
+        try:
+            wait_until(lambda: editor.text() == text, "the text to arrive")
+        except DesktopError as error:
+            held = editor.text()
+            self.fail(f"{error}; the editor holds {len(held)} characters: {held[:200]!r}…; {self.vemo.status()}")
+        self.assertEqual(editors.active_window(), editor.window, "the editor has lost the focus")
+
+    def dictate(self, editor, text):
+        self.server.answers = [transcription(text)]
+        self.vemo.dictate()
+        self.assert_arrives(editor, text)
+
+    def assert_clipboard_comes_back(self, content):
+        editor = self.open_editor()
+        with ClipboardOwner(content) as owner:
+            self.dictate(editor, SENTENCE)
+            self.vemo.await_logged("inject: restored original pasteboard in background")
+            self.assertTrue(owner.has_lost_it())
+        self.assertEqual(editor.text(), SENTENCE)
+        self.assertEqual([name for name, _ in contents()], [name for name, _ in content])
+        for (name, data), (_, expected) in zip(contents(), content):
+            self.assertTrue(data == expected, f"{name} has changed: {data[:80]!r}…")
+
+    # The text
+
+    def test_the_text_arrives_exactly_whatever_it_is_written_in(self):
+        editor = self.open_editor()
+        self.dictate(editor, "Hello 👩‍👩‍👧‍👦 🇮🇳 👍🏽, שלום עולם, مرحبا, नमस्ते, e\u0301 o\u0308, 日本語 𝄞 — “done” 100%")
+
+    def test_a_megabyte_arrives_whole(self):
+        editor = self.open_editor()
+        self.dictate(editor, "\n".join(f"line {number:07} of a very long dictation" for number in range(26_215)))
+
+    def test_two_dictations_follow_each_other(self):
+        editor = self.open_editor()
+        self.dictate(editor, "The first.")
+        self.server.answers = [transcription("The second.")]
+        self.vemo.dictate()
+        wait_until(lambda: editor.text().endswith("The second."), "the second text to arrive")
+        self.assertTrue(editor.text().startswith("The first."))
+        self.assertEqual(editor.text().count("."), 2)
+
+    # The clipboard
+
+    def test_a_copied_text_comes_back(self):
+        self.assert_clipboard_comes_back([("UTF8_STRING", "Grüße 👋 from before".encode())])
+
+    def test_a_copied_image_comes_back(self):
+        self.assert_clipboard_comes_back([("image/png", PNG_HEADER + os.urandom(3_000_000))])
+
+    def test_copied_files_come_back(self):
+        self.assert_clipboard_comes_back([
+            ("x-special/gnome-copied-files", b"copy\nfile:///tmp/a\nfile:///tmp/b%20c"),
+            ("text/uri-list", b"file:///tmp/a\r\nfile:///tmp/b%20c\r\n"),
+        ])
+
+    def test_several_formats_come_back_in_order_each_byte_for_byte(self):
+        self.assert_clipboard_comes_back([
+            ("text/html", b"<b>bold</b>\0after a zero"),
+            ("UTF8_STRING", b"bold"),
+            ("image/bmp", os.urandom(400_000)),
+            ("application/x-empty", b""),
+            ("application/x-every-byte", bytes(range(256))),
+        ])
+
+    def test_an_empty_clipboard_is_empty_again(self):
+        editor = self.open_editor()
+        wait_until(lambda: contents() == [], "nobody to own the clipboard")
+        self.dictate(editor, SENTENCE)
+        self.vemo.await_logged("inject: restored original pasteboard in background")
+        wait_until(lambda: contents() == [], "the clipboard to be empty")
+
+    def test_a_copy_made_within_the_wait_survives(self):
+        editor = self.open_editor()
+        with ClipboardOwner([("UTF8_STRING", b"copied before")]):
+            self.dictate(editor, SENTENCE)
+            with ClipboardOwner([("UTF8_STRING", b"copied meanwhile")]):
+                self.vemo.await_logged("inject: pasteboard changed since our write")
+                self.assertEqual(contents(), [("UTF8_STRING", b"copied meanwhile")])
+        self.assertEqual(editor.text(), SENTENCE)
+
+    # Keys that are down
+
+    def assert_pastes_while_held(self, key):
+        editor = self.open_editor()
+        with keyboard.Keyboard() as keys:
+            keyboard.press(key)
+            try:
+                self.dictate(editor, SENTENCE)
+                self.vemo.await_logged("inject: modifiers cleared cleanly=false")
+            finally:
+                keyboard.release(key)
+            wait_until(lambda: keys.keys_down() == set(), "every key to be up")
+            self.assertEqual(keys.modifiers(), 0)
+        # What is typed afterwards arrives as typed: nothing is stuck.
+        keyboard.type_text("ab")
+        wait_until(lambda: editor.text() == SENTENCE + "ab", "typed letters to arrive")
+
+    def test_pasting_works_while_alt_is_held(self):
+        self.assert_pastes_while_held("Alt_L")
+
+    def test_pasting_works_while_shift_is_held(self):
+        self.assert_pastes_while_held("Shift_L")
+
+    def test_pasting_works_while_super_is_held(self):
+        self.assert_pastes_while_held("Super_L")
+
+    def test_pasting_leaves_no_key_down(self):
+        editor = self.open_editor()
+        self.dictate(editor, SENTENCE)
+        with keyboard.Keyboard() as keys:
+            wait_until(lambda: keys.keys_down() == set(), "every key to be up")
+            self.assertEqual(keys.modifiers(), 0)
+
+
+class MousepadTest(IntoAnEditor, unittest.TestCase):
+    editor = editors.Mousepad
+
+
+class FeatherpadTest(IntoAnEditor, unittest.TestCase):
+    editor = editors.Featherpad
+
+
+class XtermTest(IntoAnEditor, unittest.TestCase):
+    editor = editors.Xterm
+
+
+class ChromiumTest(IntoAnEditor, unittest.TestCase):
+    editor = editors.Chromium
+
+    def test_a_zero_character_loses_nothing_of_the_rest(self):
+        editor = self.open_editor()
+        self.server.answers = [transcription("before\0after")]
+        self.vemo.dictate()
+        wait_until(lambda: editor.text().endswith("after"), "the text to arrive")
+        self.assertEqual(editor.text().replace("\0", ""), "beforeafter")
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)
