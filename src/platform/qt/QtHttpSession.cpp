@@ -1,6 +1,5 @@
 #include "platform/qt/QtHttpSession.h"
 
-#include <QNetworkReply>
 #include <algorithm>
 #include <optional>
 
@@ -39,25 +38,33 @@ QtHttpSession::QtHttpSession(MainThread& mainThread, HttpSessionLimits limits)
 
 QtHttpSession::~QtHttpSession() = default;
 
-Task<HttpResult> QtHttpSession::send(HttpRequest request, std::stop_token stop) {
-  const Completion<HttpResult> result(m_mainThread);
-  if (const auto refusal = refusalOf(request)) {
-    co_return std::unexpected(httpErrorFor(*refusal));
+/// Takes the connections out of use when a request on them was cut short. Qt doesn't always close
+/// the connection of such a request (one that is stuck in its handshake stays for good), and a few
+/// of them would use up all that Qt opens to a host. Requests still under way keep the manager till
+/// they end.
+struct QtHttpSession::Retirement {
+  QtHttpSession& session;
+  const QNetworkAccessManager& manager;
+  const QtHttpTransfer& transfer;
+
+  ~Retirement() {
+    if (!transfer.hasRunItsCourse() && session.m_manager.get() == &manager)
+      session.m_manager.reset();
   }
+};
+
+Task<HttpResult> QtHttpSession::send(HttpRequest request, std::stop_token stop) {
+  if (const auto refusal = refusalOf(request)) co_return std::unexpected(httpErrorFor(*refusal));
   if (stop.stop_requested()) co_return std::unexpected(httpErrorFor(UrlError::Cancelled));
-  QtHttpTransfer transfer(manager(), request, m_limits, result);
+  if (!m_manager) m_manager = std::make_shared<QNetworkAccessManager>();
+
+  const std::shared_ptr<QNetworkAccessManager> manager = m_manager;
+  const Completion<HttpResult> result(m_mainThread);
+  QtHttpTransfer transfer(*manager, request, m_limits, result);
+  const Retirement retirement{*this, *manager, transfer};
   const std::stop_callback onStop(stop, [&transfer] { transfer.cancel(); });
   HttpResult answer = co_await result;
   co_return answer;
-}
-
-qsizetype QtHttpSession::openTransferCount() const {
-  return m_manager ? m_manager->findChildren<QNetworkReply*>().size() : 0;
-}
-
-QNetworkAccessManager& QtHttpSession::manager() {
-  if (!m_manager) m_manager = std::make_unique<QNetworkAccessManager>();
-  return *m_manager;
 }
 
 }  // namespace vemo

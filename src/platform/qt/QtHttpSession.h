@@ -20,15 +20,12 @@ class QtHttpSession : public HttpSession {
 
   Task<HttpResult> send(HttpRequest request, std::stop_token stop) override;
 
-  /// How many requests of this session still hold something of Qt's.
-  qsizetype openTransferCount() const;
-
  private:
-  QNetworkAccessManager& manager();
+  struct Retirement;
 
   MainThread& m_mainThread;
   const HttpSessionLimits m_limits;
-  std::unique_ptr<QNetworkAccessManager> m_manager;
+  std::shared_ptr<QNetworkAccessManager> m_manager;  ///< made when needed
 };
 
 }  // namespace vemo

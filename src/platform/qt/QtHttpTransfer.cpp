@@ -63,7 +63,9 @@ bool isJustTheStatus(QNetworkReply::NetworkError error, int status) {
   const bool isContentError =
       error > QNetworkReply::UnknownProxyError && error <= QNetworkReply::UnknownContentError;
   const bool isServerError = error >= QNetworkReply::InternalServerError;
-  return isContentError || isServerError;
+  // What Qt makes of 400 and 418.
+  const bool isBadRequest = error == QNetworkReply::ProtocolInvalidOperationError;
+  return isContentError || isServerError || isBadRequest;
 }
 
 }  // namespace
@@ -96,7 +98,7 @@ void QtHttpTransfer::watch() {
   connect(m_reply, &QNetworkReply::metaDataChanged, this, onProgress);
   connect(m_reply, &QNetworkReply::readyRead, this, [this] {
     m_silence.start();
-    takeBody();
+    if (!m_result.isComplete()) takeBody();
   });
   connect(m_reply, &QNetworkReply::sslErrors, this,
           [this](const QList<QSslError>& errors) { m_certificateErrors += errors; });
@@ -115,14 +117,16 @@ void QtHttpTransfer::startTimers(const HttpRequest& request, const HttpSessionLi
 }
 
 void QtHttpTransfer::takeBody() {
-  if (m_result.isComplete()) return;
   m_body += m_reply->read(maximumHttpBodySize - m_body.size());
   if (m_body.size() == maximumHttpBodySize && m_reply->bytesAvailable() > 0)
     complete(HttpResponse{.status = status(), .body = std::move(m_body)});
 }
 
 void QtHttpTransfer::finish() {
+  if (m_result.isComplete()) return;  // this is the end that complete() has brought about
   takeBody();
+  if (m_result.isComplete()) return;
+  m_hasRunItsCourse = true;
   const auto error = m_reply->error();
   if (error == QNetworkReply::NoError || isJustTheStatus(error, status().value_or(0)))
     complete(HttpResponse{.status = status(), .body = std::move(m_body)});

@@ -28,6 +28,9 @@ class QtHttpTransfer : public QObject {
 
   void cancel() { fail(UrlError::Cancelled); }
 
+  /// Whether Qt came to an end of it, good or bad, by itself.
+  bool hasRunItsCourse() const { return m_hasRunItsCourse; }
+
  private:
   void watch();
   void startTimers(const HttpRequest& request, const HttpSessionLimits& limits);
@@ -44,6 +47,7 @@ class QtHttpTransfer : public QObject {
   QByteArray m_body;
   QTimer m_silence;
   QTimer m_limit;
+  bool m_hasRunItsCourse = false;
 };
 
 }  // namespace vemo

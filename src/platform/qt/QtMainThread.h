@@ -1,7 +1,6 @@
 // The main queue on Qt's event loop: each piece of work is one posted event.
 //
-// Made on the main thread, with or after the application object. Nested event loops (an open menu)
-// go on running what is posted, in order.
+// Made on the main thread.
 #pragma once
 
 #include <QObject>

@@ -4,7 +4,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <map>
 #include <optional>
 #include <utility>
 
@@ -15,6 +14,7 @@
 #include "fakes/FakeHttpSession.h"
 #include "fakes/FakeInputDevice.h"
 #include "fakes/FakeMainThread.h"
+#include "fakes/FakeSecretBackend.h"
 #include "fakes/TestStorage.h"
 #include "ports/SystemInformation.h"
 #include "storage/DeploymentConfiguration.h"
@@ -26,28 +26,6 @@
 namespace vemo {
 
 using namespace std::chrono_literals;
-
-/// A keyring in memory.
-class MemorySecrets : public SecretBackend {
- public:
-  std::expected<QByteArray, SecretError> find(const QString&, const QString& account) override {
-    const auto item = m_items.find(account);
-    if (item == m_items.end()) return std::unexpected(SecretError::NotFound);
-    return item->second;
-  }
-  std::expected<void, SecretError> add(const QString&, const QString& account,
-                                       const QByteArray& secret) override {
-    m_items[account] = secret;
-    return {};
-  }
-  std::expected<void, SecretError> remove(const QString&, const QString& account) override {
-    if (m_items.erase(account) == 0) return std::unexpected(SecretError::NotFound);
-    return {};
-  }
-
- private:
-  std::map<QString, QByteArray> m_items;
-};
 
 inline const QString dictatePath = u"/v1/desktop/dictate"_s;
 inline const QString chunkPath = u"/v1/desktop/dictate/chunk"_s;
@@ -127,7 +105,7 @@ class TranscriptionFixture : public testing::Test {
   FakeMainThread mainThread;
   FakeClock clock{mainThread};
   TestStorage storage{clock};
-  MemorySecrets secrets;
+  FakeSecretBackend secrets;
   SecureTokenStore tokens{{&secrets}, storage.debugLog};
   DeploymentConfiguration configuration;
   FakeFocusedApplication desktop;

@@ -1,0 +1,39 @@
+// A Qt application and its event loop, for tests of what needs a real one. It runs until a
+// condition holds, and gives up after a generous limit.
+#pragma once
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QEventLoop>
+#include <QTimer>
+#include <chrono>
+#include <functional>
+
+namespace vemo {
+
+class QtTestLoop {
+ public:
+  QtTestLoop() {
+    // One for the whole test program: Qt can't make a second one reliably.
+    static int argumentCount = 1;
+    static char name[] = "test";
+    static char* arguments[] = {name, nullptr};
+    if (!QCoreApplication::instance()) new QCoreApplication(argumentCount, arguments);
+  }
+
+  /// Whether the condition came to hold.
+  static bool runUntil(const std::function<bool()>& condition,
+                       std::chrono::milliseconds limit = std::chrono::seconds(20)) {
+    const QDeadlineTimer deadline(limit);
+    QEventLoop loop;
+    QTimer poll;
+    QObject::connect(&poll, &QTimer::timeout, &loop, [&] {
+      if (condition() || deadline.hasExpired()) loop.quit();
+    });
+    poll.start(std::chrono::milliseconds(2));
+    loop.exec();
+    return condition();
+  }
+};
+
+}  // namespace vemo
