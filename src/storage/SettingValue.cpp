@@ -18,15 +18,24 @@ QJsonValue encodeBytes(const QByteArray& bytes) {
   return QJsonObject{{u"base64"_s, QString::fromLatin1(bytes.toBase64())}};
 }
 
-QJsonValue encodeDate(const QDateTime& date) {
-  return QJsonObject{{u"date"_s, date.toUTC().toString(Qt::ISODateWithMs)}};
+QString textOf(const QDateTime& date) {
+  return date.toUTC().toString(Qt::ISODateWithMs);
+}
+
+std::optional<QDateTime> dateOf(const QString& text) {
+  const QDateTime date = QDateTime::fromString(text, Qt::ISODateWithMs).toUTC();
+  // In UTC a date at the edge can leave the years 0 to 9999, which are all that can be written.
+  if (!QDateTime::fromString(textOf(date), Qt::ISODateWithMs).isValid()) return std::nullopt;
+  return date;
 }
 
 struct Encoder {
   QJsonValue operator()(bool value) const { return value; }
   QJsonValue operator()(const QString& value) const { return value; }
   QJsonValue operator()(const QByteArray& value) const { return encodeBytes(value); }
-  QJsonValue operator()(const QDateTime& value) const { return encodeDate(value); }
+  QJsonValue operator()(const QDateTime& value) const {
+    return QJsonObject{{u"date"_s, textOf(value)}};
+  }
   QJsonValue operator()(const QJsonValue& value) const { return value; }
 };
 
@@ -40,8 +49,7 @@ std::optional<SettingValue> decodeTagged(const QJsonObject& object) {
     if (bytes) return *bytes;
   }
   if (const auto text = stringIn(object, u"date")) {
-    const auto date = QDateTime::fromString(*text, Qt::ISODateWithMs);
-    if (date.isValid()) return date.toUTC();
+    if (const auto date = dateOf(*text)) return *date;
   }
   return std::nullopt;
 }

@@ -93,6 +93,15 @@ TEST_F(SettingsTest, ADateOfAnotherZoneIsTheSameMoment) {
             date.toMSecsSinceEpoch());
 }
 
+TEST_F(SettingsTest, ADateThatCanNotBeWrittenInUtcIsAbsentAndStaysInTheFile) {
+  writeFile(R"({"telemetryFirstLaunchAt":{"date":"9999-12-31T23:59:59.999-14:00"}})");
+  Settings settings(file, debugLog);
+  EXPECT_EQ(settings.get(keys::telemetryFirstLaunchAt), std::nullopt);
+  settings.set(keys::isEnabled, true);
+  settings.waitUntilWritten();
+  EXPECT_TRUE(contentOf(file).contains("9999-12-31T23:59:59.999-14:00"));
+}
+
 TEST_F(SettingsTest, AValueOfAnotherTypeReadsAsAbsentAndIsPresent) {
   Settings settings(file, debugLog);
   settings.set(keys::String{u"integrationSlack"}, u"no"_s);
