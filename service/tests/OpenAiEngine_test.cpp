@@ -168,7 +168,7 @@ TEST_F(OpenAiEngineTest, ACertificateOfNobodyOrForAnotherNameIsRefused) {
 }
 
 TEST_F(OpenAiEngineTest, PlainTextWhereTlsIsExpectedIsAFailure) {
-  const LocalServer server(m_good);
+  const LocalServer server(m_good, Behaviour::AnswerAtOnce);
   EXPECT_FALSE(transcribe("https://127.0.0.1:" + server.port()));
 }
 

@@ -29,7 +29,7 @@ struct OpenAiSettings {
   std::string address =
       {};  ///< "https://host[:port][/prefix]"; "/v1/audio/transcriptions" is appended
   std::string model = "whisper-1";
-  std::filesystem::path keyFile;                      ///< empty: no key is sent
+  std::filesystem::path keyFile = {};                      ///< empty: no key is sent
   std::filesystem::path certificateAuthorities = {};  ///< PEM file; empty: the system's
   std::chrono::milliseconds timeout{45'000};
 };

@@ -14,9 +14,9 @@ namespace vemo::service {
 class LocalServer {
  public:
   enum class Behaviour {
-    Answer,       ///< reads the whole request, then answers
-    AnswerEarly,  ///< answers after the head
-    Silence,      ///< reads the whole request and says nothing
+    Answer,        ///< reads the whole request, then answers
+    AnswerAtOnce,  ///< answers and closes without reading
+    Silence,       ///< reads the whole request and says nothing
     CloseAtOnce,
   };
   struct Certificate {
@@ -78,12 +78,16 @@ class LocalServer {
   template <typename Stream>
   void exchange(Stream& stream) {
     boost::system::error_code error;
+    if (m_behaviour == Behaviour::AnswerAtOnce) {
+      boost::asio::write(stream, boost::asio::buffer(m_answer), error);
+      return;
+    }
     std::string input;
     const auto head =
         boost::asio::read_until(stream, boost::asio::dynamic_buffer(input), "\r\n\r\n", error);
     const auto field = input.find("Content-Length: ");
     const auto length = field == std::string::npos ? 0 : std::stoul(input.substr(field + 16));
-    if (m_behaviour != Behaviour::AnswerEarly && input.size() < head + length)
+    if (input.size() < head + length)
       boost::asio::read(stream, boost::asio::dynamic_buffer(input),
                         boost::asio::transfer_exactly(head + length - input.size()), error);
     {
@@ -94,8 +98,7 @@ class LocalServer {
       boost::asio::write(stream, boost::asio::buffer(m_answer), error);
     // Whatever the client does next, the connection stays until it has ended it.
     std::string rest;
-    if (m_behaviour != Behaviour::AnswerEarly || m_answer.empty())
-      boost::asio::read(stream, boost::asio::dynamic_buffer(rest), error);
+    boost::asio::read(stream, boost::asio::dynamic_buffer(rest), error);
   }
 
   std::string m_answer;
