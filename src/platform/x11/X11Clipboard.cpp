@@ -85,6 +85,7 @@ X11Clipboard::~X11Clipboard() {
 
 Task<ClipboardContents> X11Clipboard::snapshot() {
   m_connection->processEvents();
+  if (!m_connection->isAlive()) m_ownership.reset();
   if (m_ownership) {
     m_snapshotForms = m_ownership->forms;
     co_return m_ownership->contents;
@@ -123,24 +124,22 @@ void X11Clipboard::replace(ClipboardContents contents) {
   const std::vector<Form> forms =
       isLatestSnapshot(entriesOf(contents)) ? m_snapshotForms : std::vector<Form>();
   for (int attempt = 0; attempt < maximumAttempts; ++attempt) {
-    if (takeSelection(contents, forms)) return;
+    const auto time = serverTime();
+    if (!time || takeSelection(contents, forms, *time)) return;
   }
 }
 
-bool X11Clipboard::takeSelection(const ClipboardContents& contents,
-                                 const std::vector<Form>& forms) {
-  const auto time = serverTime();
-  if (!time) return false;
-
+bool X11Clipboard::takeSelection(const ClipboardContents& contents, const std::vector<Form>& forms,
+                                 xcb_timestamp_t time) {
   m_ownership.reset();
   auto offered = representations(entriesOf(contents), forms);
   const xcb_window_t owner = offered.empty() ? XCB_WINDOW_NONE : m_connection->window();
   const auto request =
-      xcb_set_selection_owner(m_connection->xcb(), owner, m_clipboard, *time).sequence;
+      xcb_set_selection_owner(m_connection->xcb(), owner, m_clipboard, time).sequence;
   m_ownRequest = request;
   if (!offered.empty()) {
     m_ownership.emplace(contents, forms,
-                        X11SelectionOffer(*m_connection, m_sender, std::move(offered), *time));
+                        X11SelectionOffer(*m_connection, m_sender, std::move(offered), time));
   }
   m_connection->synchronize();
   m_connection->processEvents();
@@ -204,7 +203,8 @@ void X11Clipboard::handleOwnerChange(const xcb_generic_event_t& event) {
   }
   // A change that came before our own doesn't end our ownership.
   if (!m_ownRequest) m_ownership.reset();
-  for (X11SelectionReader* reader : m_readers) reader->handleOwnerChange(change.owner);
+  for (X11SelectionReader* reader : m_readers)
+    reader->handleOwnerChange(change.owner, event.full_sequence);
 }
 
 bool X11Clipboard::isLatestSnapshot(const std::vector<ClipboardEntry>& entries) const {

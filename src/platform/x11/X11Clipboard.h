@@ -58,7 +58,8 @@ class X11Clipboard : public Clipboard {
   void handleEvent(const xcb_generic_event_t& event);
   void handleOwnerChange(const xcb_generic_event_t& event);
   std::optional<xcb_timestamp_t> serverTime();
-  bool takeSelection(const ClipboardContents& contents, const std::vector<Form>& forms);
+  bool takeSelection(const ClipboardContents& contents, const std::vector<Form>& forms,
+                     xcb_timestamp_t time);
   bool isLatestSnapshot(const std::vector<ClipboardEntry>& entries) const;
   std::vector<X11Representation> representations(const std::vector<ClipboardEntry>& entries,
                                                  const std::vector<Form>& forms);

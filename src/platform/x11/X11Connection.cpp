@@ -69,7 +69,7 @@ std::optional<xcb_query_extension_reply_t> X11Connection::extension(
 
 void* X11Connection::waitForReply(unsigned int sequence) {
   flush();
-  const auto deadline = SteadyClock::now() + replyTimeout;
+  const auto deadline = SteadyClock::now() + (m_isStalled ? replyTimeout * 0 : replyTimeout);
   while (true) {
     readEvents();
     void* reply = nullptr;
@@ -80,8 +80,10 @@ void* X11Connection::waitForReply(unsigned int sequence) {
     }
     if (!waitForInput(deadline)) {
       xcb_discard_reply(m_connection, sequence);
+      m_isStalled = true;
       return nullptr;
     }
+    m_isStalled = false;
   }
 }
 

@@ -13,6 +13,7 @@
 #include <QHash>
 #include <QSocketNotifier>
 #include <chrono>
+#include <cstdint>
 #include <cstdlib>
 #include <deque>
 #include <functional>
@@ -58,7 +59,8 @@ class X11Connection {
   std::optional<xcb_query_extension_reply_t> extension(xcb_extension_t& extension) const;
 
   /// The reply to the request with that sequence number; null when the request failed, the server
-  /// has gone, or it doesn't answer within two seconds.
+  /// has gone, or it doesn't answer within two seconds. After a wait in vain there's no other
+  /// before the server has sent something.
   template <typename Reply>
   X11Pointer<Reply> reply(unsigned int sequence) {
     return X11Pointer<Reply>(static_cast<Reply*>(waitForReply(sequence)));
@@ -83,6 +85,11 @@ class X11Connection {
   /// Handles events until `isDone` or the time is up. Returns whether it was done.
   bool processEventsUntil(const std::function<bool()>& isDone, std::chrono::milliseconds limit);
 
+  /// Whether one sequence number comes before another; they wrap around.
+  static bool isBefore(std::uint32_t sequence, std::uint32_t other) {
+    return static_cast<std::int32_t>(sequence - other) < 0;
+  }
+
  private:
   X11Connection(xcb_connection_t* connection, int screenNumber);
 
@@ -96,6 +103,7 @@ class X11Connection {
   std::unique_ptr<QSocketNotifier> m_notifier;
   std::deque<X11Pointer<xcb_generic_event_t>> m_events;
   EventHandler m_handler;
+  bool m_isStalled = false;  ///< a reply was waited for in vain, and nothing has come since
   QHash<QByteArray, xcb_atom_t> m_atoms;
   QHash<xcb_atom_t, QByteArray> m_atomNames;
 };

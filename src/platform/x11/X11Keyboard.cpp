@@ -17,10 +17,6 @@ constexpr std::uint16_t inputMajorVersion = 2;
 constexpr std::uint16_t inputMinorVersion = 2;
 constexpr std::uint8_t allModifiers = 0xFF;
 
-bool isBefore(std::uint32_t sequence, std::uint32_t other) {
-  return static_cast<std::int32_t>(sequence - other) < 0;
-}
-
 }  // namespace
 
 std::shared_ptr<X11Keyboard> X11Keyboard::create(const QByteArray& displayName) {
@@ -154,7 +150,8 @@ void X11Keyboard::handleEvent(const xcb_generic_event_t& event) {
   if (event.response_type != XCB_GE_GENERIC || !m_isWatching) return;
   const auto& raw = reinterpret_cast<const xcb_input_raw_key_press_event_t&>(event);
   if (raw.extension != m_inputOpcode || raw.detail > 255) return;
-  if (isBefore(raw.full_sequence, m_readAt) || m_posted.contains(raw.full_sequence)) return;
+  if (X11Connection::isBefore(raw.full_sequence, m_readAt) || m_posted.contains(raw.full_sequence))
+    return;
   const auto code = static_cast<xcb_keycode_t>(raw.detail);
   if (raw.event_type == XCB_INPUT_RAW_KEY_PRESS) handleUsersKey(Strike::Press, code);
   if (raw.event_type == XCB_INPUT_RAW_KEY_RELEASE) handleUsersKey(Strike::Release, code);

@@ -43,8 +43,8 @@ X11SelectionReader::~X11SelectionReader() {
 
 void X11SelectionReader::start() {
   if (!m_totalTimer.isActive()) m_totalTimer.start(totalLimit);
-  const auto owner = m_connection.reply<xcb_get_selection_owner_reply_t>(
-      xcb_get_selection_owner(m_connection.xcb(), m_selection).sequence);
+  m_startedAt = xcb_get_selection_owner(m_connection.xcb(), m_selection).sequence;
+  const auto owner = m_connection.reply<xcb_get_selection_owner_reply_t>(m_startedAt);
   if (!owner || owner->owner == XCB_WINDOW_NONE) return finish();
 
   for (Channel& channel : m_channels) channel.window = m_connection.createHiddenWindow();
@@ -147,8 +147,8 @@ void X11SelectionReader::requestNext() {
   if (isIdle) finish();
 }
 
-void X11SelectionReader::handleOwnerChange(xcb_window_t owner) {
-  if (m_finished.isComplete()) return;
+void X11SelectionReader::handleOwnerChange(xcb_window_t owner, std::uint32_t sequence) {
+  if (m_finished.isComplete() || X11Connection::isBefore(sequence, m_startedAt)) return;
   if (owner == XCB_WINDOW_NONE) return finish();
   closeChannels();
   m_representations.clear();

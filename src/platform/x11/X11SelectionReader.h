@@ -31,7 +31,7 @@ class X11SelectionReader {
   void handleSelectionNotify(const xcb_selection_notify_event_t& event);
   void handlePropertyNotify(const xcb_property_notify_event_t& event);
   /// A new owner's content is read from the start; without an owner nothing more will come.
-  void handleOwnerChange(xcb_window_t owner);
+  void handleOwnerChange(xcb_window_t owner, std::uint32_t sequence);
 
  private:
   /// One request under way. Each has a window of its own, since there are owners that keep their
@@ -65,6 +65,7 @@ class X11SelectionReader {
   Completion<> m_finished;
   QTimer m_progressTimer;
   QTimer m_totalTimer;
+  std::uint32_t m_startedAt = 0;  ///< sequence of the request that told the owner that is read
   Stage m_stage = Stage::Targets;
   bool m_areTargetsGuessed = false;
   std::array<Channel, 8> m_channels;

@@ -1,0 +1,45 @@
+// Somebody at the keyboard, by way of XTest, and what the server then thinks of its keys.
+#pragma once
+
+#include <xkbcommon/xkbcommon.h>
+
+#include <QByteArray>
+#include <QString>
+#include <memory>
+#include <set>
+
+#include "platform/x11/X11Connection.h"
+#include "platform/x11/X11Keymap.h"
+
+namespace vemo {
+
+class VirtualUser {
+ public:
+  VirtualUser();
+  /// Lets go of what is still held and gives the keyboard its usual layout and locks again.
+  ~VirtualUser();
+
+  /// Runs setxkbmap and waits until the layout is in force.
+  void chooseLayout(const QString& layout, const QString& variant = {},
+                    const QString& options = {});
+  void chooseGroup(unsigned int group);
+  unsigned int group();
+
+  void press(xkb_keysym_t key);
+  void release(xkb_keysym_t key);
+  xcb_keycode_t codeOf(xkb_keysym_t key);
+
+  /// The codes of the keys that are down, by the server's word.
+  std::set<xcb_keycode_t> keysDown();
+  /// The real modifiers in force: held, latched and locked.
+  unsigned int modifiersInForce();
+  unsigned int lockedModifiers();
+  void setLockedModifiers(unsigned int mask, unsigned int values);
+
+ private:
+  std::unique_ptr<X11Connection> m_connection;
+  std::unique_ptr<X11Keymap> m_keymap;
+  std::set<xcb_keycode_t> m_held;
+};
+
+}  // namespace vemo
