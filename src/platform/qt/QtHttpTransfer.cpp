@@ -4,6 +4,7 @@
 #include <QNetworkRequest>
 #include <algorithm>
 #include <cstring>
+#include <memory>
 #include <utility>
 
 #include "platform/qt/QtNetworkErrors.h"
@@ -75,8 +76,10 @@ QtHttpTransfer::QtHttpTransfer(QNetworkAccessManager& manager, const HttpRequest
                                const Completion<HttpResult>& result)
     : m_result(result) {
   const bool isBodiless = request.method == "GET" || request.method == "HEAD";
-  if (!isBodiless) m_upload = std::make_unique<SingleUseBody>(request.body);
-  m_reply = manager.sendCustomRequest(networkRequest(request), request.method, m_upload.get());
+  auto upload = isBodiless ? nullptr : std::make_unique<SingleUseBody>(request.body);
+  m_reply = manager.sendCustomRequest(networkRequest(request), request.method, upload.get());
+  // The reply may still ask for more of the body after it was aborted.
+  if (upload) upload.release()->setParent(m_reply);
   watch();
   startTimers(request, limits);
 }

@@ -11,7 +11,7 @@
 #include <QPointer>
 #include <QSslError>
 #include <QTimer>
-#include <memory>
+#include <optional>
 
 #include "base/Completion.h"
 #include "ports/HttpSession.h"
@@ -41,7 +41,6 @@ class QtHttpTransfer : public QObject {
   std::optional<int> status() const;
 
   const Completion<HttpResult> m_result;
-  std::unique_ptr<QIODevice> m_upload;
   QPointer<QNetworkReply> m_reply;
   QList<QSslError> m_certificateErrors;
   QByteArray m_body;
