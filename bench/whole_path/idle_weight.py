@@ -1,0 +1,86 @@
+#!/usr/bin/python3
+"""What Vemo costs while nobody speaks: resident memory, and wake-ups by all of its threads.
+
+usage: bench/whole_path/idle_weight.py [--seconds N] [--programs FOLDER]
+
+Makes a virtual desktop, dictates once so that everything has been used, and watches Vemo for N seconds
+(60). Prints one JSON line; exits with 1 above 40 MB or above one wake-up a second.
+"""
+
+import argparse
+import json
+import pathlib
+import subprocess
+import sys
+import time
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+sys.path.insert(0, str(ROOT / "tests/desktop"))
+
+MEMORY_LIMIT_MB = 40
+WAKE_UPS_LIMIT = 1.0
+SETTLING_SECONDS = 5
+
+
+def figure(status_file, name):
+    for line in status_file.read_text().splitlines():
+        if line.startswith(name + ":"):
+            return int(line.split()[1])
+    raise SystemExit(f"{status_file} tells no {name}")
+
+
+def wake_ups(process_id):
+    """Every time that a thread went to sleep by itself it has to be woken."""
+    return {task.name: figure(task / "status", "voluntary_ctxt_switches")
+            for task in pathlib.Path(f"/proc/{process_id}/task").iterdir()}
+
+
+def thread_names(process_id):
+    return {task.name: (task / "comm").read_text().strip()
+            for task in pathlib.Path(f"/proc/{process_id}/task").iterdir()}
+
+
+def measure(seconds):
+    """Inside the virtual desktop."""
+    from dictation_server import DictationServer, transcription
+    from vemo_program import Vemo, store_token
+
+    store_token("token-of-the-benchmark")
+    with DictationServer() as server, Vemo(server.address) as vemo:
+        fresh = figure(pathlib.Path(f"/proc/{vemo.process.pid}/status"), "VmRSS") / 1024
+        server.answers = [transcription("A sentence.")]
+        vemo.dictate()
+        vemo.await_logged("inject: restored original pasteboard in background")
+        time.sleep(SETTLING_SECONDS)
+        before = wake_ups(vemo.process.pid)
+        time.sleep(seconds)
+        after = wake_ups(vemo.process.pid)
+        used = figure(pathlib.Path(f"/proc/{vemo.process.pid}/status"), "VmRSS") / 1024
+        names = thread_names(vemo.process.pid)
+    woken = {names[task]: count - before.get(task, 0) for task, count in after.items()
+             if count > before.get(task, 0)}
+    return fresh, used, woken
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawTextHelpFormatter)
+    parser.add_argument("--seconds", type=int, default=60)
+    parser.add_argument("--programs", default=str(ROOT / "build/release/bin"))
+    parser.add_argument("--inside", action="store_true", help=argparse.SUPPRESS)
+    arguments = parser.parse_args()
+    if not arguments.inside:
+        command = [str(ROOT / "tools/virtual-desktop"), "--window-manager", "--audio", "--keyring", "--",
+                   "env", f"VEMO_PROGRAMS={arguments.programs}", __file__, "--inside",
+                   f"--seconds={arguments.seconds}"]
+        return subprocess.run(command, check=False).returncode
+
+    fresh, used, woken = measure(arguments.seconds)
+    rate = sum(woken.values()) / arguments.seconds
+    print(json.dumps({"residentMB": round(used, 1), "residentMBBeforeTheFirstDictation": round(fresh, 1),
+                      "wakeUpsPerSecond": round(rate, 2), "wakeUpsByThread": woken,
+                      "limits": {"residentMB": MEMORY_LIMIT_MB, "wakeUpsPerSecond": WAKE_UPS_LIMIT}}))
+    return 0 if max(fresh, used) <= MEMORY_LIMIT_MB and rate <= WAKE_UPS_LIMIT else 1
+
+
+if __name__ == "__main__":
+    sys.exit(main())
