@@ -1,0 +1,95 @@
+// The two ends of the control on a real session bus.
+
+#include "platform/xdg/BusRemoteControl.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <atomic>
+#include <future>
+#include <vector>
+
+#include "ports/RemoteControl.h"
+
+namespace vemo {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using testing::ElementsAre;
+
+class RecordingRemoteControl : public RemoteControl {
+ public:
+  QString toggle() override { return note("toggle"); }
+  QString start() override { return note("start"); }
+  QString stop() override { return note("stop"); }
+  QString status() const override { return u"idle: Sign in to connect"_s; }
+  void quit() override { note("quit"); }
+
+  std::vector<std::string> calls;
+
+ private:
+  QString note(const char* call) {
+    calls.emplace_back(call);
+    return QString::fromUtf8(call) + u" done"_s;
+  }
+};
+
+class BusRemoteControlTest : public testing::Test {
+ protected:
+  /// Sends as another process would, while this one's event loop runs.
+  std::expected<QString, QString> send(const QString& command) {
+    auto answer = std::async(std::launch::async, [command] { return sendCommand(command); });
+    while (answer.wait_for(std::chrono::seconds(0)) != std::future_status::ready)
+      QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+    return answer.get();
+  }
+
+  int m_argumentCount = 0;
+  QCoreApplication m_application{m_argumentCount, nullptr};
+  RecordingRemoteControl control;
+};
+
+TEST_F(BusRemoteControlTest, WithoutARunningProgramTheCommandSaysSo) {
+  EXPECT_EQ(send(u"toggle"_s).error(), u"Vemo isn't running."_s);
+}
+
+TEST_F(BusRemoteControlTest, CommandsReachTheProgramAndBringItsAnswerBack) {
+  const auto bus = BusRemoteControl::create(control);
+  ASSERT_TRUE(bus);
+  EXPECT_EQ(send(u"toggle"_s), u"toggle done"_s);
+  EXPECT_EQ(send(u"start"_s), u"start done"_s);
+  EXPECT_EQ(send(u"stop"_s), u"stop done"_s);
+  EXPECT_EQ(send(u"status"_s), u"idle: Sign in to connect"_s);
+  EXPECT_EQ(send(u"quit"_s), QString());
+  EXPECT_THAT(control.calls, ElementsAre("toggle", "start", "stop", "quit"));
+}
+
+TEST_F(BusRemoteControlTest, ACommandThatDoesNotExistIsAnErrorAndNoCall) {
+  const auto bus = BusRemoteControl::create(control);
+  const auto answer = send(u"deleteLater"_s);
+  ASSERT_FALSE(answer);
+  EXPECT_TRUE(answer.error().startsWith(u"Vemo doesn't answer: "_s));
+  EXPECT_TRUE(control.calls.empty());
+}
+
+TEST_F(BusRemoteControlTest, TheNameIsFreeAgainWhenTheProgramHasGone) {
+  {
+    const auto bus = BusRemoteControl::create(control);
+  }
+  EXPECT_EQ(send(u"status"_s).error(), u"Vemo isn't running."_s);
+  EXPECT_TRUE(BusRemoteControl::create(control));
+}
+
+TEST_F(BusRemoteControlTest, ANameThatAnotherProgramOwnsIsTaken) {
+  auto other = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"other"_s);
+  ASSERT_TRUE(other.registerService(u"brelmox.Vemo"_s));
+  const auto bus = BusRemoteControl::create(control);
+  ASSERT_FALSE(bus);
+  EXPECT_EQ(bus.error(), BusNameError::Taken);
+  QDBusConnection::disconnectFromBus(u"other"_s);
+}
+
+}  // namespace
+}  // namespace vemo
