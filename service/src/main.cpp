@@ -1,3 +1,5 @@
+#include <malloc.h>
+
 #include <csignal>
 #include <iostream>
 
@@ -26,6 +28,8 @@ int addToken(const Configuration& configuration) {
 
 int main(int argc, char** argv) {
   std::signal(SIGPIPE, SIG_IGN);
+  // Recordings get pages of their own, which go back to the system as soon as they are done with.
+  ::mallopt(M_MMAP_THRESHOLD, 128 * 1024);
   const auto commandLine = CommandLine::parse({argv + 1, static_cast<std::size_t>(argc - 1)});
   if (!commandLine) return fail(commandLine.error() + "; see vemo-service --help");
   if (commandLine->action == CommandLine::Action::Help) {

@@ -121,6 +121,16 @@ TEST_F(OpenAiEngineTest, AnAnswerOfTheLimitIsReadAndALongerOneIsNot) {
               HasSubstr("too long"));
 }
 
+TEST_F(OpenAiEngineTest, ARefusalBeforeTheRecordingIsTakenIsStillRead) {
+  const LocalServer server(LocalServer::json(413, "{}"), Behaviour::AnswerAtOnce);
+  m_settings.address = "http://127.0.0.1:" + server.port();
+  OpenAiEngine engine(m_settings);
+  ASSERT_TRUE(engine.load());
+  const auto result = engine.transcribe(recording(8 * 1024 * 1024), {}, {});
+  ASSERT_FALSE(result);
+  EXPECT_THAT(result.error().message, HasSubstr("too long"));
+}
+
 TEST_F(OpenAiEngineTest, AServerThatIsNotRunningOrNotKnownIsToldSo) {
   std::string port;
   {

@@ -1,15 +1,17 @@
 // Prints how many words the embedded recogniser gets wrong on recorded speech.
 //
-//   vemo-word-error-rate TRANSCRIPTION FOLDER
+//   vemo-word-error-rate [TRANSCRIPTION FOLDER]...
 //
-// TRANSCRIPTION has lines "<s> the words </s> (name)"; FOLDER holds name.wav. The word error rate
-// is the fewest substitutions, insertions and deletions that turn what was heard into what was
-// said, over the number of words said.
+// TRANSCRIPTION has lines "<s> the words </s> (name)"; FOLDER holds name.wav. Without arguments it
+// takes the samples of the Debian package pocketsphinx-testdata. The word error rate is the fewest
+// substitutions, insertions and deletions that turn what was heard into what was said, over the
+// number of words said.
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <iterator>
 #include <numeric>
 #include <sstream>
 #include <string>
@@ -22,8 +24,10 @@ namespace {
 
 using namespace vemo::service;
 
+const std::filesystem::path testData = "/usr/share/pocketsphinx/test/data";
+
 struct Sample {
-  std::string name;
+  std::filesystem::path file;
   std::vector<std::string> words;
 };
 
@@ -35,15 +39,31 @@ std::vector<std::string> splitWords(const std::string& text) {
   return words;
 }
 
-std::vector<Sample> readTranscription(const std::filesystem::path& path) {
+std::vector<Sample> readTranscription(const std::filesystem::path& path,
+                                      const std::filesystem::path& folder) {
   std::ifstream file(path);
   std::vector<Sample> samples;
   for (std::string line; std::getline(file, line);) {
     const auto open = line.rfind('(');
     const auto close = line.rfind(')');
     if (open == std::string::npos || close == std::string::npos || close < open) continue;
-    samples.push_back({line.substr(open + 1, close - open - 1), splitWords(line.substr(0, open))});
+    const auto name = line.substr(open + 1, close - open - 1);
+    samples.push_back({folder / (name + ".wav"), splitWords(line.substr(0, open))});
   }
+  return samples;
+}
+
+std::vector<Sample> samplesOf(const std::vector<std::string>& arguments) {
+  if (arguments.empty()) {
+    auto samples = samplesOf({testData / "librivox/transcription", testData / "librivox",
+                              testData / "cards/cards.transcription", testData / "cards"});
+    samples.push_back({testData / "goforward.raw", splitWords("go forward ten meters")});
+    return samples;
+  }
+  std::vector<Sample> samples;
+  for (std::size_t index = 0; index + 1 < arguments.size(); index += 2)
+    std::ranges::move(readTranscription(arguments[index], arguments[index + 1]),
+                      std::back_inserter(samples));
   return samples;
 }
 
@@ -62,19 +82,31 @@ std::size_t editDistance(const std::vector<std::string>& said,
   return row.back();
 }
 
-std::string readFile(const std::filesystem::path& path) {
+std::string littleEndian(std::size_t value, int bytes) {
+  std::string text;
+  for (int index = 0; index < bytes; ++index) text += static_cast<char>(value >> (8 * index));
+  return text;
+}
+
+/// A .raw file holds the samples alone.
+std::string readWav(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
+  const std::string content{std::istreambuf_iterator<char>(file), {}};
+  if (path.extension() != ".raw") return content;
+  return "RIFF" + littleEndian(content.size() + 36, 4) + "WAVEfmt " + littleEndian(16, 4) +
+         littleEndian(1, 2) + littleEndian(1, 2) + littleEndian(sampleRate, 4) +
+         littleEndian(sampleRate * 2, 4) + littleEndian(2, 2) + littleEndian(16, 2) + "data" +
+         littleEndian(content.size(), 4) + content;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 3) {
-    std::cerr << "usage: vemo-word-error-rate TRANSCRIPTION FOLDER\n";
+  if (argc % 2 == 0) {
+    std::cerr << "usage: vemo-word-error-rate [TRANSCRIPTION FOLDER]...\n";
     return 2;
   }
-  const auto samples = readTranscription(argv[1]);
+  const auto samples = samplesOf({argv + 1, argv + argc});
   PocketsphinxEngine engine{PocketsphinxModel{}};
   if (const auto loaded = engine.load(); !loaded || samples.empty()) {
     std::cerr << (loaded ? "no samples in the transcription" : loaded.error()) << '\n';
@@ -86,20 +118,19 @@ int main(int argc, char** argv) {
   double audioSeconds = 0;
   const auto start = std::chrono::steady_clock::now();
   for (const auto& sample : samples) {
-    const auto recording =
-        Recording::fromWav(readFile(std::filesystem::path(argv[2]) / (sample.name + ".wav")));
+    const auto recording = Recording::fromWav(readWav(sample.file));
     if (!recording) {
-      std::cerr << sample.name << ": " << recording.error() << '\n';
+      std::cerr << sample.file.string() << ": " << recording.error() << '\n';
       return 1;
     }
     const auto heard = engine.transcribe(*recording, {.language = "en"}, {});
     if (!heard) {
-      std::cerr << sample.name << ": " << heard.error().message << '\n';
+      std::cerr << sample.file.string() << ": " << heard.error().message << '\n';
       return 1;
     }
     const auto wrong = editDistance(sample.words, splitWords(*heard));
-    std::cout << sample.name << ": " << wrong << " of " << sample.words.size() << ": " << *heard
-              << '\n';
+    std::cout << sample.file.stem().string() << ": " << wrong << " of " << sample.words.size()
+              << ": " << *heard << '\n';
     words += sample.words.size();
     errors += wrong;
     audioSeconds += static_cast<double>(recording->sampleCount()) / sampleRate;

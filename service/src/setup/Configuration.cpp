@@ -114,7 +114,7 @@ std::map<std::string, Key, std::less<>> keysOf(Configuration& c) {
 
 std::size_t Configuration::effectiveWorkers() const {
   if (workers > 0) return workers;
-  // A forwarded request only waits; an embedded decoder fills a core and 70 MB.
+  // A forwarded request only waits; an embedded decoder fills a core and 110 MB.
   if (engine == EngineName::OpenAi) return 8;
   return std::min(2U, std::max(1U, std::thread::hardware_concurrency()));
 }
