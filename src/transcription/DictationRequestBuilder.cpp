@@ -151,12 +151,14 @@ std::optional<HttpRequest> DictationRequestBuilder::post(const QString& path,
     return std::nullopt;
   request.timeout = requestTimeout;
   const Settings& settings = m_sources.settings;
+  const QString& applicationVersion = m_sources.system.applicationVersion;
   request.headers = {
       {"Content-Type"_ba, contentType},
       {"Authorization"_ba, "Bearer " + headerValue(token)},
       {"x-platform"_ba, "macos"_ba},
       {"x-os-version"_ba, headerValue(m_sources.system.systemVersion)},
-      {"x-app-version"_ba, headerValue(m_sources.system.applicationVersion)},
+      {"x-app-version"_ba,
+       applicationVersion.isEmpty() ? "1.0"_ba : headerValue(applicationVersion)},
       {"x-device-id"_ba, headerValue(settings.get(keys::telemetryInstallId, QString()))},
   };
   if (settings.get(keys::shareUsageStatistics, true))

@@ -136,6 +136,11 @@ TEST_F(DictationRequestBuilderTest, AMissingInstallIdIsSentAsTheEmptyText) {
   EXPECT_EQ(header(dictate().http, "x-device-id"), "");
 }
 
+TEST_F(DictationRequestBuilderTest, AnUnknownVersionOfThisProgramIsSentAs1Point0) {
+  system.applicationVersion.clear();
+  EXPECT_EQ(header(dictate().http, "x-app-version"), "1.0");
+}
+
 TEST_F(DictationRequestBuilderTest, AnApplicationsNameCannotBeginAHeaderOfItsOwn) {
   desktop.setFrontmost(
       RunningApplication{.identifier = u"a\nb"_s, .name = QString::fromUtf8("Café\r\nx-evil: 1")});
