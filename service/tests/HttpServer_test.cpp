@@ -4,9 +4,7 @@
 
 #include <future>
 
-#include "support/Eventually.h"
-#include "support/RunningService.h"
-#include "support/WavFile.h"
+#include "support/HttpServiceTest.h"
 
 namespace vemo::service {
 namespace {
@@ -14,40 +12,10 @@ namespace {
 using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
-using namespace std::string_literals;
 using namespace std::chrono_literals;
+using namespace std::string_literals;
 
-constexpr std::string_view dictate = "/desktop/dictate?format_mode=smart&language=en";
-
-class HttpServerTest : public testing::Test {
- protected:
-  RunningService& service() {
-    if (!m_service) m_service = std::make_unique<RunningService>(m_script, m_settings);
-    return *m_service;
-  }
-  /// One request on a connection of its own; status 0 when there was no answer.
-  RawAnswer ask(std::string_view request) {
-    return RawClient(service().port()).exchange(request).value_or(RawAnswer{});
-  }
-  RawAnswer ask(std::string_view method, std::string_view target, std::string_view headers = "") {
-    return ask(std::string(method) + " " + std::string(target) + " HTTP/1.1\r\nHost: x\r\n" +
-               std::string(headers) + "\r\n");
-  }
-  std::string authorization() { return "Authorization: Bearer " + service().token() + "\r\n"; }
-  /// Keeps the only worker busy with a request that is not read.
-  std::unique_ptr<RawClient> occupyWorker() {
-    m_script.hold();
-    auto client = std::make_unique<RawClient>(service().port());
-    EXPECT_TRUE(client->send(service().post(dictate, m_wav)));
-    EXPECT_TRUE(eventually([&] { return m_script.runningCount() == 1; }));
-    return client;
-  }
-
-  EngineScript m_script;
-  RunningService::Settings m_settings;
-  std::string m_wav = WavFile{}.bytes();
-  std::unique_ptr<RunningService> m_service;
-};
+class HttpServerTest : public HttpServiceTest {};
 
 TEST_F(HttpServerTest, ARecordingIsAnsweredWithItsFormattedText) {
   const auto answer = ask(service().post(dictate, m_wav));
@@ -146,44 +114,6 @@ TEST_F(HttpServerTest, UnknownPathsAndMethodsAreToldApart) {
   EXPECT_EQ(ask("GET", "/health%zz").status, 400);
 }
 
-TEST_F(HttpServerTest, ABodyAtTheLimitIsTakenAndOneByteMoreIsNot) {
-  m_settings.limits.bodyBytes = m_wav.size();
-  EXPECT_EQ(ask(service().post(dictate, m_wav)).status, 200);
-  const auto refused = ask(service().post(dictate, m_wav + "x"));
-  EXPECT_EQ(refused.status, 413);
-  EXPECT_THAT(refused.body, HasSubstr("too long"));
-}
-
-TEST_F(HttpServerTest, A413ComesAsSoonAsTheLengthIsKnown) {
-  m_settings.limits.bodyBytes = 1000;
-  RawClient client(service().port());
-  const auto answer = client.exchange("POST /desktop/dictate HTTP/1.1\r\nHost: x\r\n" +
-                                      authorization() + "Content-Length: 99999999999\r\n\r\n");
-  ASSERT_TRUE(answer);
-  EXPECT_EQ(answer->status, 413);
-}
-
-TEST_F(HttpServerTest, AChunkedBodyIsTakenUpToTheLimitAndRefusedBeyond) {
-  m_settings.limits.bodyBytes = m_wav.size();
-  const auto head = "POST " + std::string(dictate) + " HTTP/1.1\r\nHost: x\r\n" + authorization() +
-                    "Transfer-Encoding: chunked\r\n\r\n";
-  const auto half = m_wav.size() / 2;
-  const auto chunk = [](std::string_view bytes) {
-    char size[16];
-    std::snprintf(size, sizeof size, "%zx\r\n", bytes.size());
-    return size + std::string(bytes) + "\r\n";
-  };
-  const auto body = chunk(m_wav.substr(0, half)) + chunk(m_wav.substr(half));
-  EXPECT_EQ(ask(head + body + "0\r\n\r\n").status, 200);
-  EXPECT_EQ(ask(head + body + chunk("x") + "0\r\n\r\n").status, 413);
-
-  RawClient endless(service().port());
-  ASSERT_TRUE(endless.send(head));
-  while (!endless.hasInput() && endless.send(chunk(std::string(100, 'x')))) {
-  }
-  EXPECT_EQ(endless.read().value_or(RawAnswer{}).status, 413);
-}
-
 TEST_F(HttpServerTest, WhatIsNotAWavFileIsABadRequestWithItsReason) {
   EXPECT_THAT(ask(service().post(dictate, "not audio")).body,
               HasSubstr("The body is not a WAV file."));
@@ -254,103 +184,6 @@ TEST_F(HttpServerTest, AnnouncedBodiesAreAskedForOnlyWhenTheHeadIsGood) {
   EXPECT_EQ(client.exchange(request.substr(0, headLength)).value_or(RawAnswer{}).status, 100);
   EXPECT_EQ(client.exchange(request.substr(headLength)).value_or(RawAnswer{}).status, 200);
   EXPECT_EQ(ask("POST", dictate, "Expect: 100-continue\r\nContent-Length: 100\r\n").status, 401);
-}
-
-TEST_F(HttpServerTest, ARequestWhoseEndIsAmbiguousIsRefused) {
-  const auto start = "POST " + std::string(dictate) + " HTTP/1.1\r\nHost: x\r\n" + authorization();
-  for (const auto* headers :
-       {"Content-Length: 5\r\nTransfer-Encoding: chunked\r\n",
-        "Transfer-Encoding: chunked\r\nContent-Length: 5\r\n",
-        "Content-Length: 5\r\nContent-Length: 6\r\n", "Content-Length: 5, 6\r\n",
-        "Content-Length: -1\r\n", "Content-Length: 5x\r\n",
-        "Content-Length: 99999999999999999999999\r\n", "Transfer-Encoding: gzip\r\n",
-        "Transfer-Encoding: chunked, gzip\r\n",
-        "Transfer-Encoding: chunked\r\nTransfer-Encoding: chunked\r\n"}) {
-    RawClient client(service().port());
-    const auto answer =
-        client.exchange(start + headers + "\r\nGET /health HTTP/1.1\r\nHost: x\r\n\r\n");
-    ASSERT_TRUE(answer) << headers;
-    EXPECT_EQ(answer->status, 400) << headers;
-    EXPECT_FALSE(client.read()) << headers;
-    EXPECT_TRUE(client.waitForEnd());
-  }
-  EXPECT_EQ(m_script.startedCount(), 0U);
-}
-
-TEST_F(HttpServerTest, NoiseInsteadOfARequestIsRefused) {
-  for (const auto* noise :
-       {"\x16\x03\x01\x02\x01\x01\r\n\r\n", "GET\r\n\r\n", "GET / HTTP/9.9\r\n\r\n",
-        "GET /health HTTP/1.1\r\nno colon here\r\n\r\n"}) {
-    const auto status = ask(noise).status;
-    EXPECT_TRUE(status == 400 || status == 505) << status;
-  }
-}
-
-TEST_F(HttpServerTest, AHeadThatIsTooLongIsRefused) {
-  m_settings.limits.headerBytes = 1024;
-  EXPECT_EQ(ask("GET", "/health", "X: " + std::string(900, 'x') + "\r\n").status, 200);
-  EXPECT_EQ(ask("GET", "/health", "X: " + std::string(1100, 'x') + "\r\n").status, 431);
-}
-
-TEST_F(HttpServerTest, AHeadThatTricklesIsCutOff) {
-  m_settings.limits.headerTime = 200ms;
-  RawClient client(service().port());
-  ASSERT_TRUE(client.send("GET /health HTTP/1.1\r\nX: "));
-  EXPECT_TRUE(eventually([&] { return !client.send("x"); }));
-}
-
-TEST_F(HttpServerTest, ABodyThatTricklesIsCutOff) {
-  m_settings.limits.bodyTime = 200ms;
-  RawClient client(service().port());
-  ASSERT_TRUE(client.send("POST /desktop/dictate HTTP/1.1\r\nHost: x\r\n" + authorization() +
-                          "Content-Length: 10000000\r\n\r\n"));
-  EXPECT_TRUE(eventually([&] { return !client.send("x"); }));
-  EXPECT_THAT(service().stop(), HasSubstr("POST /desktop/dictate 408"));
-}
-
-TEST_F(HttpServerTest, AConnectionThatSaysNothingIsClosed) {
-  m_settings.limits.idleTime = 50ms;
-  EXPECT_TRUE(RawClient(service().port()).waitForEnd());
-}
-
-TEST_F(HttpServerTest, ABodyThatEndsEarlyHarmsNobody) {
-  {
-    RawClient client(service().port());
-    ASSERT_TRUE(client.send("POST /desktop/dictate HTTP/1.1\r\nHost: x\r\n" + authorization() +
-                            "Content-Length: 1000\r\n\r\nRIFF"));
-  }
-  EXPECT_EQ(ask(service().post(dictate, m_wav)).status, 200);
-  EXPECT_EQ(m_script.startedCount(), 1U);
-}
-
-TEST_F(HttpServerTest, AReaderThatNeverReadsIsCutOff) {
-  m_settings.limits.answerTime = 200ms;
-  RawClient client(service().port());
-  const auto batch = [&] {
-    std::string text;
-    for (int index = 0; index < 1000; ++index) text += "GET /health HTTP/1.1\r\nHost: x\r\n\r\n";
-    return text;
-  }();
-  // The answers fill both sockets' buffers, and then the server's patience ends.
-  while (client.send(batch)) {
-  }
-  EXPECT_TRUE(client.waitForEnd());
-  EXPECT_EQ(ask("GET", "/health").status, 200);
-}
-
-TEST_F(HttpServerTest, OneConnectionAboveTheLimitIsTurnedAway) {
-  m_settings.limits.connections = 2;
-  RawClient first(service().port());
-  RawClient second(service().port());
-  const std::string_view health = "GET /health HTTP/1.1\r\nHost: x\r\n\r\n";
-  ASSERT_TRUE(first.exchange(health) && second.exchange(health));
-  RawClient third(service().port());
-  const auto refused = third.read();
-  ASSERT_TRUE(refused);
-  EXPECT_EQ(refused->status, 503);
-  EXPECT_TRUE(third.waitForEnd());
-  first.close();
-  EXPECT_TRUE(eventually([&] { return ask(health).status == 200; }));
 }
 
 TEST_F(HttpServerTest, ManyClientsAtOnceAreAllAnswered) {
