@@ -10,7 +10,7 @@ using namespace Qt::Literals::StringLiterals;
 namespace vemo {
 
 QStringList SoundServer::microphoneModules() {
-  return {u"module-null-sink sink_name=mic"_s,
+  return {u"module-null-sink sink_name=mic norewinds=1"_s,
           u"module-remap-source master=mic.monitor source_name=virtmic"_s};
 }
 
@@ -36,6 +36,14 @@ void SoundServer::start() {
   for (const QString& module : m_modules) arguments << u"--load="_s + module;
   arguments << u"--load=module-native-protocol-unix auth-anonymous=1 socket="_s +
                    m_folder.filePath(u"native"_s);
+  // Two servers can't share a bus, which would be found in the run-time folder, or their own
+  // folders.
+  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+  environment.remove(u"DBUS_SESSION_BUS_ADDRESS"_s);
+  environment.insert(u"XDG_RUNTIME_DIR"_s, m_folder.path());
+  environment.insert(u"PULSE_RUNTIME_PATH"_s, m_folder.filePath(u"runtime"_s));
+  environment.insert(u"PULSE_STATE_PATH"_s, m_folder.filePath(u"state"_s));
+  m_process.setProcessEnvironment(environment);
   m_process.setStandardErrorFile(QProcess::nullDevice());
   m_process.setStandardOutputFile(QProcess::nullDevice());
   m_process.start(u"pulseaudio"_s, arguments);
@@ -43,7 +51,7 @@ void SoundServer::start() {
 
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
   while (control({u"info"_s}).isEmpty()) {
-    ASSERT_EQ(m_process.state(), QProcess::Running);
+    ASSERT_FALSE(m_process.waitForFinished(20)) << "the sound server ended";
     ASSERT_LT(std::chrono::steady_clock::now(), deadline) << "the sound server doesn't answer";
   }
   if (m_modules == microphoneModules()) control({u"set-default-source"_s, u"virtmic"_s});
@@ -79,6 +87,7 @@ QString SoundServer::load(const QString& module) const {
 }
 
 void SoundServer::signal(int number) const {
+  ASSERT_GT(m_process.processId(), 0) << "the sound server isn't running";
   ASSERT_EQ(::kill(static_cast<pid_t>(m_process.processId()), number), 0);
 }
 
