@@ -43,7 +43,7 @@ class TroubleTest(unittest.TestCase):
                 return status.startswith("error")
             wait_until(has_failed, f"an error to show; the states were {seen}")
             self.assertEqual(self.vemo.status(), f"error: {message}")
-            wait_until(lambda: self.vemo.status() == "idle", "Vemo to be idle again")
+            wait_until(self.vemo.is_idle, "Vemo to be idle again")
             self.assertFalse(owner.has_lost_it())
             self.assertEqual(contents(), [("UTF8_STRING", b"untouched")])
         self.assertEqual(self.editor.text(), "")
@@ -112,7 +112,7 @@ class AnswersOfTheServerTest(TroubleTest):
     def test_an_answer_without_words_pastes_nothing(self):
         self.server.answers = [transcription("")]
         self.vemo.dictate()
-        wait_until(lambda: self.server.requests and self.vemo.status() == "idle", "Vemo to be idle again")
+        wait_until(lambda: self.server.requests and self.vemo.is_idle(), "Vemo to be idle again")
         self.assertEqual(self.editor.text(), "")
 
 
@@ -159,7 +159,7 @@ class SignInTest(TroubleTest):
         self.start_vemo()
         self.vemo.command("start")
         self.vemo.await_logged("recording blocked — user not signed in")
-        self.assertEqual(self.vemo.status(), "idle")
+        self.assertEqual(self.vemo.status(), "idle: Sign in to connect")
         self.assertEqual(self.server.requests, [])
 
     def test_the_token_goes_with_the_request(self):
@@ -189,7 +189,7 @@ class DiskTest(TroubleTest):
 
         self.start_vemo(prepare_home=fill_disk)
         self.assert_dictation_works()
-        wait_until(lambda: self.vemo.status() == "idle", "Vemo to be idle again")
+        wait_until(self.vemo.is_idle, "Vemo to be idle again")
         self.assertIn("[Vemo]", self.vemo.output.read_text())
 
     def test_a_log_that_is_a_link_is_not_written_through(self):

@@ -74,7 +74,7 @@ class Vemo:
             self.process = subprocess.Popen([*self.wrapper, program("vemo")], env=self.environment,
                                             stdin=subprocess.DEVNULL, stdout=output, stderr=subprocess.STDOUT)
         try:
-            wait_until(lambda: self.status() == "idle", "Vemo to be idle")
+            wait_until(self.is_idle, "Vemo to be idle")
         except BaseException:
             self.__exit__()
             raise
@@ -100,6 +100,10 @@ class Vemo:
             raise AssertionError(f"Vemo ended with {self.process.returncode}:\n{self.output.read_text()}")
         return self.command("status")
 
+    def is_idle(self):
+        """Idle it also is while something bars the next dictation; the status then says what."""
+        return self.status().split(":")[0] == "idle"
+
     def logged(self, words):
         """How many lines of the log hold the words."""
         try:
@@ -114,7 +118,7 @@ class Vemo:
     def start(self):
         """Begins a dictation. A start that follows a stop too closely is dropped, so it asks again."""
         def recording():
-            if self.status() == "idle":
+            if self.is_idle():
                 self.command("start")
             return self.status() == "recording"
         wait_until(recording, "Vemo to record")

@@ -260,6 +260,8 @@ class VirtualDesktop:
         self._start_part("pulseaudio", [
             "pulseaudio", "-n", "--exit-idle-time=-1", "--daemonize=no", "--use-pid-file=no",
             "--realtime=no", "--high-priority=no",
+            # A sink of its own for what programs play by default, so that a cue isn't heard as speech.
+            "--load=module-null-sink sink_name=speakers",
             "--load=module-null-sink sink_name=mic norewinds=1",
             "--load=module-remap-source master=mic.monitor source_name=virtmic",
             f"--load=module-native-protocol-unix socket={socket} auth-anonymous=1"])
@@ -268,7 +270,7 @@ class VirtualDesktop:
         socket = self.runtime / "pulse-native"
         self._await_part("pulseaudio", socket.exists)
         self._await_part("pulseaudio", lambda: self.output("pactl", "set-default-source", "virtmic") is not None)
-        self._await_part("pulseaudio", lambda: self.output("pactl", "set-default-sink", "mic") is not None)
+        self._await_part("pulseaudio", lambda: self.output("pactl", "set-default-sink", "speakers") is not None)
         self._await_part("pulseaudio", lambda: self.output("pactl", "get-default-source") == "virtmic")
 
     def _start_keyring(self):
