@@ -97,7 +97,10 @@ void QtHttpTransfer::watch() {
   connect(m_reply, &QNetworkReply::socketStartedConnecting, this, onProgress);
   connect(m_reply, &QNetworkReply::encrypted, this, onProgress);
   connect(m_reply, &QNetworkReply::requestSent, this, onProgress);
-  connect(m_reply, &QNetworkReply::uploadProgress, this, onProgress);
+  connect(m_reply, &QNetworkReply::uploadProgress, this, [this](qint64 sent) {
+    m_silence.start();
+    if (sent > 0) m_hasSentBody = true;
+  });
   connect(m_reply, &QNetworkReply::metaDataChanged, this, onProgress);
   connect(m_reply, &QNetworkReply::readyRead, this, [this] {
     m_silence.start();
@@ -130,7 +133,10 @@ void QtHttpTransfer::finish() {
   takeBody();
   if (m_result.isComplete()) return;
   m_hasRunItsCourse = true;
-  const auto error = m_reply->error();
+  auto error = m_reply->error();
+  // A connection that breaks while the body goes out has no error of its own in Qt.
+  if (error == QNetworkReply::UnknownNetworkError && m_hasSentBody)
+    error = QNetworkReply::RemoteHostClosedError;
   if (error == QNetworkReply::NoError || isJustTheStatus(error, status().value_or(0)))
     complete(HttpResponse{.status = status(), .body = std::move(m_body)});
   else

@@ -46,6 +46,7 @@ class QtHttpTransfer : public QObject {
   QByteArray m_body;
   QTimer m_silence;
   QTimer m_limit;
+  bool m_hasSentBody = false;
   bool m_hasRunItsCourse = false;
 };
 

@@ -143,6 +143,14 @@ TEST_F(QtHttpSessionTest, AServerThatClosesAtOnceIsALostConnection) {
   EXPECT_EQ(send(post(closing.url(u"/"_s))).error(), UrlError::NetworkConnectionLost);
 }
 
+TEST_F(QtHttpSessionTest, AnUploadWhoseConnectionIsResetIsALostConnection) {
+  const TestHttpServer resetting(TestHttpServer::Manner::ResetsOnFirstBytes);
+  for (const qsizetype size : {100'000, 20'000'000}) {
+    EXPECT_EQ(send(post(resetting.url(u"/"_s), QByteArray(size, 'u'))).error(),
+              UrlError::NetworkConnectionLost);
+  }
+}
+
 TEST_F(QtHttpSessionTest, ARefusedConnectionCannotConnect) {
   QTcpServer unused;
   ASSERT_TRUE(unused.listen(QHostAddress::LocalHost));

@@ -138,6 +138,9 @@ void TestHttpServer::accept(QTcpSocket* socket) {
     case Manner::NeverReads:
       socket->setReadBufferSize(1024);
       break;
+    case Manner::ResetsOnFirstBytes:
+      QObject::connect(socket, &QTcpSocket::readyRead, socket, [socket] { reset(socket); });
+      break;
   }
 }
 

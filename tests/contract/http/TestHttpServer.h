@@ -37,7 +37,7 @@ namespace vemo {
 class TestHttpServer {
  public:
   /// How it treats connections before it has read a request from them.
-  enum class Manner { Answers, ClosesAtOnce, NeverReads };
+  enum class Manner { Answers, ClosesAtOnce, NeverReads, ResetsOnFirstBytes };
 
   struct Request {
     QByteArray head;  ///< up to the empty line
