@@ -17,6 +17,7 @@ constexpr std::size_t greatestBlock = 4096;  ///< frames
 QString messageOf(PulseError error) {
   switch (error) {
     case PulseError::NotReachable:
+    case PulseError::ConnectionLost:
       return u"Sound server not available"_s;
     case PulseError::NotAnswering:
       return u"Sound server not answering"_s;

@@ -39,6 +39,28 @@ void takeSourceInfo(pa_context*, const pa_source_info* info, int end, void* data
     inquiry.sources.push_back(PulseSource::of(*info));
 }
 
+std::expected<std::optional<PulseSource>, PulseError> askOnce(PulseServer& server,
+                                                              PulseServer::Deadline deadline) {
+  if (!server.waitUntilConnected(deadline)) return std::unexpected(PulseError::NotReachable);
+
+  Inquiry inquiry{.server = server, .defaultName = {}, .sources = {}};
+  PulseOperation serverInfo;
+  PulseOperation sourceInfo;
+  {
+    const PulseServer::Lock lock(server);
+    if (!server.isAlive()) return std::unexpected(PulseError::ConnectionLost);
+    serverInfo.reset(pa_context_get_server_info(server.context(), takeServerInfo, &inquiry));
+    sourceInfo.reset(pa_context_get_source_info_list(server.context(), takeSourceInfo, &inquiry));
+  }
+  server.waitUntil(deadline, [&] { return inquiry.openAnswers == 0 || !server.isAlive(); });
+
+  const PulseServer::Lock lock(server);
+  serverInfo.reset();
+  sourceInfo.reset();
+  if (inquiry.openAnswers == 0) return chooseMicrophone(inquiry.sources, inquiry.defaultName);
+  return std::unexpected(server.isAlive() ? PulseError::NotAnswering : PulseError::ConnectionLost);
+}
+
 }  // namespace
 
 PulseSource PulseSource::of(const pa_source_info& info) {
@@ -65,24 +87,10 @@ std::optional<PulseSource> chooseMicrophone(std::span<const PulseSource> sources
 
 std::expected<std::optional<PulseSource>, PulseError> lookUpMicrophone(
     PulseServer& server, PulseServer::Deadline deadline) {
-  if (!server.waitUntilConnected(deadline)) return std::unexpected(PulseError::NotReachable);
-
-  Inquiry inquiry{.server = server, .defaultName = {}, .sources = {}};
-  PulseOperation serverInfo;
-  PulseOperation sourceInfo;
-  {
-    const PulseServer::Lock lock(server);
-    if (!server.isAlive()) return std::unexpected(PulseError::NotReachable);
-    serverInfo.reset(pa_context_get_server_info(server.context(), takeServerInfo, &inquiry));
-    sourceInfo.reset(pa_context_get_source_info_list(server.context(), takeSourceInfo, &inquiry));
-  }
-  server.waitUntil(deadline, [&] { return inquiry.openAnswers == 0 || !server.isAlive(); });
-
-  const PulseServer::Lock lock(server);
-  serverInfo.reset();
-  sourceInfo.reset();
-  if (inquiry.openAnswers > 0) return std::unexpected(PulseError::NotAnswering);
-  return chooseMicrophone(inquiry.sources, inquiry.defaultName);
+  // A server that was restarted since the last use may show as a connection that breaks only now.
+  auto answer = askOnce(server, deadline);
+  if (!answer && answer.error() == PulseError::ConnectionLost) answer = askOnce(server, deadline);
+  return answer;
 }
 
 InputTransport transportOf(const PulseSource& source) {

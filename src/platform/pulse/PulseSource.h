@@ -27,7 +27,7 @@ struct PulseSource {
   static PulseSource of(const pa_source_info& info);
 };
 
-enum class PulseError { NotReachable, NotAnswering };
+enum class PulseError { NotReachable, ConnectionLost, NotAnswering };
 
 /// The default source; where that is a monitor or there is none, the first source that is none.
 /// Nothing when every source is a monitor.

@@ -87,7 +87,8 @@ TEST_F(PulseAudioInputTest, TheSourcesOwnRateAndChannelsAreTaken) {
         Case{u"format=u8 rate=8000 channels=1"_s, {8000, 1, SampleType::Int16}},
         Case{u"format=s16le rate=16000 channels=1"_s, {16000, 1, SampleType::Int16}},
         Case{u"format=float32le rate=192000 channels=2"_s, {192000, 2, SampleType::Float32}}}) {
-    const QString sink = soundServer.load(u"module-null-sink sink_name=other "_s + one.arguments);
+    const QString sink =
+        soundServer.load(u"module-null-sink norewinds=1 sink_name=other "_s + one.arguments);
     const QString source =
         soundServer.load(u"module-remap-source master=other.monitor source_name=othermic"_s);
     soundServer.control({u"set-default-source"_s, u"othermic"_s});
@@ -114,7 +115,7 @@ TEST_F(PulseAudioInputTest, BlocksAreShortEnoughForAQuickStart) {
 TEST_F(PulseAudioInputTest, ADefaultThatChangesIsPickedUpAtTheNextStart) {
   soundServer.start();
   ASSERT_TRUE(recordHalfASecond());
-  soundServer.load(u"module-null-sink sink_name=other rate=32000 channels=1"_s);
+  soundServer.load(u"module-null-sink norewinds=1 sink_name=other rate=32000 channels=1"_s);
   soundServer.load(u"module-remap-source master=other.monitor source_name=othermic"_s);
   ASSERT_TRUE(recorder.start());
   soundServer.control({u"set-default-source"_s, u"othermic"_s});

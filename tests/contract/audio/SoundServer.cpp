@@ -15,7 +15,7 @@ QStringList SoundServer::microphoneModules() {
 }
 
 QStringList SoundServer::monitorAlone() {
-  return {u"module-null-sink sink_name=speakers"_s};
+  return {u"module-null-sink sink_name=speakers norewinds=1"_s};
 }
 
 SoundServer::SoundServer(QStringList modules) : m_modules(std::move(modules)) {
