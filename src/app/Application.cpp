@@ -183,6 +183,14 @@ std::expected<std::unique_ptr<Application>, QString> Application::create(
 }
 
 std::optional<QString> Application::start() {
+  // The name comes before everything that another instance may be writing to.
+  auto bus = BusRemoteControl::create();
+  if (!bus) {
+    return bus.error() == BusNameError::Taken ? u"Vemo is already running."_s
+                                              : u"Vemo needs a D-Bus session bus."_s;
+  }
+  m_bus = *std::move(bus);
+
   m_base = std::make_unique<Base>();
   m_base->debugLog.purgeLegacyLogIfNeeded(m_base->settings);
   config::migrateToggleHotkeyIfNeeded(m_base->settings, m_base->debugLog);
@@ -190,14 +198,8 @@ std::optional<QString> Application::start() {
   m_desktop = Desktop::create(m_base->mainThread);
   if (!m_desktop) return u"Vemo needs an X server with XFixes, XTest and XInput 2."_s;
   m_program = std::make_unique<Program>(*m_base, *m_desktop, m_configuration);
-
-  auto bus = BusRemoteControl::create(m_program->remoteControl);
-  if (!bus) {
-    return bus.error() == BusNameError::Taken ? u"Vemo is already running."_s
-                                              : u"Vemo needs a D-Bus session bus."_s;
-  }
-  m_bus = *std::move(bus);
   m_program->appState.bootstrap();
+  m_bus->serve(m_program->remoteControl);
   return std::nullopt;
 }
 

@@ -1,6 +1,8 @@
 // The program: the resident one, or the command line that reaches it.
 
+#include <fcntl.h>
 #include <sys/resource.h>
+#include <unistd.h>
 
 #include <QGuiApplication>
 #include <cstdio>
@@ -31,6 +33,14 @@ void forbidCoreFiles() {
   setrlimit(RLIMIT_CORE, &oneByte);
 }
 
+/// A standard descriptor that the caller left closed would be taken by the next file opened, and
+/// what is printed would go there.
+void openStandardDescriptors() {
+  int descriptor = open("/dev/null", O_RDWR | O_CLOEXEC);
+  while (descriptor >= 0 && descriptor <= STDERR_FILENO) descriptor = dup(descriptor);
+  if (descriptor > STDERR_FILENO) close(descriptor);
+}
+
 int runResident(int argc, char** argv) {
   forbidCoreFiles();
   TerminationSignals::block();
@@ -59,6 +69,7 @@ int runRemote(int argc, char** argv, const QString& command) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  openStandardDescriptors();
   QStringList arguments;
   for (int i = 1; i < argc; ++i) arguments.append(QString::fromLocal8Bit(argv[i]));
   const auto commandLine = parseCommandLine(arguments);

@@ -15,13 +15,6 @@ const SettingValue* Settings::find(const QString& name) const {
   return found == m_values.end() ? nullptr : &found->second;
 }
 
-Settings::Observation Settings::observe(std::function<void(const QString& name)> onChange) {
-  auto observer = std::make_shared<std::function<void(const QString&)>>(std::move(onChange));
-  std::erase_if(m_observers, [](const auto& known) { return known.expired(); });
-  m_observers.push_back(observer);
-  return observer;
-}
-
 void Settings::waitUntilWritten() {
   m_writer.waitUntilIdle();
 }
@@ -30,20 +23,14 @@ void Settings::store(const QString& name, SettingValue value) {
   const auto [stored, isNew] = m_values.try_emplace(name, value);
   if (!isNew && stored->second == value) return;
   stored->second = std::move(value);
-  changed(name);
+  save();
+  changed.notify(name);
 }
 
 void Settings::erase(const QString& name) {
-  if (m_values.erase(name) > 0) changed(name);
-}
-
-void Settings::changed(const QString& name) {
+  if (m_values.erase(name) == 0) return;
   save();
-  // An observer may change settings, and add or drop observers.
-  const auto observers = m_observers;
-  for (const auto& known : observers) {
-    if (const auto observer = known.lock()) (*observer)(name);
-  }
+  changed.notify(name);
 }
 
 void Settings::save() {

@@ -19,6 +19,7 @@
 #include <optional>
 #include <vector>
 
+#include "base/Notifier.h"
 #include "base/SerialQueue.h"
 #include "storage/SettingValue.h"
 #include "storage/SettingsFile.h"
@@ -73,12 +74,9 @@ class Settings {
   /// The value under a name, of whatever type; null when there is none.
   const SettingValue* find(const QString& name) const;
 
-  /// Stops calling the observer when it is destroyed.
-  using Observation = std::shared_ptr<void>;
-
-  /// Calls `onChange` with the name after each change of a stored value, inside set() or remove().
-  /// Writing the value that is already there is no change.
-  [[nodiscard]] Observation observe(std::function<void(const QString& name)> onChange);
+  /// Tells the name after each change of a stored value, inside set() or remove(). Writing the
+  /// value that is already there is no change.
+  Notifier<QString> changed;
 
   /// Blocks until every change so far has reached the disk or failed to.
   void waitUntilWritten();
@@ -86,13 +84,11 @@ class Settings {
  private:
   void store(const QString& name, SettingValue value);
   void erase(const QString& name);
-  void changed(const QString& name);
   void save();
   void writeLatest();  ///< on the writer's thread
 
   SettingsFile m_file;
   SettingValues m_values;
-  std::vector<std::weak_ptr<std::function<void(const QString&)>>> m_observers;
 
   std::mutex m_unwrittenMutex;
   std::optional<SettingValues> m_unwritten;  ///< what the queued write takes

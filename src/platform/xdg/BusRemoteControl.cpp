@@ -35,26 +35,25 @@ class BusRemoteControl::Adaptor : public QObject {
   RemoteControl& m_control;
 };
 
-BusRemoteControl::BusRemoteControl(std::unique_ptr<Adaptor> adaptor)
-    : m_adaptor(std::move(adaptor)) {}
+BusRemoteControl::BusRemoteControl() = default;
 
 BusRemoteControl::~BusRemoteControl() {
   auto bus = QDBusConnection::sessionBus();
   bus.unregisterService(busName);
-  bus.unregisterObject(objectPath);
+  if (m_adaptor) bus.unregisterObject(objectPath);
 }
 
-std::expected<std::unique_ptr<BusRemoteControl>, BusNameError> BusRemoteControl::create(
-    RemoteControl& control) {
+std::expected<std::unique_ptr<BusRemoteControl>, BusNameError> BusRemoteControl::create() {
   auto bus = QDBusConnection::sessionBus();
   if (!bus.isConnected()) return std::unexpected(BusNameError::NoBus);
-  auto adaptor = std::make_unique<Adaptor>(control);
-  bus.registerObject(objectPath, adaptor.get(), QDBusConnection::ExportAllSlots);
-  if (!bus.registerService(busName)) {
-    bus.unregisterObject(objectPath);
-    return std::unexpected(BusNameError::Taken);
-  }
-  return std::unique_ptr<BusRemoteControl>(new BusRemoteControl(std::move(adaptor)));
+  if (!bus.registerService(busName)) return std::unexpected(BusNameError::Taken);
+  return std::unique_ptr<BusRemoteControl>(new BusRemoteControl);
+}
+
+void BusRemoteControl::serve(RemoteControl& control) {
+  m_adaptor = std::make_unique<Adaptor>(control);
+  QDBusConnection::sessionBus().registerObject(objectPath, m_adaptor.get(),
+                                               QDBusConnection::ExportAllSlots);
 }
 
 std::expected<QString, QString> sendCommand(const QString& command) {
@@ -65,6 +64,8 @@ std::expected<QString, QString> sendCommand(const QString& command) {
   if (answer.type() == QDBusMessage::ErrorMessage) {
     if (answer.errorName() == u"org.freedesktop.DBus.Error.ServiceUnknown")
       return std::unexpected(u"Vemo isn't running."_s);
+    if (answer.errorName() == u"org.freedesktop.DBus.Error.UnknownObject")
+      return std::unexpected(u"Vemo is still starting."_s);
     return std::unexpected(u"Vemo doesn't answer: "_s + answer.errorMessage());
   }
   return answer.arguments().value(0).toString();

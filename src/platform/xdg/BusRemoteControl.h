@@ -17,17 +17,19 @@ enum class BusNameError {
   Taken,  ///< another instance runs
 };
 
-/// Exports a RemoteControl as long as it lives.
+/// Owns the name as long as it lives.
 class BusRemoteControl {
  public:
-  /// Takes the name; commands are answered from then on.
-  static std::expected<std::unique_ptr<BusRemoteControl>, BusNameError> create(
-      RemoteControl& control);
+  /// Takes the name, which no other instance can have then.
+  static std::expected<std::unique_ptr<BusRemoteControl>, BusNameError> create();
   ~BusRemoteControl();
+
+  /// Answers commands from now on. `control` outlives this object.
+  void serve(RemoteControl& control);
 
  private:
   class Adaptor;
-  explicit BusRemoteControl(std::unique_ptr<Adaptor> adaptor);
+  BusRemoteControl();
 
   std::unique_ptr<Adaptor> m_adaptor;
 };

@@ -55,9 +55,15 @@ TEST_F(BusRemoteControlTest, WithoutARunningProgramTheCommandSaysSo) {
   EXPECT_EQ(send(u"toggle"_s).error(), u"Vemo isn't running."_s);
 }
 
+TEST_F(BusRemoteControlTest, AProgramThatHasTheNameAndServesNothingYetIsStillStarting) {
+  const auto bus = BusRemoteControl::create();
+  EXPECT_EQ(send(u"toggle"_s).error(), u"Vemo is still starting."_s);
+}
+
 TEST_F(BusRemoteControlTest, CommandsReachTheProgramAndBringItsAnswerBack) {
-  const auto bus = BusRemoteControl::create(control);
+  const auto bus = BusRemoteControl::create();
   ASSERT_TRUE(bus);
+  (*bus)->serve(control);
   EXPECT_EQ(send(u"toggle"_s), u"toggle done"_s);
   EXPECT_EQ(send(u"start"_s), u"start done"_s);
   EXPECT_EQ(send(u"stop"_s), u"stop done"_s);
@@ -67,7 +73,8 @@ TEST_F(BusRemoteControlTest, CommandsReachTheProgramAndBringItsAnswerBack) {
 }
 
 TEST_F(BusRemoteControlTest, ACommandThatDoesNotExistIsAnErrorAndNoCall) {
-  const auto bus = BusRemoteControl::create(control);
+  const auto bus = BusRemoteControl::create();
+  (*bus)->serve(control);
   const auto answer = send(u"deleteLater"_s);
   ASSERT_FALSE(answer);
   EXPECT_TRUE(answer.error().startsWith(u"Vemo doesn't answer: "_s));
@@ -76,16 +83,16 @@ TEST_F(BusRemoteControlTest, ACommandThatDoesNotExistIsAnErrorAndNoCall) {
 
 TEST_F(BusRemoteControlTest, TheNameIsFreeAgainWhenTheProgramHasGone) {
   {
-    const auto bus = BusRemoteControl::create(control);
+    const auto bus = BusRemoteControl::create();
   }
   EXPECT_EQ(send(u"status"_s).error(), u"Vemo isn't running."_s);
-  EXPECT_TRUE(BusRemoteControl::create(control));
+  EXPECT_TRUE(BusRemoteControl::create());
 }
 
 TEST_F(BusRemoteControlTest, ANameThatAnotherProgramOwnsIsTaken) {
   auto other = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"other"_s);
   ASSERT_TRUE(other.registerService(u"brelmox.Vemo"_s));
-  const auto bus = BusRemoteControl::create(control);
+  const auto bus = BusRemoteControl::create();
   ASSERT_FALSE(bus);
   EXPECT_EQ(bus.error(), BusNameError::Taken);
   QDBusConnection::disconnectFromBus(u"other"_s);

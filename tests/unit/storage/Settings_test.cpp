@@ -167,7 +167,7 @@ TEST_F(SettingsTest, ALinkToAFileKeptElsewhereStaysALink) {
 TEST_F(SettingsTest, AnObserverHearsEveryChangeAndNothingElse) {
   Settings settings(file, debugLog);
   QStringList heard;
-  auto observation = settings.observe([&heard](const QString& name) { heard.append(name); });
+  auto observation = settings.changed.observe([&heard](const QString& name) { heard.append(name); });
   settings.set(keys::isEnabled, true);
   settings.set(keys::isEnabled, true);
   settings.remove(keys::authEmail);
@@ -181,8 +181,8 @@ TEST_F(SettingsTest, AnObserverHearsEveryChangeAndNothingElse) {
 
 TEST_F(SettingsTest, AnObserverMayChangeSettingsAndEndItself) {
   Settings settings(file, debugLog);
-  Settings::Observation observation;
-  observation = settings.observe([&](const QString&) {
+  Observation observation;
+  observation = settings.changed.observe([&](const QString&) {
     observation.reset();
     settings.set(keys::authEmail, u"changed inside"_s);
   });

@@ -119,7 +119,7 @@ TEST_F(TelemetryTest, AFirstDictationWhileSharingIsOffIsNeverToldLater) {
 TEST_F(TelemetryTest, TheMarkerOfTheFirstDictationIsSetBeforeTheEvent) {
   bool wasQueuedBefore = true;
   const auto observation =
-      settings.observe([&](const QString&) { wasQueuedBefore = !telemetry.queue().empty(); });
+      settings.changed.observe([&](const QString&) { wasQueuedBefore = !telemetry.queue().empty(); });
   telemetry.recordFirstDictation();
   EXPECT_FALSE(wasQueuedBefore);
   EXPECT_THAT(telemetry.queue(), SizeIs(1));
