@@ -66,13 +66,15 @@ std::unique_ptr<PasteKeystroke> X11KeyPoster::makePaste() {
   const auto control = findEither(keymap, XKB_KEY_Control_L, XKB_KEY_Control_R);
   if (!control) return nullptr;
   chord.modifiers.push_back(control->code);
+  chord.modifierMask |= XCB_MOD_MASK_CONTROL;
   if (isTerminalInFront(connection)) {
     const auto shift = findEither(keymap, XKB_KEY_Shift_L, XKB_KEY_Shift_R);
     if (!shift) return nullptr;
     chord.modifiers.push_back(shift->code);
+    chord.modifierMask |= XCB_MOD_MASK_SHIFT;
   }
 
-  const X11Keymap::Group group = m_keyboard->lockedGroup();
+  const X11Keymap::Group group = m_keyboard->locks().group;
   auto key = keymap.findKey(XKB_KEY_v, group);
   if (!key) key = keymap.lendKey(XKB_KEY_v, XKB_KEY_V, group);
   if (!key || !connection.isAlive()) return nullptr;

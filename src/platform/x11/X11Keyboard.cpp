@@ -42,6 +42,11 @@ X11Keyboard::X11Keyboard(std::unique_ptr<X11Connection> connection,
   m_connection->synchronize();
 }
 
+// What is taken down after this speaks to the server and must not be told of events.
+X11Keyboard::~X11Keyboard() {
+  m_connection->setEventHandler({});
+}
+
 X11Keyboard::Keys X11Keyboard::pressedKeys() {
   const auto request = xcb_query_keymap(m_connection->xcb());
   const auto answer = m_connection->reply<xcb_query_keymap_reply_t>(request.sequence);
@@ -63,15 +68,16 @@ ModifierFlags X11Keyboard::heldModifiers() {
   return flags;
 }
 
-X11Keymap::Group X11Keyboard::lockedGroup() {
+X11Keyboard::Locks X11Keyboard::locks() {
   const auto state = m_connection->reply<xcb_xkb_get_state_reply_t>(
       xcb_xkb_get_state(m_connection->xcb(), XCB_XKB_ID_USE_CORE_KBD).sequence);
-  return state ? state->lockedGroup : 0;
+  if (!state) return {};
+  return {state->lockedGroup, state->lockedMods};
 }
 
 void X11Keyboard::pressChord(const KeyChord& chord) {
   m_connection->processEvents();
-  const X11Keymap::Group group = lockedGroup();
+  const Locks before = locks();
   const bool hasGroups = m_keymap->groupCount() > 1;
   watchUsersKeys(true);
   m_usersKeys = pressedKeys();
@@ -92,10 +98,12 @@ void X11Keyboard::pressChord(const KeyChord& chord) {
   xcb_xkb_latch_lock_state(m_connection->xcb(), XCB_XKB_ID_USE_CORE_KBD, 0, 0, 0, 0, allModifiers,
                            0, 0);
   for (const xcb_keycode_t code : chord.modifiers) post(Strike::Press, code);
-  // Control and Shift together may be the user's key for switching layouts.
-  if (hasGroups) lockGroup(chord.key.group);
+  // Where Control and Shift together switch layouts, the second of them acts as that switch and not
+  // as a modifier. So the key is struck with its group and the modifiers locked in.
+  const std::uint8_t lacking = chord.modifierMask & ~before.modifiers;
+  if (hasGroups) lock(chord.key.group, lacking, lacking);
   post(Strike::Press, chord.key.code);
-  if (hasGroups) lockGroup(group);
+  if (hasGroups) lock(before.group, lacking, 0);
   m_connection->flush();
 }
 
@@ -127,9 +135,10 @@ void X11Keyboard::post(Strike strike, xcb_keycode_t code) {
   xcb_no_operation(m_connection->xcb());
 }
 
-void X11Keyboard::lockGroup(X11Keymap::Group group) {
-  xcb_xkb_latch_lock_state(m_connection->xcb(), XCB_XKB_ID_USE_CORE_KBD, 0, 0, 1,
-                           static_cast<std::uint8_t>(group), 0, 0, 0);
+void X11Keyboard::lock(X11Keymap::Group group, std::uint8_t affectedModifiers,
+                       std::uint8_t modifiers) {
+  xcb_xkb_latch_lock_state(m_connection->xcb(), XCB_XKB_ID_USE_CORE_KBD, affectedModifiers,
+                           modifiers, 1, static_cast<std::uint8_t>(group), 0, 0, 0);
 }
 
 void X11Keyboard::watchUsersKeys(bool isWatching) {

@@ -21,6 +21,7 @@ namespace vemo {
 /// Modifier keys, and the key that is struck while they are down.
 struct KeyChord {
   std::vector<xcb_keycode_t> modifiers;
+  std::uint8_t modifierMask = 0;  ///< the real modifiers that they stand for
   X11Keymap::Key key;
 };
 
@@ -28,6 +29,7 @@ class X11Keyboard {
  public:
   /// Null without a server, or with one that lacks XTest, XInput 2.2 or XKB.
   static std::shared_ptr<X11Keyboard> create(const QByteArray& displayName);
+  ~X11Keyboard();
   X11Keyboard(const X11Keyboard&) = delete;
   X11Keyboard& operator=(const X11Keyboard&) = delete;
 
@@ -35,7 +37,12 @@ class X11Keyboard {
   X11Keymap& keymap() { return *m_keymap; }
 
   ModifierFlags heldModifiers();
-  X11Keymap::Group lockedGroup();
+  /// What stays in force without a key being held.
+  struct Locks {
+    X11Keymap::Group group = 0;
+    std::uint8_t modifiers = 0;
+  };
+  Locks locks();
 
   /// Lifts the modifiers that are down and presses the chord.
   void pressChord(const KeyChord& chord);
@@ -51,7 +58,7 @@ class X11Keyboard {
 
   Keys pressedKeys();
   void post(Strike strike, xcb_keycode_t code);
-  void lockGroup(X11Keymap::Group group);
+  void lock(X11Keymap::Group group, std::uint8_t affectedModifiers, std::uint8_t modifiers);
   void watchUsersKeys(bool isWatching);
   void handleEvent(const xcb_generic_event_t& event);
   void handleUsersKey(Strike strike, xcb_keycode_t code);

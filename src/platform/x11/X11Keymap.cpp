@@ -53,8 +53,9 @@ X11Keymap::X11Keymap(X11Connection& connection, std::uint8_t xkbEvent, std::int3
       m_context(xkb_context_new(XKB_CONTEXT_NO_DEFAULT_INCLUDES)) {}
 
 X11Keymap::~X11Keymap() {
-  m_connection.processEvents();
-  if (!m_lentKey || !current() || symbolOf(*m_lentKey, 0) != m_lentSymbol) return;
+  if (!m_lentKey) return;
+  m_keymap.reset();
+  if (symbolOf(*m_lentKey, 0) != m_lentSymbol) return;
   const xcb_keysym_t none = XCB_NO_SYMBOL;
   xcb_change_keyboard_mapping(m_connection.xcb(), 1, *m_lentKey, 1, &none);
   m_connection.synchronize();

@@ -29,7 +29,7 @@ void VirtualUser::chooseLayout(const QString& layout, const QString& variant,
   QStringList arguments{u"-layout"_s, layout, u"-variant"_s, variant, u"-option"_s, QString()};
   if (!options.isEmpty()) arguments += {u"-option"_s, options};
   QProcess::execute(u"setxkbmap"_s, arguments);
-  m_connection->synchronize();
+  chooseGroup(0);
   m_connection->processEvents();
 }
 

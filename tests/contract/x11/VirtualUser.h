@@ -19,7 +19,7 @@ class VirtualUser {
   /// Lets go of what is still held and gives the keyboard its usual layout and locks again.
   ~VirtualUser();
 
-  /// Runs setxkbmap and waits until the layout is in force.
+  /// Runs setxkbmap; the first of several layouts is then in force.
   void chooseLayout(const QString& layout, const QString& variant = {},
                     const QString& options = {});
   void chooseGroup(unsigned int group);

@@ -1,0 +1,190 @@
+// The keyboard before, during and after a paste, with a user who holds modifiers and lets them go.
+#include "KeyPosterFixture.h"
+#include "contract/x11/PrivateServer.h"
+
+namespace vemo {
+namespace {
+
+using testing::IsEmpty;
+
+class X11KeyPosterModifiersTest : public KeyPosterFixture {
+ protected:
+  X11KeyPosterModifiersTest() { openTarget(); }
+};
+
+TEST_F(X11KeyPosterModifiersTest, APasteIsControlVAndLeavesNoKeyDown) {
+  paste();
+  EXPECT_EQ(pasteModifiers(), controlMask);
+  EXPECT_THAT(user.keysDown(), IsEmpty());
+  EXPECT_EQ(user.modifiersInForce(), 0U);
+}
+
+TEST_F(X11KeyPosterModifiersTest, TheTargetSeesTheKeyUpWithControlStillDown) {
+  paste();
+  ASSERT_TRUE(find(false));
+  EXPECT_EQ(find(false)->modifiers, controlMask);
+}
+
+TEST_F(X11KeyPosterModifiersTest, HeldModifiersDoNotReachTheTargetAndAreHeldAfterwards) {
+  for (const xkb_keysym_t key : {XKB_KEY_Shift_L, XKB_KEY_Shift_R, XKB_KEY_Alt_L, XKB_KEY_Super_L,
+                                 XKB_KEY_Control_L, XKB_KEY_Control_R}) {
+    openTarget();
+    user.press(key);
+    const auto keysBefore = user.keysDown();
+    const auto modifiersBefore = user.modifiersInForce();
+    paste();
+    EXPECT_EQ(pasteModifiers(), controlMask) << key;
+    EXPECT_EQ(user.keysDown(), keysBefore) << key;
+    EXPECT_EQ(user.modifiersInForce(), modifiersBefore) << key;
+    user.release(key);
+    EXPECT_THAT(user.keysDown(), IsEmpty()) << key;
+    EXPECT_EQ(user.modifiersInForce(), 0U) << key;
+  }
+}
+
+TEST_F(X11KeyPosterModifiersTest, SeveralHeldModifiersAreHeldAfterwards) {
+  user.press(XKB_KEY_Alt_L);
+  user.press(XKB_KEY_Shift_L);
+  user.press(XKB_KEY_Super_L);
+  const auto keysBefore = user.keysDown();
+  paste();
+  EXPECT_EQ(pasteModifiers(), controlMask);
+  EXPECT_EQ(user.keysDown(), keysBefore);
+}
+
+TEST_F(X11KeyPosterModifiersTest, AModifierLetGoDuringTheChordIsNotPressedAgain) {
+  user.press(XKB_KEY_Alt_L);
+  user.press(XKB_KEY_Super_L);
+  const auto keystroke = poster->makePaste();
+  ASSERT_TRUE(keystroke);
+  keystroke->press();
+  ASSERT_TRUE(waitForKeyDown());
+  user.release(XKB_KEY_Alt_L);
+  keystroke->release();
+  EXPECT_EQ(user.keysDown(), std::set{user.codeOf(XKB_KEY_Super_L)});
+  user.release(XKB_KEY_Super_L);
+  EXPECT_THAT(user.keysDown(), IsEmpty());
+}
+
+TEST_F(X11KeyPosterModifiersTest, AModifierLetGoAndPressedAgainDuringTheChordIsHeldAfterwards) {
+  user.press(XKB_KEY_Alt_L);
+  const auto keystroke = poster->makePaste();
+  ASSERT_TRUE(keystroke);
+  keystroke->press();
+  user.release(XKB_KEY_Alt_L);
+  user.press(XKB_KEY_Alt_L);
+  keystroke->release();
+  EXPECT_EQ(user.keysDown(), std::set{user.codeOf(XKB_KEY_Alt_L)});
+}
+
+TEST_F(X11KeyPosterModifiersTest, AModifierPressedDuringTheChordIsHeldAfterwards) {
+  const auto keystroke = poster->makePaste();
+  ASSERT_TRUE(keystroke);
+  keystroke->press();
+  user.press(XKB_KEY_Control_R);
+  keystroke->release();
+  EXPECT_EQ(user.keysDown(), std::set{user.codeOf(XKB_KEY_Control_R)});
+  user.release(XKB_KEY_Control_R);
+  EXPECT_THAT(user.keysDown(), IsEmpty());
+}
+
+TEST_F(X11KeyPosterModifiersTest, AModifierLetGoLongAfterThePasteDoesNotStick) {
+  user.press(XKB_KEY_Shift_L);
+  paste();
+  user.release(XKB_KEY_Shift_L);
+  EXPECT_THAT(user.keysDown(), IsEmpty());
+  target.reset();
+  openTarget();
+  paste();
+  EXPECT_EQ(pasteModifiers(), controlMask);
+  EXPECT_THAT(user.keysDown(), IsEmpty());
+}
+
+TEST_F(X11KeyPosterModifiersTest, DestroyingAPasteMidwayReleasesEverything) {
+  user.press(XKB_KEY_Alt_L);
+  auto keystroke = poster->makePaste();
+  ASSERT_TRUE(keystroke);
+  keystroke->press();
+  poster.reset();
+  keystroke.reset();
+  EXPECT_EQ(user.keysDown(), std::set{user.codeOf(XKB_KEY_Alt_L)});
+}
+
+TEST_F(X11KeyPosterModifiersTest, AHeldVStillPastes) {
+  user.press(XKB_KEY_v);
+  target.reset();
+  openTarget();
+  paste();
+  EXPECT_EQ(pasteModifiers(), controlMask);
+  user.release(XKB_KEY_v);
+  EXPECT_THAT(user.keysDown(), IsEmpty());
+}
+
+TEST_F(X11KeyPosterModifiersTest, LocksCountAsNoModifiersAndStayAsTheyAre) {
+  user.setLockedModifiers(lockMask | numLockMask, lockMask | numLockMask);
+  EXPECT_EQ(poster->heldModifiers(), 0U);
+  paste();
+  EXPECT_EQ(pasteModifiers(), controlMask | lockMask | numLockMask);
+  EXPECT_EQ(user.lockedModifiers(), lockMask | numLockMask);
+}
+
+TEST_F(X11KeyPosterModifiersTest, AHeldCapsLockKeyIsNotStruckAgain) {
+  user.press(XKB_KEY_Caps_Lock);
+  const unsigned int lockedBefore = user.lockedModifiers();
+  EXPECT_EQ(poster->heldModifiers(), 0U);
+  paste();
+  EXPECT_EQ(user.lockedModifiers(), lockedBefore);
+  user.release(XKB_KEY_Caps_Lock);
+  EXPECT_EQ(user.lockedModifiers(), lockedBefore);
+}
+
+TEST_F(X11KeyPosterModifiersTest, AnAltGrKeyIsNoOptionKeyAndDoesNotReachTheTarget) {
+  user.chooseLayout(QStringLiteral("de"));
+  user.press(XKB_KEY_ISO_Level3_Shift);
+  EXPECT_EQ(poster->heldModifiers(), 0U);
+  paste();
+  EXPECT_EQ(pasteModifiers(), controlMask);
+  EXPECT_EQ(user.keysDown(), std::set{user.codeOf(XKB_KEY_ISO_Level3_Shift)});
+  user.release(XKB_KEY_ISO_Level3_Shift);
+  EXPECT_EQ(user.modifiersInForce(), 0U);
+}
+
+TEST_F(X11KeyPosterModifiersTest, InATerminalAPasteIsControlShiftV) {
+  openTarget("XTerm");
+  paste();
+  EXPECT_EQ(pasteModifiers(), controlMask | shiftMask);
+  EXPECT_THAT(user.keysDown(), IsEmpty());
+}
+
+TEST_F(X11KeyPosterModifiersTest, InATerminalAHeldShiftIsHeldAfterwards) {
+  openTarget("XTerm");
+  user.press(XKB_KEY_Shift_L);
+  user.press(XKB_KEY_Alt_L);
+  const auto keysBefore = user.keysDown();
+  paste();
+  EXPECT_EQ(pasteModifiers(), controlMask | shiftMask);
+  EXPECT_EQ(user.keysDown(), keysBefore);
+}
+
+TEST_F(X11KeyPosterModifiersTest, WithoutAServerNoKeysCanBePosted) {
+  EXPECT_EQ(X11KeyPoster::create(":9876"), nullptr);
+  EXPECT_FALSE(canX11HearAndPostKeys(":9876"));
+  EXPECT_TRUE(canX11HearAndPostKeys());
+}
+
+TEST_F(X11KeyPosterModifiersTest, AServerThatDiesTakesNoPasteAndEndsNothing) {
+  PrivateServer server;
+  const auto doomed = X11KeyPoster::create(server.display());
+  ASSERT_TRUE(doomed);
+  const auto keystroke = doomed->makePaste();
+  ASSERT_TRUE(keystroke);
+  keystroke->press();
+  server.kill();
+  keystroke->release();
+  EXPECT_EQ(doomed->heldModifiers(), 0U);
+  EXPECT_EQ(doomed->makePaste(), nullptr);
+  EXPECT_FALSE(doomed->canPost());
+}
+
+}  // namespace
+}  // namespace vemo
