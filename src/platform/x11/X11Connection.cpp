@@ -6,6 +6,7 @@
 #include <QMetaObject>
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 
 namespace vemo {
 
@@ -18,6 +19,13 @@ constexpr std::chrono::seconds replyTimeout{2};
 constexpr uint32_t propertyPieceBytes = 8 * 1024 * 1024;
 
 }  // namespace
+
+std::vector<std::uint32_t> X11Property::numbers() const {
+  if (format != 32 || data.isEmpty()) return {};
+  std::vector<std::uint32_t> values(data.size() / sizeof(std::uint32_t));
+  std::memcpy(values.data(), data.constData(), values.size() * sizeof(std::uint32_t));
+  return values;
+}
 
 std::unique_ptr<X11Connection> X11Connection::create(const QByteArray& displayName) {
   int screenNumber = 0;

@@ -35,6 +35,9 @@ struct X11Property {
   xcb_atom_t type = XCB_ATOM_NONE;
   int format = 8;
   QByteArray data;
+
+  /// The 32-bit values; none when the format is another.
+  std::vector<std::uint32_t> numbers() const;
 };
 
 class X11Connection {

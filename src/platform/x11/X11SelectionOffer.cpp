@@ -1,7 +1,6 @@
 #include "platform/x11/X11SelectionOffer.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace vemo {
 
@@ -78,24 +77,22 @@ X11SelectionOffer::Conversion X11SelectionOffer::convert(xcb_window_t requestor,
 
 X11SelectionOffer::Conversion X11SelectionOffer::convertMultiple(xcb_window_t requestor,
                                                                  xcb_atom_t property) {
-  struct Pair {
-    xcb_atom_t target;
-    xcb_atom_t property;
-  };
   if (property == XCB_ATOM_NONE) return Conversion::Refused;
   const auto list = m_connection.property(requestor, property, X11Connection::AfterRead::Keep,
                                           maximumMultipleBytes);
   if (!list || list->format != 32) return Conversion::Refused;
 
-  std::vector<Pair> pairs(list->data.size() / sizeof(Pair));
-  std::memcpy(pairs.data(), list->data.constData(), pairs.size() * sizeof(Pair));
-  for (Pair& pair : pairs) {
-    const bool canConvert = pair.target != m_multiple && pair.property != XCB_ATOM_NONE;
-    if (!canConvert || convert(requestor, pair.target, pair.property) == Conversion::Refused)
-      pair.property = XCB_ATOM_NONE;
+  // Each pair is a target and the property for its answer.
+  std::vector<xcb_atom_t> pairs = list->numbers();
+  for (std::size_t i = 0; i + 1 < pairs.size(); i += 2) {
+    const xcb_atom_t target = pairs[i];
+    xcb_atom_t& answer = pairs[i + 1];
+    const bool canConvert = target != m_multiple && answer != XCB_ATOM_NONE;
+    if (!canConvert || convert(requestor, target, answer) == Conversion::Refused)
+      answer = XCB_ATOM_NONE;
   }
   xcb_change_property(m_connection.xcb(), XCB_PROP_MODE_REPLACE, requestor, property, list->type,
-                      32, static_cast<uint32_t>(pairs.size() * 2), pairs.data());
+                      32, static_cast<uint32_t>(pairs.size()), pairs.data());
   return Conversion::Done;
 }
 

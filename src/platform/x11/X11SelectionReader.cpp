@@ -1,7 +1,6 @@
 #include "platform/x11/X11SelectionReader.h"
 
 #include <algorithm>
-#include <cstring>
 #include <string_view>
 
 namespace vemo {
@@ -119,8 +118,8 @@ void X11SelectionReader::readTargets(const std::optional<X11Property>& targets) 
   m_stage = Stage::Contents;
   std::vector<xcb_atom_t> atoms;
   if (targets && targets->format == 32) {
-    atoms.resize(std::min<std::size_t>(targets->data.size() / sizeof(xcb_atom_t), maximumTargets));
-    std::memcpy(atoms.data(), targets->data.constData(), atoms.size() * sizeof(xcb_atom_t));
+    atoms = targets->numbers();
+    atoms.resize(std::min(atoms.size(), maximumTargets));
   } else {
     // Old programs hand out text without being able to say so.
     m_areTargetsGuessed = true;

@@ -1,7 +1,6 @@
 #include "platform/x11/X11Windows.h"
 
 #include <QSysInfo>
-#include <cstring>
 
 namespace vemo {
 
@@ -22,10 +21,7 @@ std::vector<uint32_t> X11Windows::numbers(xcb_window_t window, const QByteArray&
                                           xcb_atom_t type) {
   const auto value = m_connection.property(window, m_connection.atom(property),
                                            X11Connection::AfterRead::Keep, maximumListBytes);
-  if (!value || value->type != type || value->format != 32) return {};
-  std::vector<uint32_t> result(value->data.size() / sizeof(uint32_t));
-  std::memcpy(result.data(), value->data.constData(), result.size() * sizeof(uint32_t));
-  return result;
+  return value && value->type == type ? value->numbers() : std::vector<uint32_t>();
 }
 
 xcb_window_t X11Windows::active() {
@@ -66,7 +62,7 @@ std::optional<QString> X11Windows::text(xcb_window_t window, const QByteArray& p
   const auto value = m_connection.property(window, m_connection.atom(property),
                                            X11Connection::AfterRead::Keep, maximumTextBytes);
   if (!value || value->format != 8) return std::nullopt;
-  const QString result = decoded(value->data.left(value->data.indexOf('\0')));
+  const QString result = decoded(value->data.split('\0').constFirst());
   return result.isEmpty() ? std::nullopt : std::optional(result);
 }
 

@@ -23,9 +23,9 @@ using testing::SizeIs;
 class X11FocusedApplicationTest : public testing::Test {
  protected:
   X11FocusedApplicationTest() {
-    QFile file(folder.filePath(u"org.example.editor.desktop"_s));
+    QFile file(folder.filePath(u"org.example.scribe.desktop"_s));
     if (file.open(QIODevice::WriteOnly))
-      file.write("[Desktop Entry]\nType=Application\nName=The Editor\n");
+      file.write("[Desktop Entry]\nType=Application\nName=The Scribe\n");
   }
   /// Whether the application in front comes to have this identifier.
   bool comesToTheFront(const QString& identifier) {
@@ -45,10 +45,10 @@ class X11FocusedApplicationTest : public testing::Test {
 };
 
 TEST_F(X11FocusedApplicationTest, AnApplicationIsNamedByItsDesktopEntry) {
-  const TestWindow window("Editor");
-  ASSERT_TRUE(comesToTheFront(u"org.example.editor"_s));
+  const TestWindow window("Scribe");
+  ASSERT_TRUE(comesToTheFront(u"org.example.scribe"_s));
   const auto application = focused->frontmost();
-  EXPECT_EQ(application->name, u"The Editor"_s);
+  EXPECT_EQ(application->name, u"The Scribe"_s);
   EXPECT_TRUE(application->isActive);
   EXPECT_TRUE(application->isRegular);
   EXPECT_FALSE(application->isSelf);
@@ -62,8 +62,8 @@ TEST_F(X11FocusedApplicationTest, AnApplicationWithoutAnEntryIsNamedByItsClass) 
 
 TEST_F(X11FocusedApplicationTest, AnApplicationThatTellsItsEntryIsBelieved) {
   TestWindow window("Unlike");
-  window.setProperty("_KDE_NET_WM_DESKTOP_FILE", "UTF8_STRING", 8, "org.example.editor");
-  EXPECT_TRUE(comesToTheFront(u"org.example.editor"_s));
+  window.setProperty("_KDE_NET_WM_DESKTOP_FILE", "UTF8_STRING", 8, "org.example.scribe");
+  EXPECT_TRUE(comesToTheFront(u"org.example.scribe"_s));
 }
 
 TEST_F(X11FocusedApplicationTest, AWindowOfThisProcessIsThisProgram) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QTimer>
 #include <chrono>
 #include <functional>
@@ -23,12 +24,12 @@ class EventLoop {
   /// Whether the condition came true before the limit.
   static bool runUntil(const std::function<bool()>& condition,
                        std::chrono::milliseconds limit = generousLimit) {
-    bool isOver = false;
-    QTimer timer;
-    QObject::connect(&timer, &QTimer::timeout, [&isOver] { isOver = true; });
-    timer.start(limit);
+    // Some conditions are another program's, whose changes wake nobody here.
+    QTimer wakeUp;
+    wakeUp.start(std::chrono::milliseconds(5));
+    const QDeadlineTimer deadline(limit);
     while (!condition()) {
-      if (isOver) return false;
+      if (deadline.hasExpired()) return false;
       QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
     return true;
