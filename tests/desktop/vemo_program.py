@@ -74,7 +74,7 @@ class Vemo:
             self.process = subprocess.Popen([*self.wrapper, program("vemo")], env=self.environment,
                                             stdin=subprocess.DEVNULL, stdout=output, stderr=subprocess.STDOUT)
         try:
-            wait_until(self.is_idle, "Vemo to be idle")
+            wait_until(self.is_idle, lambda: f"Vemo to be idle; {self.story()}")
         except BaseException:
             self.__exit__()
             raise
@@ -112,8 +112,11 @@ class Vemo:
             return 0
 
     def await_logged(self, words, times=1):
-        wait_until(lambda: self.logged(words) >= times, f"{times} log lines with “{words}”; there is:\n"
-                   + (self.log.read_text(errors="replace") if self.log.exists() else "no log"))
+        wait_until(lambda: self.logged(words) >= times, lambda: f"{times} log lines with “{words}”; {self.story()}")
+
+    def story(self):
+        """How it stands and what it has printed, for a test that fails."""
+        return f"the status is “{self.status()}”, the output:\n{self.output.read_text(errors='replace')}"
 
     def start(self):
         """Begins a dictation. A start that follows a stop too closely is dropped, so it asks again."""
@@ -121,7 +124,7 @@ class Vemo:
             if self.is_idle():
                 self.command("start")
             return self.status() == "recording"
-        wait_until(recording, "Vemo to record")
+        wait_until(recording, lambda: f"Vemo to record; {self.story()}")
 
     def stop(self):
         self.command("stop")

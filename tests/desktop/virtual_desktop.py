@@ -68,7 +68,7 @@ class DesktopError(Exception):
 
 
 def wait_until(condition, what, limit_seconds=START_LIMIT_SECONDS):
-    """Returns the first true value of condition(); fails with `what` after the limit."""
+    """Returns the first true value of condition(); fails with `what`, a text or what gives one, after the limit."""
     deadline = time.monotonic() + limit_seconds
     pause = 0.004
     while True:
@@ -76,6 +76,7 @@ def wait_until(condition, what, limit_seconds=START_LIMIT_SECONDS):
         if value:
             return value
         if time.monotonic() > deadline:
+            what = what() if callable(what) else what
             raise DesktopError(f"waited {limit_seconds} s in vain: {what}")
         time.sleep(pause)
         pause = min(pause * 1.3, 0.05)
