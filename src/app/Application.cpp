@@ -6,10 +6,12 @@
 #include "account/AuthManager.h"
 #include "app/TerminationSignals.h"
 #include "audio/AudioRecorder.h"
+#include "base/SerialQueue.h"
 #include "desktop/HotkeyManager.h"
 #include "desktop/PermissionsManager.h"
 #include "desktop/TextInjector.h"
 #include "integrations/SlackManager.h"
+#include "integrations/WorkspaceIndexer.h"
 #include "platform/canberra/CanberraSounds.h"
 #include "platform/pulse/PulseAudioInput.h"
 #include "platform/pulse/PulseInputDevice.h"
@@ -107,13 +109,23 @@ struct Application::Program {
           Desktop& desktop, const DeploymentConfiguration& configuration)
       : session(mainThread),
         hedgeSession(mainThread),
+        sharedSession(mainThread),
         permissionsOfSystem([&desktop] { return desktop.microphoneAccess.authorization(); },
                             [&desktop] { return desktop.keyPoster->canPost(); }, theClock,
                             mainThread),
         telemetry(theClock, settings),
         tokens({&desktop.keyring}, debugLog),
         auth(tokens, settings),
-        slack(tokens, settings),
+        slack({.tokens = tokens,
+               .settings = settings,
+               .debugLog = debugLog,
+               .session = sharedSession,
+               .configuration = configuration}),
+        workspace({.mainThread = mainThread,
+                   .diskReader = diskReader,
+                   .settings = settings,
+                   .focusedApplication = *desktop.focusedApplication,
+                   .configFolder = places::configFolder()}),
         permissions(permissionsOfSystem, theClock, mainThread, telemetry),
         recorder(desktop.audioInput, mainThread, theClock, debugLog),
         client({.session = session,
@@ -154,11 +166,14 @@ struct Application::Program {
 
   QtHttpSession session;
   QtHttpSession hedgeSession;
+  QtHttpSession sharedSession;  ///< of everything but dictation
   LinuxPermissions permissionsOfSystem;
   Telemetry telemetry;
   SecureTokenStore tokens;
   AuthManager auth;
   SlackManager slack;
+  SerialQueue diskReader{"vemo.workspace"};
+  WorkspaceIndexer workspace;
   PermissionsManager permissions;
   HotkeyManager hotkey;
   AudioRecorder recorder;

@@ -1,19 +1,161 @@
 #include "integrations/SlackManager.h"
 
+#include <QUrlQuery>
+#include <utility>
+
+#include "base/Text.h"
+#include "ports/HttpSession.h"
+#include "storage/DebugLog.h"
+#include "storage/DeploymentConfiguration.h"
 #include "storage/SecureTokenStore.h"
-#include "storage/SettingsKeys.h"
 
 namespace vemo {
 
-SlackManager::SlackManager(SecureTokenStore& tokens, Settings& settings)
-    : m_tokens(tokens), m_settings(settings) {}
+using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto requestTimeout = 60s;
+
+const QString& tokenAccount() {
+  static const QString account = QString::fromUtf16(slackApiTokenAccount);
+  return account;
+}
+
+QUrl addressOf(const QUrl& base, const QString& method, const QString& query) {
+  QString folder = base.path(QUrl::FullyEncoded);
+  while (folder.endsWith(u'/')) folder.chop(1);
+  QUrl address = base;
+  address.setPath(folder + u'/' + method);
+  if (!query.isEmpty()) address.setQuery(query);
+  return address;
+}
+
+}  // namespace
+
+SlackManager::SlackManager(Neighbours neighbours) : m_with(neighbours) {
+  migrateLegacyToken();
+  loadCache();
+}
+
+void SlackManager::migrateLegacyToken() {
+  const QString legacyToken = m_with.settings.get(legacyTokenKey, QString());
+  if (legacyToken.isEmpty()) return;
+  if (m_with.tokens.read(tokenAccount())) {
+    m_with.settings.remove(legacyTokenKey);
+    m_with.debugLog(u"slack: dropped legacy token — Keychain already holds one"_s);
+  } else if (m_with.tokens.write(legacyToken, tokenAccount())) {
+    m_with.settings.remove(legacyTokenKey);
+    m_with.debugLog(u"slack: migrated legacy UserDefaults token into the Keychain"_s);
+  } else {
+    m_with.debugLog(u"slack: keychain write FAILED — keeping legacy token for retry"_s);
+  }
+}
+
+void SlackManager::loadCache() {
+  const QString token = m_with.tokens.read(tokenAccount()).value_or(QString());
+  const Settings& settings = m_with.settings;
+  m_workspaceName = settings.get(cacheKeyWorkspace, QString());
+  m_directory = SlackDirectory(
+      decodeSlackUsers(settings.get(cacheKeyUsers, QByteArray())).value_or(SlackUsers()),
+      decodeSlackChannels(settings.get(cacheKeyChannels, QByteArray())).value_or(SlackChannels()));
+  const bool knowsAnything = !users().empty() || !channels().empty() || !m_workspaceName.isEmpty();
+  m_isConnected = !token.isEmpty() && knowsAnything;
+}
+
+Task<bool> SlackManager::connect(QString token, std::stop_token stop) {
+  const QString wanted = trimmed(token);
+  if (wanted.isEmpty()) co_return false;
+  if (!m_with.tokens.write(wanted, tokenAccount())) {
+    m_lastSyncError = u"Couldn't save the Slack token to the Keychain"_s;
+    changed.notify();
+    co_return false;
+  }
+  co_return co_await sync(std::move(stop));
+}
+
+Task<bool> SlackManager::sync(std::stop_token stop) {
+  const QString token = m_with.tokens.read(tokenAccount()).value_or(QString());
+  if (token.isEmpty()) co_return false;
+  m_isSyncing = true;
+  m_lastSyncError.reset();
+  changed.notify();
+
+  const auto error = co_await readWorkspace(token.toUtf8(), std::move(stop));
+  if (!error) {
+    m_isConnected = true;
+    m_standardOutput.write(
+        u"[Vemo Slack] 🚀 Synced Slack: %1 members, %2 channels\n"_s.arg(users().size())
+            .arg(channels().size())
+            .toUtf8());
+  } else {
+    m_standardOutput.write((u"[Vemo Slack] Sync error: "_s + error->description + u'\n').toUtf8());
+    m_lastSyncError = error->description;
+  }
+  m_isSyncing = false;
+  changed.notify();
+  co_return !error;
+}
+
+/// The three requests; gives what went wrong. What one of them has brought stays, whatever becomes
+/// of the next.
+Task<std::optional<HttpError>> SlackManager::readWorkspace(QByteArray token, std::stop_token stop) {
+  const auto team = co_await call(u"auth.test"_s, {}, token, stop);
+  if (!team) co_return team.error();
+  if (const auto name = teamNameIn(*team)) {
+    m_workspaceName = *name;
+    m_with.settings.set(cacheKeyWorkspace, *name);
+    changed.notify();
+  }
+
+  const auto members = co_await call(u"users.list"_s, u"limit=500"_s, token, stop);
+  if (!members) co_return members.error();
+  m_directory = SlackDirectory(membersIn(*members), channels());
+  m_with.settings.set(cacheKeyUsers, encodeSlackUsers(users()));
+  changed.notify();
+
+  const auto conversations = co_await call(
+      u"conversations.list"_s, u"types=public_channel,private_channel&limit=500"_s, token, stop);
+  if (!conversations) co_return conversations.error();
+  m_directory = SlackDirectory(users(), channelsIn(*conversations));
+  m_with.settings.set(cacheKeyChannels, encodeSlackChannels(channels()));
+  changed.notify();
+  co_return std::nullopt;
+}
+
+/// The body of the answer, whatever its status.
+Task<std::expected<QByteArray, HttpError>> SlackManager::call(QString method, QString query,
+                                                              QByteArray token,
+                                                              std::stop_token stop) {
+  const HttpRequest request{.method = "GET"_ba,
+                            .url = addressOf(m_with.configuration.slackApiBaseURL, method, query),
+                            .headers = {{"Authorization"_ba, "Bearer " + token}},
+                            .body = {},
+                            .timeout = requestTimeout};
+  auto answer = co_await m_with.session.send(request, std::move(stop));
+  if (!answer) co_return std::unexpected(answer.error());
+  co_return std::move(answer->body);
+}
 
 void SlackManager::disconnect() {
-  m_tokens.remove(QString::fromUtf16(slackApiTokenAccount));
-  m_settings.remove(keys::slackApiToken);
-  m_settings.remove(keys::slackCachedUsers);
-  m_settings.remove(keys::slackCachedChannels);
-  m_settings.remove(keys::slackCachedWorkspace);
+  m_with.tokens.remove(tokenAccount());
+  m_with.settings.remove(legacyTokenKey);
+  m_with.settings.remove(cacheKeyUsers);
+  m_with.settings.remove(cacheKeyChannels);
+  m_with.settings.remove(cacheKeyWorkspace);
+  m_directory = {};
+  m_workspaceName.clear();
+  m_isConnected = false;
+  changed.notify();
+}
+
+std::optional<QString> SlackManager::resolveChannelMention(const QString& spoken) const {
+  return m_directory.resolveChannelMention(spoken);
+}
+
+std::optional<QString> SlackManager::resolveUserMention(const QString& spoken) const {
+  return m_directory.resolveUserMention(spoken);
 }
 
 }  // namespace vemo

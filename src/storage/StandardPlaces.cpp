@@ -16,14 +16,14 @@ QString folderFrom(const char* variable, const QString& fallback) {
   return QDir::isAbsolutePath(home) ? home + u'/' + fallback : QString();
 }
 
-QString configHome() {
+}  // namespace
+
+QString configFolder() {
   return folderFrom("XDG_CONFIG_HOME", u".config"_s);
 }
 
-}  // namespace
-
 QString settingsFile() {
-  const QString folder = configHome();
+  const QString folder = configFolder();
   return folder.isEmpty() ? QString() : folder + u"/vemo/settings.json"_s;
 }
 
@@ -36,7 +36,7 @@ QStringList deploymentConfigurationCandidates() {
   QStringList folders = qEnvironmentVariable("XDG_CONFIG_DIRS").split(u':', Qt::SkipEmptyParts);
   folders.removeIf([](const QString& folder) { return !QDir::isAbsolutePath(folder); });
   if (folders.isEmpty()) folders = {u"/etc/xdg"_s};
-  if (const QString home = configHome(); !home.isEmpty()) folders.prepend(home);
+  if (const QString home = configFolder(); !home.isEmpty()) folders.prepend(home);
   for (QString& folder : folders) folder += u"/vemo/vemo.conf"_s;
   return folders;
 }

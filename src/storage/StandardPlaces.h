@@ -9,6 +9,9 @@
 
 namespace vemo::places {
 
+/// XDG_CONFIG_HOME, where programs keep what the user has set up.
+QString configFolder();
+
 /// settings.json in XDG_CONFIG_HOME/vemo.
 QString settingsFile();
 

@@ -67,7 +67,13 @@ class SessionFixture : public testing::Test {
     tokens =
         std::make_unique<SecureTokenStore>(std::vector<SecretBackend*>{&secrets}, storage.debugLog);
     auth = std::make_unique<AuthManager>(*tokens, storage.settings);
-    slack = std::make_unique<SlackManager>(*tokens, storage.settings);
+    slack = std::make_unique<SlackManager>(SlackManager::Neighbours{
+        .tokens = *tokens,
+        .settings = storage.settings,
+        .debugLog = storage.debugLog,
+        .session = http,
+        .configuration = configuration,
+    });
     permissions = std::make_unique<PermissionsManager>(system, clock, mainThread, telemetry);
     client = std::make_unique<TranscriptionClient>(TranscriptionClient::Neighbours{
         .session = http,
