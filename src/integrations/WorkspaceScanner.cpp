@@ -145,6 +145,7 @@ class Walk {
 }  // namespace
 
 WorkspaceFiles scanWorkspace(const QString& root, std::stop_token stop) {
+  if (root.isEmpty()) return WorkspaceFiles();
   return Walk(root, std::move(stop)).run();
 }
 
