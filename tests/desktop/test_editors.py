@@ -72,6 +72,14 @@ class IntoAnEditor:
         self.assertTrue(editor.text().startswith("The first."))
         self.assertEqual(editor.text().count("."), 2)
 
+    def test_the_text_arrives_whatever_the_keyboard_layout(self):
+        self.addCleanup(keyboard.use_layout, "us")
+        for layout in (["ru"], ["ru,us"], ["gr"], ["us", "-variant", "dvorak"], ["de", "-variant", "neo"]):
+            with self.subTest(layout=layout):
+                keyboard.use_layout(*layout)
+                with self.editor() as editor:
+                    self.dictate(editor, f"By {layout[-1]}.")
+
     # The clipboard
 
     def test_a_copied_text_comes_back(self):
@@ -120,6 +128,7 @@ class IntoAnEditor:
             try:
                 self.dictate(editor, SENTENCE)
                 self.vemo.await_logged("inject: modifiers cleared cleanly=false")
+                wait_until(lambda: keys.keys_down() == {keys.code(key)}, "the held key, and no other, to count again")
             finally:
                 keyboard.release(key)
             wait_until(lambda: keys.keys_down() == set(), "every key to be up")
