@@ -3,6 +3,7 @@
 #include <unicode/regex.h>
 #include <unicode/unistr.h>
 
+#include <cstddef>
 #include <utility>
 
 namespace vemo {
@@ -17,7 +18,8 @@ icu::UnicodeString aliased(QStringView text) {
 }
 
 RegexError errorFor(UErrorCode status) {
-  return status == U_REGEX_TIME_OUT ? RegexError::TimedOut : RegexError::Failed;
+  const bool isOutOfTime = status == U_REGEX_TIME_OUT || status == U_REGEX_STOPPED_BY_CALLER;
+  return isOutOfTime ? RegexError::TimedOut : RegexError::Failed;
 }
 
 std::unique_ptr<icu::RegexMatcher> matcherFor(const icu::RegexPattern& pattern,
@@ -26,6 +28,42 @@ std::unique_ptr<icu::RegexMatcher> matcherFor(const icu::RegexPattern& pattern,
   if (U_SUCCESS(status)) matcher->setTimeLimit(timeLimitInSteps, status);
   return matcher;
 }
+
+RegexMatch currentMatch(const icu::RegexMatcher& matcher, UErrorCode& status) {
+  RegexMatch match;
+  match.reserve(static_cast<std::size_t>(matcher.groupCount()) + 1);
+  for (int32_t group = 0; group <= matcher.groupCount(); ++group) {
+    const int32_t start = matcher.start(group, status);
+    match.push_back({start, matcher.end(group, status) - start});
+  }
+  return match;
+}
+
+/// Makes a matcher ask: between steps of a match, and every so often between places to begin one.
+class Interruption {
+ public:
+  Interruption(const RegexInterrupt& isOver, icu::RegexMatcher& matcher, UErrorCode& status)
+      : m_isOver(isOver) {
+    matcher.setMatchCallback(goOnMatching, this, status);
+    matcher.setFindProgressCallback(goOnFinding, this, status);
+  }
+  Interruption(const Interruption&) = delete;
+  Interruption& operator=(const Interruption&) = delete;
+
+  bool isDueAtNextPlace() { return ++m_places % 256 == 0 && m_isOver(); }
+
+ private:
+  static UBool U_CALLCONV goOnMatching(const void* context, int32_t) {
+    return !static_cast<const Interruption*>(context)->m_isOver();
+  }
+  static UBool U_CALLCONV goOnFinding(const void* context, int64_t) {
+    return !const_cast<Interruption*>(static_cast<const Interruption*>(context))
+                ->isDueAtNextPlace();
+  }
+
+  const RegexInterrupt& m_isOver;
+  std::size_t m_places = 0;
+};
 
 }  // namespace
 
@@ -54,14 +92,49 @@ std::expected<std::vector<RegexMatch>, RegexError> Regex::matches(const QString&
   const auto unicode = aliased(text);
   const auto matcher = matcherFor(*m_compiled->pattern, unicode, status);
   std::vector<RegexMatch> found;
-  while (U_SUCCESS(status) && matcher->find(status)) {
-    RegexMatch match;
-    for (int32_t group = 0; group <= matcher->groupCount(); ++group) {
-      const int32_t start = matcher->start(group, status);
-      match.push_back({start, matcher->end(group, status) - start});
+  while (U_SUCCESS(status) && matcher->find(status))
+    found.push_back(currentMatch(*matcher, status));
+  if (U_FAILURE(status)) return std::unexpected(errorFor(status));
+  return found;
+}
+
+std::expected<std::vector<RegexMatch>, RegexError> Regex::matchesAt(
+    const QString& text, std::span<const qsizetype> starts, const RegexInterrupt& isOver) const {
+  UErrorCode status = U_ZERO_ERROR;
+  const auto unicode = aliased(text);
+  const auto matcher = matcherFor(*m_compiled->pattern, unicode, status);
+  if (U_FAILURE(status)) return std::unexpected(errorFor(status));
+  Interruption interruption(isOver, *matcher, status);
+  matcher->useTransparentBounds(true);
+  matcher->useAnchoringBounds(false);
+  std::vector<RegexMatch> found;
+  qsizetype searched = 0;
+  for (const qsizetype start : starts) {
+    if (start < searched) continue;
+    if (interruption.isDueAtNextPlace()) return std::unexpected(RegexError::TimedOut);
+    matcher->region(start, text.size(), status);
+    if (matcher->lookingAt(status)) {
+      found.push_back(currentMatch(*matcher, status));
+      searched = start + found.back()[0].length;
     }
-    found.push_back(std::move(match));
+    if (U_FAILURE(status)) return std::unexpected(errorFor(status));
   }
+  return found;
+}
+
+std::expected<std::vector<RegexMatch>, RegexError> Regex::matchesWithin(
+    const QString& text, TextRange stretch, const RegexInterrupt& isOver) const {
+  UErrorCode status = U_ZERO_ERROR;
+  const auto unicode = aliased(text);
+  const auto matcher = matcherFor(*m_compiled->pattern, unicode, status);
+  if (U_FAILURE(status)) return std::unexpected(errorFor(status));
+  const Interruption interruption(isOver, *matcher, status);
+  matcher->useTransparentBounds(true);
+  matcher->useAnchoringBounds(false);
+  matcher->region(stretch.start, stretch.start + stretch.length, status);
+  std::vector<RegexMatch> found;
+  while (U_SUCCESS(status) && matcher->find(status))
+    found.push_back(currentMatch(*matcher, status));
   if (U_FAILURE(status)) return std::unexpected(errorFor(status));
   return found;
 }

@@ -8,7 +8,9 @@
 #include <QString>
 #include <QStringView>
 #include <expected>
+#include <functional>
 #include <memory>
+#include <span>
 #include <vector>
 
 namespace vemo {
@@ -29,6 +31,9 @@ struct TextRange {
 /// One match: the whole of it under index 0, then the capture groups.
 using RegexMatch = std::vector<TextRange>;
 
+/// Asked about once a millisecond while a pattern is at work; true ends the work as TimedOut.
+using RegexInterrupt = std::function<bool()>;
+
 class Regex {
  public:
   static std::expected<Regex, RegexError> compile(QStringView pattern,
@@ -39,6 +44,17 @@ class Regex {
 
   /// All matches that don't overlap, from first to last.
   std::expected<std::vector<RegexMatch>, RegexError> matches(const QString& text) const;
+
+  /// The matches among matches() that begin at one of `starts`, which are in ascending order, given
+  /// that no match begins elsewhere.
+  std::expected<std::vector<RegexMatch>, RegexError> matchesAt(const QString& text,
+                                                               std::span<const qsizetype> starts,
+                                                               const RegexInterrupt&) const;
+
+  /// All matches that lie within a stretch of the text. "\b" sees what surrounds the stretch.
+  std::expected<std::vector<RegexMatch>, RegexError> matchesWithin(const QString& text,
+                                                                   TextRange stretch,
+                                                                   const RegexInterrupt&) const;
 
   /// The text with each match replaced by the template, in which "$1" stands for group 1 and "\"
   /// takes the next character as it is. A template that names no existing group is Failed.

@@ -33,6 +33,8 @@ bool isWhiteSpace(char16_t unit) {
 }  // namespace
 
 qsizetype characterCount(QStringView text) {
+  // Of ASCII, only a carriage return and its line feed are one character together.
+  if (QtPrivate::isAscii(text)) return text.size() - text.count(u"\r\n");
   const auto unicode = aliased(text);
   const auto breaks = characterBreaks(unicode);
   if (!breaks) return text.size();

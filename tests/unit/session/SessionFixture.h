@@ -19,6 +19,7 @@
 #include "fakes/FakeAudioInput.h"
 #include "fakes/FakeClipboard.h"
 #include "fakes/FakeClock.h"
+#include "fakes/FakeFileTagLookup.h"
 #include "fakes/FakeFocusedApplication.h"
 #include "fakes/FakeHaptics.h"
 #include "fakes/FakeHttpSession.h"
@@ -74,6 +75,14 @@ class SessionFixture : public testing::Test {
         .session = http,
         .configuration = configuration,
     });
+    contextProcessor = std::make_unique<ContextProcessor>(ContextProcessor::Neighbours{
+        .applications = applications,
+        .settings = storage.settings,
+        .files = files,
+        .directory = *slack,
+        .clock = clock,
+        .debugLog = storage.debugLog,
+    });
     permissions = std::make_unique<PermissionsManager>(system, clock, mainThread, telemetry);
     client = std::make_unique<TranscriptionClient>(TranscriptionClient::Neighbours{
         .session = http,
@@ -100,7 +109,7 @@ class SessionFixture : public testing::Test {
         .hotkey = hotkey,
         .recorder = recorder,
         .client = *client,
-        .contextProcessor = contextProcessor,
+        .contextProcessor = *contextProcessor,
         .injector = injector,
         .slack = *slack,
         .hud = hud,
@@ -193,12 +202,13 @@ class SessionFixture : public testing::Test {
   const DeploymentConfiguration configuration = DeploymentConfiguration::builtIn();
   HotkeyManager hotkey;
   AudioRecorder recorder{audioInput, mainThread, clock, storage.debugLog};
-  ContextProcessor contextProcessor{applications, storage.debugLog};
+  FakeFileTagLookup files;
   TextInjector injector{clipboard, keyPoster,  secureInput,     system,
                         clock,     mainThread, storage.debugLog};
   std::unique_ptr<SecureTokenStore> tokens;
   std::unique_ptr<AuthManager> auth;
   std::unique_ptr<SlackManager> slack;
+  std::unique_ptr<ContextProcessor> contextProcessor;
   std::unique_ptr<PermissionsManager> permissions;
   std::unique_ptr<TranscriptionClient> client;
   std::unique_ptr<AppState> appState;

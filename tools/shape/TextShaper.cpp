@@ -1,0 +1,99 @@
+#include "TextShaper.h"
+
+#include <QTemporaryDir>
+#include <stop_token>
+
+#include "ShapeOptions.h"
+#include "integrations/FileTagLookup.h"
+#include "integrations/SlackDirectory.h"
+#include "integrations/WorkspaceFiles.h"
+#include "integrations/WorkspaceScanner.h"
+#include "platform/qt/QtClock.h"
+#include "platform/qt/QtMainThread.h"
+#include "ports/FocusedApplication.h"
+#include "shaping/ContextProcessor.h"
+#include "storage/DebugLog.h"
+#include "storage/Settings.h"
+#include "storage/SettingsKeys.h"
+
+namespace vemo {
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+/// An application in front that has never been there.
+class NamedApplication final : public FocusedApplication {
+ public:
+  explicit NamedApplication(RunningApplication application)
+      : m_application(std::move(application)) {}
+
+  std::optional<RunningApplication> frontmost() const override { return m_application; }
+  std::vector<RunningApplication> running() const override { return {m_application}; }
+
+ private:
+  RunningApplication m_application;
+};
+
+/// The files that a folder had when the program started.
+class FolderFiles final : public FileTagLookup {
+ public:
+  explicit FolderFiles(WorkspaceFiles files) : m_files(std::move(files)) {}
+
+  void refreshActiveWorkspace() override {}
+  std::optional<QString> resolveFileTag(const QString& spokenName,
+                                        const QString& spokenExtension) const override {
+    const auto place = m_files.find(spokenName, spokenExtension);
+    return place ? std::optional(u'@' + m_files.fileName(*place)) : std::nullopt;
+  }
+
+ private:
+  WorkspaceFiles m_files;
+};
+
+}  // namespace
+
+struct TextShaper::Parts {
+  explicit Parts(const ShapeOptions& options)
+      : application({.identifier = options.bundleId, .name = options.appName}),
+        files(options.workspace ? scanWorkspace(*options.workspace, std::stop_token())
+                                : WorkspaceFiles()),
+        directory(options.users, options.channels) {
+    if (options.dictionary) settings.set(keys::customDictionaryEntries, *options.dictionary);
+    if (options.snippets) settings.set(keys::customShortcutEntries, *options.snippets);
+    for (const auto& key : {keys::integrationVSCode, keys::integrationSlack}) {
+      const auto value = options.switches.find(QString::fromUtf16(key.name));
+      if (value != options.switches.end()) settings.set(key, value->second);
+    }
+  }
+
+  QtMainThread mainThread;
+  QtClock clock{mainThread};
+  QTemporaryDir folder;  ///< the settings': for the user alone, and gone with the program
+  DebugLog debugLog{clock, QString()};
+  Settings settings{folder.filePath(u"settings.json"_s), debugLog};
+  NamedApplication application;
+  FolderFiles files;
+  SlackDirectory directory;
+  ContextProcessor processor{{.applications = application,
+                              .settings = settings,
+                              .files = files,
+                              .directory = directory,
+                              .clock = clock,
+                              .debugLog = debugLog}};
+};
+
+TextShaper::TextShaper(std::unique_ptr<Parts> parts) : m_parts(std::move(parts)) {}
+TextShaper::~TextShaper() = default;
+
+std::unique_ptr<TextShaper> TextShaper::create(const ShapeOptions& options) {
+  auto parts = std::make_unique<Parts>(options);
+  if (!parts->folder.isValid()) return nullptr;
+  return std::unique_ptr<TextShaper>(new TextShaper(std::move(parts)));
+}
+
+QString TextShaper::shape(const QString& text) {
+  return m_parts->processor.process(text);
+}
+
+}  // namespace vemo
