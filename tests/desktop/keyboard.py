@@ -59,3 +59,8 @@ def release(*keys):
 
 def type_text(text):
     subprocess.run(["xdotool", "type", "--", text], check=True)
+
+
+def use_layout(*layout):
+    """As setxkbmap takes it: names of layouts by comma, and perhaps -variant NAME."""
+    subprocess.run(["setxkbmap", "-layout", *layout], check=True)
