@@ -44,10 +44,12 @@ qsizetype characterCount(QStringView text) {
 }
 
 QString firstCharacters(const QString& text, qsizetype count) {
+  if (count <= 0) return {};
+  const auto beginning = QStringView(text).first(count < text.size() ? count + 1 : text.size());
+  if (QtPrivate::isAscii(beginning) && !beginning.contains(u'\r')) return text.left(count);
   const auto unicode = aliased(text);
   const auto breaks = characterBreaks(unicode);
   if (!breaks) return text.left(count);
-  if (count <= 0) return {};
   const int32_t end = breaks->next(static_cast<int32_t>(std::min(count, text.size())));
   return end == icu::BreakIterator::DONE ? text : text.left(end);
 }

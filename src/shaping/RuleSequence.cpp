@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 #include <set>
+#include <utility>
 
 #include "shaping/TimeBudget.h"
 
@@ -69,16 +70,24 @@ Shaped replacedMatches(const QString& text, std::span<const RegexMatch> matches,
 class RuleSequence::Run {
  public:
   Run(RuleSequence& sequence, const QString& text, const TimeBudget& budget)
-      : m_sequence(sequence), m_text(text), m_maxSize(text.size() + maxGrowth), m_budget(budget) {
+      : m_sequence(sequence),
+        m_text(text),
+        m_maxSize(text.size() + maxGrowth),
+        m_budget(budget),
+        m_isAwake(sequence.m_index.cueCount()) {
     m_places = sequence.m_index.placesIn(m_text, 0, m_text.size());
-    addPending(m_places, 0);
+    wake(m_places, 0);
   }
 
   Shaped toTheEnd() {
     while (!m_pending.empty()) {
       if (m_budget.isSpent()) return std::unexpected(ShapingFailure::OutOfTime);
-      const std::uint32_t number = *m_pending.begin();
-      m_pending.erase(m_pending.begin());
+      const std::uint32_t number = m_pending.begin()->first;
+      while (!m_pending.empty() && m_pending.begin()->first == number) {
+        const CueIndex::Cue cue = m_pending.begin()->second;
+        m_pending.erase(m_pending.begin());
+        enqueue(cue, number + 1);
+      }
       if (const auto failure = apply(number)) return std::unexpected(*failure);
     }
     return m_text;
@@ -123,12 +132,19 @@ class RuleSequence::Run {
     return starts;
   }
 
-  void addPending(std::span<const CueIndex::Place> places, std::uint32_t first) {
+  /// Lets the rules from `first` on have their turn that have a cue among these places.
+  void wake(std::span<const CueIndex::Place> places, std::uint32_t first) {
     for (const auto& place : places) {
-      for (const std::uint32_t number : m_sequence.m_entriesOfCue[place.cue]) {
-        if (number >= first) m_pending.insert(number);
-      }
+      if (m_isAwake[place.cue]) continue;
+      m_isAwake[place.cue] = true;
+      enqueue(place.cue, first);
     }
+  }
+
+  void enqueue(CueIndex::Cue cue, std::uint32_t first) {
+    const auto& numbers = m_sequence.m_entriesOfCue[cue];
+    const auto next = std::ranges::lower_bound(numbers, first);
+    if (next != numbers.end()) m_pending.emplace(*next, cue);
   }
 
   /// Makes the changes, and brings the places up to date for the rules from `next` on.
@@ -157,7 +173,7 @@ class RuleSequence::Run {
       shift += after.size() - before.length;
     }
     keepUpTo(m_text.size() - shift + 1, m_text.size() + 1);
-    addPending(found, next);
+    wake(found, next);
     m_places.clear();
     std::ranges::merge(kept, found, std::back_inserter(m_places), {}, &CueIndex::Place::start,
                        &CueIndex::Place::start);
@@ -167,8 +183,10 @@ class RuleSequence::Run {
   QString m_text;
   const qsizetype m_maxSize;
   const TimeBudget& m_budget;
-  Places m_places;                    ///< in the order of the text
-  std::set<std::uint32_t> m_pending;  ///< rules still to come that have a place
+  Places m_places;              ///< in the order of the text
+  std::vector<bool> m_isAwake;  ///< of each cue: it has had a place in the text
+  /// The next rule to come for each cue that is awake.
+  std::set<std::pair<std::uint32_t, CueIndex::Cue>> m_pending;
 };
 
 void RuleSequence::add(Rule rule, const QList<QStringView>& cues) {
