@@ -2,22 +2,31 @@
 
 #include <QByteArray>
 #include <QString>
-#include <algorithm>
 
 #include "base/Text.h"
 
 namespace vemo {
 
+bool isAscii(std::string_view name) {
+  unsigned char all = 0;
+  for (const char c : name) all |= static_cast<unsigned char>(c);
+  return all < 0x80;
+}
+
 std::string foldedName(std::string_view name) {
-  const auto isAscii = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
-  if (!std::ranges::all_of(name, isAscii))
-    return lowerCased(QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())))
-        .toStdString();
-  std::string folded(name);
-  for (char& c : folded) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
+  std::string folded;
+  foldName(name, folded);
   return folded;
+}
+
+void foldName(std::string_view name, std::string& folded) {
+  if (!isAscii(name)) {
+    folded = lowerCased(QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())))
+                 .toStdString();
+    return;
+  }
+  folded = name;
+  for (char& c : folded) c = static_cast<char>(c | (c >= 'A' && c <= 'Z' ? 'a' - 'A' : 0));
 }
 
 }  // namespace vemo

@@ -19,7 +19,12 @@ constexpr FileNameParts partsOf(std::string_view fileName) {
   return {.base = fileName.substr(0, point), .extension = fileName.substr(point + 1)};
 }
 
+bool isAscii(std::string_view name);
+
 /// lowerCased(), on valid UTF-8.
 std::string foldedName(std::string_view name);
+
+/// The same, into a text whose memory is used again.
+void foldName(std::string_view name, std::string& folded);
 
 }  // namespace vemo

@@ -18,7 +18,7 @@ class FirstPlaces {
   FirstPlaces() = default;
   /// For at most `keyCount` different keys.
   explicit FirstPlaces(std::size_t keyCount)
-      : m_slots(std::bit_ceil(keyCount + keyCount / 4 + 1), free) {}
+      : m_slots(std::bit_ceil(keyCount + keyCount / 2 + 1), free) {}
 
   /// Keeps `place` for the key unless it has one.
   template <typename HasKey>
@@ -34,7 +34,7 @@ class FirstPlaces {
     return place == free ? std::nullopt : std::optional(place);
   }
 
-  std::size_t memoryUsed() const { return m_slots.capacity() * sizeof(Place); }
+  std::size_t memoryUsed() const { return m_slots.size() * sizeof(Place); }
 
  private:
   static constexpr Place free = UINT32_MAX;

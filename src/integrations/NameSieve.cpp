@@ -1,66 +1,62 @@
 #include "integrations/NameSieve.h"
 
 #include <algorithm>
-#include <array>
 
 namespace vemo {
 
 namespace {
 
-constexpr std::size_t rowCount = 8192;
+constexpr std::size_t longestRun = 3;
 
-/// The two rows of a run of up to three bytes.
-std::array<std::size_t, 2> rowsOf(std::uint32_t run) {
-  // A multiplicative hash (Knuth, The Art of Computer Programming 6.4): its upper bits depend on
-  // all bits of the run.
-  const std::uint64_t hash = run * 0x9E3779B97F4A7C15ULL;
-  return {hash >> 51, (hash >> 38) % rowCount};
-}
-
-/// Calls `visit` with a number for each run of `length` bytes; runs of different lengths have
-/// different numbers.
+/// Calls `visit` with a hash for each run of `length` bytes that ends at `from` or later; it
+/// differs between lengths.
 template <typename Visit>
-void visitRuns(std::string_view text, std::size_t length, Visit&& visit) {
-  for (std::size_t start = 0; start + length <= text.size(); ++start) {
-    std::uint32_t run = static_cast<std::uint32_t>(length) << 24;
-    for (std::size_t i = 0; i < length; ++i)
-      run |= static_cast<std::uint32_t>(static_cast<unsigned char>(text[start + i])) << (8 * i);
-    visit(run);
+void visitRuns(std::string_view text, std::size_t length, std::size_t from, Visit&& visit) {
+  std::uint32_t run = 0;
+  const std::uint32_t mask = (1U << (8 * length)) - 1;
+  const std::size_t begin = from - std::min(from, length - 1);
+  for (std::size_t i = begin; i < text.size(); ++i) {
+    run = (run << 8 | static_cast<unsigned char>(text[i])) & mask;
+    // A multiplicative hash (Knuth, The Art of Computer Programming 6.4): its upper bits depend on
+    // all bits of the run.
+    if (i >= from && i + 1 >= length)
+      visit((run | static_cast<std::uint32_t>(length) << 24) * 0x9E3779B97F4A7C15ULL);
   }
 }
 
-constexpr std::size_t longestRun = 3;
-
 }  // namespace
 
-NameSieve::NameSieve(std::size_t nameCount)
-    : m_blockCount((nameCount + blockSize - 1) / blockSize),
-      m_wordsPerRow((m_blockCount + wordSize - 1) / wordSize),
-      m_rows(rowCount * m_wordsPerRow) {}
+void NameSieve::add(std::string_view name) {
+  const std::size_t block = m_nameCount++ / blockSize;
+  // Names that follow each other often begin alike, and the runs of what is alike are set already.
+  std::size_t alike = 0;
+  if (block >= blockCount())
+    m_words.resize((block + 1) * wordsPerBlock);
+  else
+    alike = static_cast<std::size_t>(std::ranges::mismatch(name, m_previous).in1 - name.begin());
+  m_previous = name;
 
-void NameSieve::add(std::size_t place, std::string_view name) {
-  const std::size_t block = place / blockSize;
-  const std::size_t word = block / wordSize;
-  const Word bit = Word{1} << (block % wordSize);
+  Word* words = &m_words[block * wordsPerBlock];
+  const auto set = [words](std::uint64_t bit) {
+    words[bit / bitsPerWord] |= Word{1} << (bit % bitsPerWord);
+  };
   for (std::size_t length = 1; length <= longestRun; ++length) {
-    visitRuns(name, length, [&](std::uint32_t run) {
-      for (const std::size_t row : rowsOf(run)) m_rows[row * m_wordsPerRow + word] |= bit;
+    visitRuns(name, length, alike, [&set](std::uint64_t hash) {
+      set(hash >> 51);
+      set(hash >> 38 & (bitsPerBlock - 1));
     });
   }
 }
 
-std::vector<NameSieve::Word> NameSieve::candidateBlocks(std::string_view text) const {
-  std::vector<Word> candidates(m_wordsPerRow, ~Word{0});
-  if (const std::size_t rest = m_blockCount % wordSize; rest != 0)
-    candidates.back() = (Word{1} << rest) - 1;
-  if (text.empty()) return candidates;
-  visitRuns(text, std::min(text.size(), longestRun), [&](std::uint32_t run) {
-    for (const std::size_t row : rowsOf(run)) {
-      const Word* bits = &m_rows[row * m_wordsPerRow];
-      for (std::size_t word = 0; word < m_wordsPerRow; ++word) candidates[word] &= bits[word];
-    }
+/// The bits of the text's longest runs: they say more than the shorter ones within them.
+std::vector<std::uint32_t> NameSieve::bitsOf(std::string_view text) {
+  std::vector<std::uint32_t> bits;
+  if (text.empty()) return bits;
+  visitRuns(text, std::min(text.size(), longestRun), 0, [&bits](std::uint64_t hash) {
+    bits.push_back(static_cast<std::uint32_t>(hash >> 51));
+    bits.push_back(static_cast<std::uint32_t>(hash >> 38 & (bitsPerBlock - 1)));
   });
-  return candidates;
+  return bits;
 }
 
 }  // namespace vemo

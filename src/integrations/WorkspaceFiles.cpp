@@ -54,7 +54,13 @@ struct WorkspaceFiles::Query {
   std::optional<Extension> number;  ///< of the extension, if any file has it
 };
 
-WorkspaceFiles::WorkspaceFiles(QString root) : m_root(std::move(root)) {}
+WorkspaceFiles::WorkspaceFiles(QString root) : m_root(std::move(root)) {
+  if (m_root.isEmpty()) return;
+  // Memory that is never written to costs nothing, and moving what is there costs much.
+  constexpr std::size_t manyFiles = 200'000;
+  m_files.reserve(manyFiles);
+  m_text.reserve(manyFiles * 32);
+}
 
 std::uint32_t WorkspaceFiles::addFolder(std::string_view path) {
   m_folders.push_back({m_text.size(), path.size()});
@@ -69,44 +75,45 @@ void WorkspaceFiles::addFile(std::uint32_t folder, std::string_view fileName) {
     return;
 
   const auto parts = partsOf(fileName);
-  const std::string foldedBase = foldedName(parts.base);
-  const std::string foldedExtension = foldedName(parts.extension);
+  foldName(fileName, m_folded);
+  if (isAscii(fileName)) {
+    append(folder, fileName, parts.base, partsOf(m_folded));
+    return;
+  }
+  const std::string base = foldedName(parts.base);
+  const std::string extension = foldedName(parts.extension);
+  if (m_folded != (extension.empty() ? base : base + '.' + extension))
+    m_irregular.push_back(static_cast<Place>(m_files.size()));
+  append(folder, fileName, parts.base, {base, extension});
+}
+
+void WorkspaceFiles::append(std::uint32_t folder, std::string_view fileName, std::string_view base,
+                            FileNameParts folded) {
   const File file{.start = m_text.size(),
                   .folder = folder,
-                  .extension = extensionFor(foldedExtension),
+                  .extension = extensionFor(folded.extension),
                   .nameLength = static_cast<std::uint16_t>(fileName.size()),
-                  .baseLength = static_cast<std::uint16_t>(parts.base.size()),
-                  .foldedLength = static_cast<std::uint16_t>(foldedBase.size()),
-                  .isFoldedApart = foldedBase != parts.base};
+                  .baseLength = static_cast<std::uint16_t>(base.size()),
+                  .foldedLength = static_cast<std::uint16_t>(folded.base.size()),
+                  .isFoldedApart = folded.base != base};
   m_text += fileName;
-  if (file.isFoldedApart) m_text += foldedBase;
-
-  const bool hasExtension = !parts.extension.empty();
-  if (foldedName(fileName) != (hasExtension ? foldedBase + '.' + foldedExtension : foldedBase))
-    m_irregular.push_back(static_cast<Place>(m_files.size()));
+  if (file.isFoldedApart) m_text += folded.base;
+  m_sieve.add(folded.base);
   m_files.push_back(file);
 }
 
 void WorkspaceFiles::finish() {
-  m_text.shrink_to_fit();
-  m_files.shrink_to_fit();
-  m_folders.shrink_to_fit();
   m_byBaseAndExtension = FirstPlaces(m_files.size());
-  m_byBase = FirstPlaces(m_files.size());
-  m_sieve = NameSieve(m_files.size());
   auto irregular = m_irregular.cbegin();
   for (Place place = 0; place < m_files.size(); ++place) {
     const File& file = m_files[place];
     const std::string_view base = foldedBaseOf(file);
-    m_sieve.add(place, base);
     if (irregular != m_irregular.cend() && *irregular == place) {
       ++irregular;
       continue;
     }
-    const auto hasBase = [&](Place other) { return foldedBaseOf(m_files[other]) == base; };
-    m_byBase.add(hashOf(base, noExtension), place, hasBase);
     m_byBaseAndExtension.add(hashOf(base, file.extension), place, [&](Place other) {
-      return m_files[other].extension == file.extension && hasBase(other);
+      return m_files[other].extension == file.extension && foldedBaseOf(m_files[other]) == base;
     });
   }
 }
@@ -164,11 +171,13 @@ std::optional<Place> WorkspaceFiles::findExact(const Query& query) const {
 
 std::optional<Place> WorkspaceFiles::findLoose(const Query& query) const {
   if (!query.extension.empty() && !query.number) return std::nullopt;
-  const auto findCalled = [&](std::string_view base) {
-    return query.extension.empty() ? findWithBase(base) : findNamed(base, query.extension);
-  };
-  auto first = lowerOf(findCalled(query.dashed), findCalled(query.underscored));
-  first = lowerOf(first, findContaining(query));
+  auto first = findContaining(query);
+  if (query.joined != query.name) {
+    const auto findCalled = [&](std::string_view base) {
+      return query.extension.empty() ? findWithBase(base) : findNamed(base, query.extension);
+    };
+    first = lowerOf(first, lowerOf(findCalled(query.dashed), findCalled(query.underscored)));
+  }
   for (const Place place : m_irregular) {
     if (first && *first < place) break;
     if (isLoose(m_files[place], query)) return place;
@@ -187,23 +196,27 @@ std::optional<Place> WorkspaceFiles::findNamed(std::string_view base,
 }
 
 std::optional<Place> WorkspaceFiles::findWithBase(std::string_view base) const {
-  return m_byBase.find(hashOf(base, noExtension),
-                       [&](Place place) { return foldedBaseOf(m_files[place]) == base; });
+  return findWith(base, [&](const File& file) { return foldedBaseOf(file) == base; });
 }
 
 std::optional<Place> WorkspaceFiles::findContaining(const Query& query) const {
   const bool isAnyExtension = query.extension.empty();
+  return findWith(query.joined, [&](const File& file) {
+    return (isAnyExtension || file.extension == *query.number) &&
+           foldedBaseOf(file).contains(query.joined);
+  });
+}
+
+/// The first file that matches, of those whose folded base name has `part` in it.
+template <typename Matches>
+std::optional<Place> WorkspaceFiles::findWith(std::string_view part, Matches&& matches) const {
   std::optional<Place> first;
-  m_sieve.visitBlocks(query.joined, [&](std::size_t block) {
+  m_sieve.visitBlocks(part, [&](std::size_t block) {
     const std::size_t end = std::min((block + 1) * NameSieve::blockSize, m_files.size());
-    for (std::size_t place = block * NameSieve::blockSize; place < end; ++place) {
-      const File& file = m_files[place];
-      if (!isAnyExtension && file.extension != *query.number) continue;
-      if (!foldedBaseOf(file).contains(query.joined)) continue;
-      first = static_cast<Place>(place);
-      return true;
+    for (std::size_t place = block * NameSieve::blockSize; place < end && !first; ++place) {
+      if (matches(m_files[place])) first = static_cast<Place>(place);
     }
-    return false;
+    return first.has_value();
   });
   return first;
 }
@@ -236,9 +249,9 @@ std::string_view WorkspaceFiles::foldedBaseOf(const File& file) const {
 }
 
 std::size_t WorkspaceFiles::memoryUsed() const {
-  return m_text.capacity() + m_files.capacity() * sizeof(File) +
-         m_folders.capacity() * sizeof(Folder) + m_irregular.capacity() * sizeof(Place) +
-         m_byBase.memoryUsed() + m_byBaseAndExtension.memoryUsed() + m_sieve.memoryUsed();
+  return m_text.size() + m_files.size() * sizeof(File) + m_folders.size() * sizeof(Folder) +
+         m_irregular.size() * sizeof(Place) + m_byBaseAndExtension.memoryUsed() +
+         m_sieve.memoryUsed();
 }
 
 }  // namespace vemo

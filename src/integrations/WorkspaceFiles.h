@@ -17,6 +17,7 @@
 #include <string_view>
 #include <vector>
 
+#include "integrations/FileName.h"
 #include "integrations/FirstPlaces.h"
 #include "integrations/NameSieve.h"
 #include "integrations/WorkspaceFile.h"
@@ -68,6 +69,8 @@ class WorkspaceFiles {
   };
   struct Query;
 
+  void append(std::uint32_t folder, std::string_view fileName, std::string_view base,
+              FileNameParts folded);
   Extension extensionFor(std::string_view folded);
   std::optional<Extension> findExtension(std::string_view folded) const;
   std::string_view text(std::uint64_t start, std::uint64_t length) const;
@@ -81,18 +84,20 @@ class WorkspaceFiles {
   std::optional<Place> findNamed(std::string_view base, std::string_view extension) const;
   std::optional<Place> findWithBase(std::string_view base) const;
   std::optional<Place> findContaining(const Query& query) const;
+  template <typename Matches>
+  std::optional<Place> findWith(std::string_view part, Matches&& matches) const;
 
   QString m_root;
   QUuid m_scan = QUuid::createUuid();
   std::string m_text;
+  std::string m_folded;  ///< of the name that is being added
   std::vector<Folder> m_folders;
   std::vector<File> m_files;
   std::map<std::string, Extension, std::less<>> m_extensions;  ///< folded
   /// Files whose folded name isn't their folded base name and extension put together: in some
-  /// scripts a letter's lower case depends on what follows. The two tables leave them out.
+  /// scripts a letter's lower case depends on what follows. The table leaves them out.
   std::vector<Place> m_irregular;
   FirstPlaces m_byBaseAndExtension;
-  FirstPlaces m_byBase;
   NameSieve m_sieve;  ///< of the folded base names
 };
 

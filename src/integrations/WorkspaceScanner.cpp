@@ -16,6 +16,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/SerialQueue.h"
 #include "integrations/FileName.h"
 
 namespace vemo {
@@ -61,7 +62,8 @@ bool hasIgnoredComponent(std::string_view path) {
 }
 
 bool isUtf8(std::string_view name) {
-  return QByteArrayView(name.data(), static_cast<qsizetype>(name.size())).isValidUtf8();
+  return isAscii(name) ||
+         QByteArrayView(name.data(), static_cast<qsizetype>(name.size())).isValidUtf8();
 }
 
 struct CloseFolder {
@@ -92,8 +94,33 @@ Kind kindOf(const dirent& entry, int folder) {
   return S_ISDIR(status.st_mode) ? Kind::Folder : Kind::Other;
 }
 
+/// Some folders with the names of their files, on their way into the index.
+struct Batch {
+  struct Folder {
+    std::string path;
+    std::size_t namesEnd;
+  };
+  std::vector<Folder> folders;
+  std::string names;  ///< each with a NUL behind it
+
+  void addTo(WorkspaceFiles& files) const {
+    std::size_t start = 0;
+    for (const auto& [path, namesEnd] : folders) {
+      const auto number = files.addFolder(path);
+      while (start < namesEnd) {
+        const std::string_view name(names.c_str() + start);
+        files.addFile(number, name);
+        start += name.size() + 1;
+      }
+    }
+  }
+};
+
+constexpr std::size_t batchSize = 64 * 1024;
+
 /// A walk with a list of the folders still to read, so that no depth of folders costs the stack or
-/// open descriptors. A path too long for the system to open ends the walk there.
+/// open descriptors. A path too long for the system to open ends the walk there. The walk is mostly
+/// waiting for the system, so a thread of its own takes the names into the index meanwhile.
 class Walk {
  public:
   Walk(const QString& root, std::stop_token stop) : m_files(root), m_stop(std::move(stop)) {
@@ -108,7 +135,10 @@ class Walk {
         const std::string path = std::move(m_unread.back());
         m_unread.pop_back();
         read(path, openFolder(path, O_NOFOLLOW));
+        if (m_batch.names.size() >= batchSize) handOver();
       }
+      handOver();
+      m_indexing.waitUntilIdle();
     }
     m_files.finish();
     return std::move(m_files);
@@ -117,14 +147,15 @@ class Walk {
  private:
   void read(const std::string& path, const OpenFolder& folder) {
     if (!folder) return;
-    const auto number = m_files.addFolder(path);
     const auto firstFound = static_cast<std::ptrdiff_t>(m_unread.size());
+    const std::size_t namesBefore = m_batch.names.size();
     while (const dirent* entry = ::readdir(folder.get())) {
       const std::string_view name = entry->d_name;
       if (name.starts_with('.') || isIgnored(name) || !isUtf8(name)) continue;
       switch (kindOf(*entry, ::dirfd(folder.get()))) {
         case Kind::File:
-          m_files.addFile(number, name);
+          m_batch.names += name;
+          m_batch.names += '\0';
           break;
         case Kind::Folder:
           if (!isPackage(name)) m_unread.push_back(path + '/' + std::string(name));
@@ -133,13 +164,21 @@ class Walk {
           break;
       }
     }
+    if (m_batch.names.size() > namesBefore) m_batch.folders.push_back({path, m_batch.names.size()});
     std::reverse(m_unread.begin() + firstFound, m_unread.end());
+  }
+
+  void handOver() {
+    m_indexing.post([this, batch = std::exchange(m_batch, {})] { batch.addTo(m_files); });
+    m_batch.names.reserve(2 * batchSize);
   }
 
   std::string m_root;  ///< without a slash at the end
   WorkspaceFiles m_files;
   std::stop_token m_stop;
   std::vector<std::string> m_unread;  ///< the next one last
+  Batch m_batch;
+  SerialQueue m_indexing{"vemo.index"};  ///< ends first: it uses the files
 };
 
 }  // namespace
