@@ -39,7 +39,7 @@ namespace {
 QString replaced(PlainPatterns& patterns, const QString& text, QStringView pattern,
                  const QString& replacement, CaseMatching caseMatching = CaseMatching::Sensitive) {
   const auto* regex = patterns.compiled(pattern, caseMatching);
-  return regex ? regex->replaced(text, replacement).value_or(text) : text;
+  return regex ? patterns.finished(regex->replaced(text, replacement)).value_or(text) : text;
 }
 
 QString replacedByTable(PlainPatterns& patterns, QString text, std::span<const RewriteRule> table,
@@ -56,7 +56,7 @@ QString replacedOneByOne(PlainPatterns& patterns, const QString& text, QStringVi
                          const std::function<std::optional<QString>(const Groups&)>& rewrite) {
   const auto* regex = patterns.compiled(pattern);
   if (!regex) return text;
-  const auto matches = regex->matches(text);
+  const auto matches = patterns.finished(regex->matches(text));
   if (!matches) return text;
   QString result = text;
   for (auto match = matches->rbegin(); match != matches->rend(); ++match) {
@@ -78,7 +78,8 @@ QString applyDictionary(PlainPatterns& patterns, QString text,
     const QString replacement = trimmed(entry.replacement);
     if (phrase.isEmpty() || replacement.isEmpty()) continue;
     if (const auto* regex = patterns.compiled(phrasePattern(phrase)))
-      text = regex->replaced(text, Regex::escapedTemplate(replacement)).value_or(text);
+      text = patterns.finished(regex->replaced(text, Regex::escapedTemplate(replacement)))
+                 .value_or(text);
     else
       text.replace(phrase, replacement, Qt::CaseInsensitive);
   }
@@ -165,7 +166,7 @@ QString PlainContextProcessor::applySlackRules(const QString& text) {
                               return userMention(groups[1]);
                             });
   marked = replacedByTable(m_patterns, marked, emojiRules, CaseMatching::Sensitive);
-  const auto send = m_patterns.compiled(sendPattern)->matches(marked);
+  const auto send = m_patterns.finished(m_patterns.compiled(sendPattern)->matches(marked));
   if (!send || send->empty()) return marked;
   const auto& match = send->front();
   QString recipient = marked.mid(match[2].start, match[2].length);

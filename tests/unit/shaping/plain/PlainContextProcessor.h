@@ -36,7 +36,18 @@ class PlainPatterns {
   /// Null when the pattern doesn't compile. Valid until the next call.
   const Regex* compiled(QStringView pattern, CaseMatching = CaseMatching::Sensitive);
 
+  /// What a pattern has made of a text, or nothing when it ran out of time.
+  template <typename Outcome>
+  std::optional<Outcome> finished(std::expected<Outcome, RegexError> outcome) {
+    if (outcome) return *std::move(outcome);
+    m_isCutShort = true;
+    return std::nullopt;
+  }
+
+  bool isCutShort() const { return m_isCutShort; }
+
  private:
+  bool m_isCutShort = false;
   Keeping m_keeping;
   std::map<std::pair<QString, CaseMatching>, std::expected<Regex, RegexError>> m_kept;
 };
@@ -49,6 +60,9 @@ class PlainContextProcessor {
 
   QString process(const QString& text, const QString& bundleId, const QString& appName,
                   const PlainSettings& settings);
+
+  /// Whether a pattern has ever run out of time, so that the outcome tells nothing.
+  bool isCutShort() const { return m_patterns.isCutShort(); }
 
  private:
   QString applyFileTagging(const QString& text);
