@@ -8,16 +8,13 @@ takes off the time in which the service had the request. Prints one JSON line; e
 median is above 10 ms or the 99th percentile above 30 ms.
 """
 
-import argparse
 import json
-import pathlib
 import subprocess
 import sys
 import threading
 import time
 
-ROOT = pathlib.Path(__file__).resolve().parents[2]
-sys.path.insert(0, str(ROOT / "tests/desktop"))
+from inside_a_desktop import inside_a_desktop
 
 MEDIAN_LIMIT_MS = 10
 P99_LIMIT_MS = 30
@@ -94,18 +91,8 @@ def measure(dictations):
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawTextHelpFormatter)
-    parser.add_argument("--dictations", type=int, default=200)
-    parser.add_argument("--programs", default=str(ROOT / "build/release/bin"))
-    parser.add_argument("--inside", action="store_true", help=argparse.SUPPRESS)
-    arguments = parser.parse_args()
-    if not arguments.inside:
-        command = [str(ROOT / "tools/virtual-desktop"), "--window-manager", "--audio", "--keyring", "--",
-                   "env", f"VEMO_PROGRAMS={arguments.programs}", __file__, "--inside",
-                   f"--dictations={arguments.dictations}"]
-        return subprocess.run(command, check=False).returncode
-
-    latencies = measure(arguments.dictations)
+    dictations = inside_a_desktop(__doc__, "dictations", 200)
+    latencies = measure(dictations)
     median = latencies[len(latencies) // 2]
     p99 = latencies[min(len(latencies) - 1, len(latencies) * 99 // 100)]
     print(json.dumps({"dictations": len(latencies), "medianMs": round(median, 2), "p99Ms": round(p99, 2),

@@ -7,15 +7,12 @@ Makes a virtual desktop, dictates once so that everything has been used, and wat
 (60). Prints one JSON line; exits with 1 above 40 MB or above one wake-up a second.
 """
 
-import argparse
 import json
 import pathlib
-import subprocess
 import sys
 import time
 
-ROOT = pathlib.Path(__file__).resolve().parents[2]
-sys.path.insert(0, str(ROOT / "tests/desktop"))
+from inside_a_desktop import inside_a_desktop
 
 MEMORY_LIMIT_MB = 40
 WAKE_UPS_LIMIT = 1.0
@@ -63,19 +60,9 @@ def measure(seconds):
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawTextHelpFormatter)
-    parser.add_argument("--seconds", type=int, default=60)
-    parser.add_argument("--programs", default=str(ROOT / "build/release/bin"))
-    parser.add_argument("--inside", action="store_true", help=argparse.SUPPRESS)
-    arguments = parser.parse_args()
-    if not arguments.inside:
-        command = [str(ROOT / "tools/virtual-desktop"), "--window-manager", "--audio", "--keyring", "--",
-                   "env", f"VEMO_PROGRAMS={arguments.programs}", __file__, "--inside",
-                   f"--seconds={arguments.seconds}"]
-        return subprocess.run(command, check=False).returncode
-
-    fresh, used, woken = measure(arguments.seconds)
-    rate = sum(woken.values()) / arguments.seconds
+    seconds = inside_a_desktop(__doc__, "seconds", 60)
+    fresh, used, woken = measure(seconds)
+    rate = sum(woken.values()) / seconds
     print(json.dumps({"residentMB": round(used, 1), "residentMBBeforeTheFirstDictation": round(fresh, 1),
                       "wakeUpsPerSecond": round(rate, 2), "wakeUpsByThread": woken,
                       "limits": {"residentMB": MEMORY_LIMIT_MB, "wakeUpsPerSecond": WAKE_UPS_LIMIT}}))

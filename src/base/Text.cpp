@@ -78,4 +78,8 @@ QString lowerCased(const QString& text) {
   return QString::fromUtf16(lower.getBuffer(), lower.length());
 }
 
+QString trueOrFalse(bool value) {
+  return value ? QStringLiteral("true") : QStringLiteral("false");
+}
+
 }  // namespace vemo

@@ -25,4 +25,7 @@ qsizetype wordCount(QStringView text);
 /// Unicode's full lower-casing, without the special cases of any locale.
 QString lowerCased(const QString& text);
 
+/// "true" or "false", as logs write it.
+QString trueOrFalse(bool value);
+
 }  // namespace vemo

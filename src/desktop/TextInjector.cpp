@@ -1,5 +1,6 @@
 #include "desktop/TextInjector.h"
 
+#include "base/Text.h"
 #include "desktop/ConcealedText.h"
 #include "ports/KeyPoster.h"
 #include "ports/SecureInput.h"
@@ -18,10 +19,6 @@ constexpr int mostModifierPolls = 60;
 constexpr auto pasteKeyGap = 20ms;
 /// What the target gets to read the clipboard after the keystroke.
 constexpr auto restoreDelay = 900ms;
-
-QString trueOrFalse(bool value) {
-  return value ? u"true"_s : u"false"_s;
-}
 
 }  // namespace
 

@@ -1,6 +1,7 @@
 #include "session/AppState.h"
 
 #include "account/AuthManager.h"
+#include "base/Text.h"
 #include "desktop/ConcealedText.h"
 #include "desktop/HotkeyManager.h"
 #include "desktop/PermissionsManager.h"
@@ -14,14 +15,6 @@
 namespace vemo {
 
 using namespace Qt::Literals::StringLiterals;
-
-namespace {
-
-QString trueOrFalse(bool value) {
-  return value ? u"true"_s : u"false"_s;
-}
-
-}  // namespace
 
 AppState::AppState(AppStateNeighbours neighbours)
     : m_with(neighbours),

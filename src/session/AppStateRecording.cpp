@@ -148,9 +148,8 @@ void AppState::stopRecording() {
   m_lastRecordingSeconds = result->totalDuration;
   m_lastStopAt = now;
   m_lastWasChunked = result->isChunked;
-  m_with.debugLog(
-      u"recording stopped — isChunked: %1 (~%2s)"_s.arg(m_lastWasChunked ? u"true"_s : u"false"_s)
-          .arg(m_lastRecordingSeconds, 0, 'f', 2));
+  m_with.debugLog(u"recording stopped — isChunked: %1 (~%2s)"_s.arg(trueOrFalse(m_lastWasChunked))
+                      .arg(m_lastRecordingSeconds, 0, 'f', 2));
 
   if (m_lastRecordingSeconds < minAudioSeconds) {
     endQuietly();
