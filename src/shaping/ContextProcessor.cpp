@@ -44,8 +44,8 @@ QString ContextProcessor::process(const QString& text) {
   const auto frontmost = m_with.applications.frontmost().value_or(RunningApplication{});
   const QString bundleId = frontmost.identifier.value_or(u""_s);
   const QString appName = frontmost.name.value_or(u"Unknown"_s);
-  m_with.debugLog(
-      u"context: frontmost [%1], %2 chars in"_s.arg(bundleId).arg(characterCount(text)));
+  const qsizetype count = characterCount(text);
+  m_with.debugLog(u"context: frontmost [%1], %2 chars in"_s.arg(bundleId).arg(count));
 
   const TimeBudget whole(m_with.clock, timeLimit);
   QString shaped = text;
@@ -75,8 +75,10 @@ QString ContextProcessor::process(const QString& text) {
   }
   shaped = withSingleBlanks(shaped);
 
-  m_with.debugLog(u"context: %1 chars out, changed=%2"_s.arg(characterCount(shaped))
-                      .arg(shaped == text ? u"false"_s : u"true"_s));
+  const bool isChanged = shaped != text;
+  m_with.debugLog(
+      u"context: %1 chars out, changed=%2"_s.arg(isChanged ? characterCount(shaped) : count)
+          .arg(isChanged ? u"true"_s : u"false"_s));
   return shaped;
 }
 

@@ -32,6 +32,14 @@ bool isInsidePlainWord(QStringView text, qsizetype position) {
          isPlainWordUnit(text[position - 1].unicode());
 }
 
+/// Whether folding leaves the unit alone, told without a look into ICU's tables: true of ASCII but
+/// its capitals, and of the blocks from Hebrew to Myanmar, CJK and Hangul.
+bool isWithoutCase(char16_t unit) {
+  if (unit < 0x80) return unit < u'A' || unit > u'Z';
+  return (unit >= 0x0590 && unit < 0x10A0) || (unit >= 0x2E80 && unit < 0xA640) ||
+         (unit >= 0xAC00 && unit < 0xD7FC);
+}
+
 /// A text folded unit by unit, with white space as single blanks.
 struct FoldedText {
   std::vector<char16_t> units;
@@ -51,8 +59,8 @@ struct FoldedText {
       if (units.empty() || units.back() != u' ') append(u' ', start);
       return position + 1;
     }
-    if (unit < 0x80) {
-      append(unit >= u'A' && unit <= u'Z' ? unit + (u'a' - u'A') : unit, start);
+    if (unit < 0x80 || isWithoutCase(unit)) {
+      append(isWithoutCase(unit) ? unit : unit + (u'a' - u'A'), start);
       return position + 1;
     }
     const bool isPair = text[position].isHighSurrogate() && position + 1 < text.size() &&

@@ -34,6 +34,6 @@ std::optional<std::vector<CustomShortcutEntry>> decodeShortcuts(const QByteArray
 QString phrasePattern(const QString& phrase);
 
 /// More bytes than these are not read: they couldn't be within the time of a dictation.
-inline constexpr qsizetype maxStoredBytes = 4 * 1024 * 1024;
+inline constexpr qsizetype maxStoredBytes = 2 * 1024 * 1024;
 
 }  // namespace vemo

@@ -28,7 +28,10 @@ void DictionaryStage::read(const QByteArray& stored) {
     const QString phrase = trimmed(entry.phrase);
     const QString replacement = trimmed(entry.replacement);
     if (phrase.isEmpty() || replacement.isEmpty()) continue;
-    m_entries.add({.pattern = phrasePattern(phrase), .replacement = replacement, .literal = phrase},
+    m_entries.add({.pattern = phrase,
+                   .patternFor = phrasePattern,
+                   .replacement = replacement,
+                   .literal = phrase},
                   {phrase});
   }
 }

@@ -113,13 +113,16 @@ class RuleSequence::Run {
   }
 
   std::expected<std::vector<RegexMatch>, RegexError> matchesOf(Entry& entry) const {
-    if (!entry.regex) entry.regex = Regex::compile(entry.rule.pattern, entry.rule.caseMatching);
+    const Rule& rule = entry.rule;
+    if (!entry.regex)
+      entry.regex = Regex::compile(rule.patternFor ? rule.patternFor(rule.pattern) : rule.pattern,
+                                   rule.caseMatching);
     if (*entry.regex)
       return (*entry.regex)->matchesAt(m_text, startsOf(entry), [this] {
         return m_budget.isSpent();
       });
-    if (entry.rule.literal.isEmpty()) return {};
-    return literalMatches(m_text, entry.rule.literal);
+    if (rule.literal.isEmpty()) return {};
+    return literalMatches(m_text, rule.literal);
   }
 
   std::vector<qsizetype> startsOf(const Entry& entry) const {

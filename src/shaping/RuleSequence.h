@@ -30,8 +30,12 @@ class RuleSequence {
   /// What a match becomes; nothing leaves it as it is.
   using Rewrite = std::function<std::optional<QString>(const QString& text, const RegexMatch&)>;
 
+  /// The pattern for a phrase, made when it is first needed: of thousands few ever are.
+  using PatternFor = QString (*)(const QString& phrase);
+
   struct Rule {
-    QString pattern;
+    QString pattern;  ///< or the phrase that `patternFor` makes one of
+    PatternFor patternFor = nullptr;
     CaseMatching caseMatching = CaseMatching::Sensitive;
     QString replacement = QString();  ///< inserted as it is, unless there is a `rewrite`
     Rewrite rewrite = nullptr;

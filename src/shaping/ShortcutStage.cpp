@@ -71,7 +71,8 @@ void ShortcutStage::read(const QByteArray& stored) {
     const QString trigger = trimmed((*entries)[number].trigger);
     const QString snippet = trimmed((*entries)[number].snippet);
     if (trigger.isEmpty() || snippet.isEmpty()) continue;
-    m_triggers.add({.pattern = phrasePattern(trigger), .replacement = snippet}, {trigger});
+    m_triggers.add({.pattern = trigger, .patternFor = phrasePattern, .replacement = snippet},
+                   {trigger});
   }
 }
 

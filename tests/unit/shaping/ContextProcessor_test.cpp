@@ -209,7 +209,7 @@ TEST_F(ContextProcessorTest, ADictionaryThatDoublesTheTextWithEachEntryIsGivenUp
       storage.hasLogged(u"context: dictionary left 1000 chars as found: made the text too long"_s));
 }
 
-TEST_F(ContextProcessorTest, AListBeyondFourMegabytesIsNotRead) {
+TEST_F(ContextProcessorTest, AListBeyondTwoMegabytesIsNotRead) {
   const auto sized = [](qsizetype size) {
     const QByteArray list = storedDictionary({{u"foo"_s, u"bar"_s}});
     return list.chopped(1) + QByteArray(size - list.size(), ' ') + ']';

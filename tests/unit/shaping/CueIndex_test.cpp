@@ -41,6 +41,16 @@ TEST_F(CueIndexTest, CaseIsFoldedInFull) {
   EXPECT_THAT(starts(u"STRASSE fine FINE \u1E9E"_s), ElementsAre(0, 8, 13));
 }
 
+TEST_F(CueIndexTest, EveryCharacterIsFoundByItsFoldedForm) {
+  for (char32_t unit = 1; unit < 0x20000; ++unit) {
+    const QString character = QString::fromUcs4(&unit, 1);
+    const QString folded = character.toCaseFolded();
+    if (folded != character) {
+      EXPECT_EQ(index.add(character), index.add(folded)) << std::uint32_t{unit};
+    }
+  }
+}
+
 TEST_F(CueIndexTest, PhrasesThatCantBeToldApartShareACue) {
   EXPECT_EQ(index.add(u"new york"), index.add(u"NEW\n York"));
   EXPECT_NE(index.add(u"new"), index.add(u"york"));
