@@ -1,5 +1,7 @@
 #include "TextShaper.h"
 
+#include <time.h>
+
 #include <QTemporaryDir>
 #include <stop_token>
 
@@ -21,6 +23,19 @@ namespace vemo {
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
+
+/// Time that this program has had of the processor: what comes out is the same on a busy machine.
+class ProcessorClock final : public QtClock {
+ public:
+  using QtClock::QtClock;
+
+  MonotonicTime monotonicTime() const override {
+    timespec used{};
+    ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &used);
+    return MonotonicTime(std::chrono::seconds(used.tv_sec) +
+                         std::chrono::nanoseconds(used.tv_nsec));
+  }
+};
 
 /// An application in front that has never been there.
 class NamedApplication final : public FocusedApplication {
@@ -68,7 +83,7 @@ struct TextShaper::Parts {
   }
 
   QtMainThread mainThread;
-  QtClock clock{mainThread};
+  ProcessorClock clock{mainThread};
   QTemporaryDir folder;  ///< the settings': for the user alone, and gone with the program
   DebugLog debugLog{clock, QString()};
   Settings settings{folder.filePath(u"settings.json"_s), debugLog};
