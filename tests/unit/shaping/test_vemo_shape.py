@@ -17,8 +17,8 @@ def entries(heard, written, pairs):
 
 class ShapeTest(unittest.TestCase):
     def setUp(self):
-        # Not below a folder called "tmp", which no project is looked for in.
-        folder = tempfile.TemporaryDirectory(dir=os.environ["VEMO_SHAPE_FOLDER"])
+        # Not below a folder called "tmp" or "build": a project there has no files.
+        folder = tempfile.TemporaryDirectory(dir="/dev/shm")
         self.addCleanup(folder.cleanup)
         self.folder = pathlib.Path(folder.name)
 
