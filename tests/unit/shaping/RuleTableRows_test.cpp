@@ -1,10 +1,12 @@
 // The tables once more, so that no row, flag or order changes by a slip of the hand.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <QString>
 #include <span>
 
 #include "shaping/BroadcastRules.h"
+#include "shaping/DeveloperTools.h"
 #include "shaping/EmojiRules.h"
 #include "shaping/FileTagPatterns.h"
 #include "shaping/MentionPatterns.h"
@@ -117,6 +119,15 @@ TEST(RuleTableRowsTest, TheLonePatternsAreThese) {
             uR"((?:mention|tag)\s+\2\b)");
   EXPECT_EQ(plainMentionPattern.pattern, uR"((?i)\b(?:mention|tag)\s+([a-zA-Z0-9_\-\.]+)\b)");
   EXPECT_EQ(sendPattern, uR"((?i)^send\s+(.+?)\s+to\s+(@[a-zA-Z0-9_\-\.]+)[.?!]?$)");
+}
+
+TEST(RuleTableRowsTest, TheWordsOfDeveloperToolsAreThese) {
+  EXPECT_THAT(developerToolIdentifierWords,
+              testing::ElementsAre(u"code", u"cursor", u"antigravity", u"windsurf", u"xcode",
+                                   u"jetbrains", u"zed", u"terminal", u"warp", u"iterm"));
+  EXPECT_THAT(developerToolNameWords,
+              testing::ElementsAre(u"code", u"cursor", u"antigravity", u"windsurf", u"xcode",
+                                   u"terminal", u"warp", u"iterm"));
 }
 
 TEST(RuleTableRowsTest, NoReplacementHasAMeaningAsATemplate) {
