@@ -1,5 +1,6 @@
 // From audio to text: the whole recording, the streaming slot, failures, and what comes back late.
 
+#include "fakes/FakeWebSocket.h"
 #include "session/SessionFixture.h"
 
 namespace vemo {
@@ -8,36 +9,20 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// A streaming session that answers when the test says so.
-class FakeStream : public StreamingDictationSession {
- public:
-  explicit FakeStream(MainThread& mainThread) : text(mainThread) {}
-
-  Task<std::optional<QString>> finish(Clock::Duration timeout, std::stop_token) override {
-    finishTimeout = timeout;
-    co_return co_await text;
-  }
-  void cancel() override {
-    ++cancellations;
-    text.complete(std::nullopt);
-  }
-
-  Completion<std::optional<QString>> text;
-  Clock::Duration finishTimeout{};
-  int cancellations = 0;
-};
-
 class AppStateTranscriptionTest : public SessionFixture {
  protected:
   /// A recording of `seconds` with a streaming session in the slot, stopped.
-  std::shared_ptr<FakeStream> stopStreamed(double seconds) {
-    auto stream = std::make_shared<FakeStream>(mainThread);
+  std::shared_ptr<StreamingDictationSession> stopStreamed(double seconds) {
+    auto stream = std::make_shared<StreamingDictationSession>(std::make_unique<FakeWebSocket>(peer),
+                                                              clock, mainThread, storage.debugLog);
     startRecording();
     appState->setStream(stream);
     hear(seconds);
     stopRecording();
     return stream;
   }
+
+  std::shared_ptr<FakeWebSocket::Peer> peer = std::make_shared<FakeWebSocket::Peer>(mainThread);
 };
 
 TEST_F(AppStateTranscriptionTest, AShortRecordingGoesWholeToTheService) {
@@ -139,8 +124,7 @@ TEST_F(AppStateTranscriptionTest, DisablingWhileTranscribingIsIdleAtOnceAndALate
 TEST_F(AppStateTranscriptionTest, AStreamedTextIsTakenAndTheChunksHeldBackAreForgotten) {
   startUp();
   const auto stream = stopStreamed(16.0);
-  EXPECT_EQ(stream->finishTimeout, Clock::Duration(6s));
-  stream->text.complete(u"streamed"_s);
+  stream->takeDone(u"streamed"_s);
   mainThread.drain();
   finishPaste();
   EXPECT_THAT(pastedTexts(), ElementsAre(u"streamed"_s));
@@ -154,10 +138,12 @@ TEST_F(AppStateTranscriptionTest, AFailedStreamFallsBackToTheChunksHeldBackAndTh
   http.answer(chunkPath, 200, success(u"tail"_s));
   http.answer(chunkPath, 200, success(u"first"_s));
   http.answer(finalizePath, 200, success(u"First tail."_s));
-  const auto stream = stopStreamed(16.0);
+  stopStreamed(16.0);
   takeEvents();
-  stream->text.complete(std::nullopt);
-  mainThread.drain();
+  clock.advance(5'999ms);
+  EXPECT_THAT(http.requests(), IsEmpty());
+  clock.advance(1ms);
+  EXPECT_TRUE(storage.hasLogged(u"streaming: not used (timeout)"_s));
   finishPaste();
   EXPECT_THAT(pastedTexts(), ElementsAre(u"First tail."_s));
   EXPECT_THAT(takeEvents().front(), R"(dictation_stream_fallback {"reason":"after_stop"})");
@@ -167,19 +153,19 @@ TEST_F(AppStateTranscriptionTest, AFailedStreamFallsBackToTheChunksHeldBackAndTh
 TEST_F(AppStateTranscriptionTest, AFailedStreamOfAShortRecordingFallsBackToTheWholeOfIt) {
   startUp();
   http.answer(dictatePath, 200, success(u"whole"_s));
-  const auto stream = stopStreamed(2.0);
-  stream->text.complete(std::nullopt);
-  mainThread.drain();
+  peer->messagesUntilDrop = 0;
+  stopStreamed(2.0);
   finishPaste();
   EXPECT_THAT(pastedTexts(), ElementsAre(u"whole"_s));
 }
 
 TEST_F(AppStateTranscriptionTest, DisablingWhileAStreamFinishesCancelsItAndPastesNothing) {
   startUp();
-  const auto stream = stopStreamed(2.0);
+  stopStreamed(2.0);
   appState->setEnabled(false);
   mainThread.drain();
-  EXPECT_EQ(stream->cancellations, 1);
+  EXPECT_THAT(peer->closeCodes, ElementsAre(1000));
+  EXPECT_FALSE(storage.logMessages().join(u'\n').contains(u"streaming: not used"_s));
   EXPECT_EQ(appState->phase(), Phase::idle());
   EXPECT_THAT(http.requests(), IsEmpty());
   EXPECT_THAT(pastedTexts(), IsEmpty());
@@ -187,12 +173,21 @@ TEST_F(AppStateTranscriptionTest, DisablingWhileAStreamFinishesCancelsItAndPaste
 
 TEST_F(AppStateTranscriptionTest, ATooShortRecordingCancelsItsStream) {
   startUp();
-  const auto stream = stopStreamed(0.1);
-  EXPECT_EQ(stream->cancellations, 1);
+  stopStreamed(0.1);
+  EXPECT_THAT(peer->closeCodes, ElementsAre(1000));
   EXPECT_EQ(appState->phase(), Phase::idle());
 }
 
-TEST_F(AppStateTranscriptionTest, EndingTheSessionInAnyPhaseLeavesNothingBehind) {
+TEST_F(AppStateTranscriptionTest, EndingTheSessionWhileRecordingLeavesNothingBehind) {
+  startUp();
+  startRecording();
+  hear(1.0);
+  appState.reset();
+  clock.advance(3h);
+  EXPECT_THAT(http.requests(), IsEmpty());
+}
+
+TEST_F(AppStateTranscriptionTest, EndingTheSessionWhileTranscribingEndsTheRequest) {
   startUp();
   http.neverAnswer(dictatePath);
   startRecording();
@@ -201,6 +196,24 @@ TEST_F(AppStateTranscriptionTest, EndingTheSessionInAnyPhaseLeavesNothingBehind)
   appState.reset();
   mainThread.drain();
   EXPECT_EQ(http.openCount(), 0);
+}
+
+TEST_F(AppStateTranscriptionTest, EndingTheSessionWhileInjectingLeavesNoKeyDown) {
+  startUp();
+  dictate(u"hello"_s);
+  ASSERT_EQ(keyPoster.events().size(), 1u);
+  appState.reset();
+  clock.advance(3s);
+  EXPECT_EQ(keyPoster.events().size(), 2u);
+}
+
+TEST_F(AppStateTranscriptionTest, EndingTheSessionInTheErrorPhaseWakesNobody) {
+  startUp();
+  audioInput.startError = u"broken"_s;
+  appState->handleToggleTrigger();
+  appState.reset();
+  clock.advance(3s);
+  EXPECT_EQ(hud.takeCalls().size(), 1u);
 }
 
 }  // namespace
