@@ -210,17 +210,21 @@ TEST_F(ContextProcessorTest, ADictionaryThatDoublesTheTextWithEachEntryIsGivenUp
 }
 
 TEST_F(ContextProcessorTest, AListBeyondTwoMegabytesIsNotRead) {
-  const auto sized = [](qsizetype size) {
-    const QByteArray list = storedDictionary({{u"foo"_s, u"bar"_s}});
+  const auto sized = [](const QByteArray& list, qsizetype size) {
     return list.chopped(1) + QByteArray(size - list.size(), ' ') + ']';
   };
-  storage.settings.set(keys::customDictionaryEntries, sized(maxStoredBytes));
+  const QByteArray dictionary = storedDictionary({{u"foo"_s, u"bar"_s}});
+  const QByteArray shortcuts = storedShortcuts({{u"foo"_s, u"sig"_s}});
+  storage.settings.set(keys::customShortcutEntries, sized(shortcuts, maxStoredBytes));
+  EXPECT_EQ(shaped(u"foo"_s), u"sig"_s);
+  storage.settings.remove(keys::customShortcutEntries);
+  storage.settings.set(keys::customDictionaryEntries, sized(dictionary, maxStoredBytes));
   EXPECT_EQ(shaped(u"foo"_s), u"bar"_s);
-  storage.settings.set(keys::customDictionaryEntries, sized(maxStoredBytes + 1));
+  storage.settings.set(keys::customDictionaryEntries, sized(dictionary, maxStoredBytes + 1));
   EXPECT_EQ(shaped(u"foo"_s), u"foo"_s);
   EXPECT_TRUE(
       storage.hasLogged(u"context: dictionary left 3 chars as found: has too long a list"_s));
-  storage.settings.set(keys::customShortcutEntries, sized(maxStoredBytes + 1));
+  storage.settings.set(keys::customShortcutEntries, sized(shortcuts, maxStoredBytes + 1));
   EXPECT_EQ(shaped(u"foo"_s), u"foo"_s);
   EXPECT_TRUE(storage.hasLogged(u"context: snippets left 3 chars as found: has too long a list"_s));
 }
