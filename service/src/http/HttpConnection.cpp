@@ -14,8 +14,8 @@ using boost::system::error_code;
 
 constexpr std::size_t bufferLimit = 128 * 1024;
 constexpr std::size_t transcriptLimit = 4 * 1024 * 1024;
-/// How long a refused sender may go on sending, so that it gets to read why.
-constexpr std::chrono::seconds lingerTime{2};
+/// What a refused sender may go on sending, in bodies of the largest size.
+constexpr std::uint64_t discardedBodies = 4;
 
 /// For co_await: the error becomes a value.
 auto into(error_code& error) {
@@ -56,9 +56,18 @@ HttpConnection::HttpConnection(net::ip::tcp::socket socket, const Limits& limits
 }
 
 void HttpConnection::start() {
+  spawn(&HttpConnection::run);
+}
+
+void HttpConnection::turnAway() {
+  m_turnedAway = true;
+  spawn(&HttpConnection::runTurnedAway);
+}
+
+void HttpConnection::spawn(net::awaitable<void> (HttpConnection::*life)()) {
   auto self = shared_from_this();
   net::co_spawn(
-      m_stream.get_executor(), [self] { return self->run(); },
+      m_stream.get_executor(), [self, life] { return (self.get()->*life)(); },
       [self](std::exception_ptr failure) {
         // Memory that ran out: this connection ends, the others go on.
         if (failure) self->m_log.note("a connection failed");
@@ -83,6 +92,12 @@ net::awaitable<void> HttpConnection::run() {
   }
   error_code ignored;
   m_stream.socket().shutdown(net::socket_base::shutdown_both, ignored);
+}
+
+net::awaitable<void> HttpConnection::runTurnedAway() {
+  m_began = std::chrono::steady_clock::now();
+  constexpr auto anything = std::numeric_limits<std::uint64_t>::max();
+  co_await refuse(errorAnswer(503, "The service is busy. Try again in a moment."), anything);
 }
 
 net::awaitable<bool> HttpConnection::waitForRequest() {
@@ -110,18 +125,18 @@ net::awaitable<HttpConnection::Next> HttpConnection::serve() {
   co_await http::async_read_header(m_stream, m_buffer, parser, into(error));
   if (isHttpError(error) && error != http::error::end_of_stream &&
       error != http::error::partial_message)
-    co_return co_await refuse(parseFailure(error), Unread::Body);
+    co_return co_await refuse(parseFailure(error), 0);
   if (error) {
     if (error == beast::error::timeout) log(408);
     co_return Next::Close;
   }
 
-  if (const auto answer = framingError(parser)) co_return co_await refuse(*answer, Unread::Body);
-  const auto target = admit(parser);
-  if (!target) {
+  if (const auto answer = framingError(parser)) co_return co_await refuse(*answer, 0);
+  const auto request = admit(parser);
+  if (!request) {
     const bool bodyFollows = parser.chunked() || parser.content_length().value_or(0) > 0;
-    if (bodyFollows) co_return co_await refuse(target.error(), Unread::Body);
-    co_return co_await send(target.error(), parser.keep_alive());
+    if (bodyFollows) co_return co_await refuse(request.error(), stillToCome(parser));
+    co_return co_await send(request.error(), parser.keep_alive());
   }
 
   if (beast::iequals(parser.get()[http::field::expect], "100-continue")) {
@@ -129,13 +144,13 @@ net::awaitable<HttpConnection::Next> HttpConnection::serve() {
     co_await net::async_write(m_stream, net::buffer(goOn), into(error));
     if (error) co_return Next::Close;
   }
-  parser.body_limit(bodyLimit(target->route->endpoint));
+  parser.body_limit(bodyLimit(request->target.route->endpoint));
   m_stream.expires_after(m_limits.bodyTime);
   if (!parser.is_done()) co_await http::async_read(m_stream, m_buffer, parser, into(error));
   m_entry.bodyBytes = parser.get().body().size();
   if (error == http::error::body_limit ||
       (isHttpError(error) && error != http::error::partial_message))
-    co_return co_await refuse(parseFailure(error), Unread::Body);
+    co_return co_await refuse(parseFailure(error), stillToCome(parser));
   if (error) {
     log(error == beast::error::timeout ? 408 : clientClosedRequest);
     co_return Next::Close;
@@ -145,7 +160,7 @@ net::awaitable<HttpConnection::Next> HttpConnection::serve() {
   // A waiting upload holds its body and nothing else of size.
   if (m_buffer.size() == 0) m_buffer.shrink_to_fit();
   m_stream.expires_never();
-  auto answer = co_await recognise(*target, std::move(parser.get().body()));
+  auto answer = co_await recognise(*request, std::move(parser.get().body()));
   if (answer.status == clientClosedRequest) {
     log(answer.status);
     co_return Next::Close;
@@ -164,15 +179,24 @@ std::optional<Answer> HttpConnection::framingError(const Parser& parser) const {
   return errorAnswer(400, "The request cannot be read.");
 }
 
-std::expected<RequestTarget, Answer> HttpConnection::admit(const Parser& parser) {
+std::expected<AdmittedRequest, Answer> HttpConnection::admit(const Parser& parser) {
   const auto& head = parser.get();
   if (head.method() != http::verb::unknown) m_entry.method = http::to_string(head.method());
-  const auto target = m_api.admit(head.method(), head.target(), head[http::field::authorization]);
+  const auto request = m_api.admit({.method = head.method(),
+                                    .target = head.target(),
+                                    .authorization = head[http::field::authorization],
+                                    .dictationId = head["x-dictation-id"]});
   if (const auto asked = parseTarget(head.target())) m_entry.path = asked->route->path;
-  if (!target) return target;
-  if (parser.content_length().value_or(0) > bodyLimit(target->route->endpoint))
+  if (!request) return request;
+  if (parser.content_length().value_or(0) > bodyLimit(request->target.route->endpoint))
     return std::unexpected(errorAnswer(413, "The recording is too long."));
-  return target;
+  return request;
+}
+
+/// Nothing when nobody can know, as in a chunked body.
+std::uint64_t HttpConnection::stillToCome(const Parser& parser) const {
+  const auto remaining = parser.content_length_remaining().value_or(0);
+  return remaining - std::min<std::uint64_t>(remaining, m_buffer.size());
 }
 
 std::size_t HttpConnection::bodyLimit(Endpoint endpoint) const {
@@ -188,12 +212,12 @@ std::size_t HttpConnection::bodyLimit(Endpoint endpoint) const {
   return 0;
 }
 
-net::awaitable<Answer> HttpConnection::recognise(const RequestTarget& target, std::string body) {
+net::awaitable<Answer> HttpConnection::recognise(const AdmittedRequest& request, std::string body) {
   const auto executor = co_await net::this_coro::executor;
   watchForLeaving();
   auto answer = co_await net::async_initiate<decltype(net::use_awaitable), void(Answer)>(
-      [this, &target, &body, executor](auto handler) {
-        m_api.answer(target, std::move(body), m_stop.get_token(),
+      [this, &request, &body, executor](auto handler) {
+        m_api.answer(request, std::move(body), m_stop.get_token(),
                      [handler = std::move(handler),
                       work = net::make_work_guard(executor)](Answer result) mutable {
                        net::post(work.get_executor(), [handler = std::move(handler),
@@ -218,19 +242,34 @@ void HttpConnection::watchForLeaving() {
       });
 }
 
-net::awaitable<HttpConnection::Next> HttpConnection::refuse(Answer answer, Unread unread) {
+net::awaitable<HttpConnection::Next> HttpConnection::refuse(Answer answer,
+                                                            std::uint64_t stillToCome) {
   co_await send(std::move(answer), false);
-  if (unread == Unread::Body) co_await discardInput();
+  co_await discardInput(stillToCome);
   co_return Next::Close;
 }
 
-/// Closing with input unread makes the kernel reset the connection, and the answer may be lost.
-net::awaitable<void> HttpConnection::discardInput() {
+/// Many clients look at their answer only once they have sent everything, and take a connection
+/// that ends before for a lost one. Closing with input unread makes the kernel reset the
+/// connection, and the answer may be lost too.
+net::awaitable<void> HttpConnection::discardInput(std::uint64_t expected) {
+  if (m_finishing) co_return;
+  m_idle = true;
+  const std::uint64_t limit = discardedBodies * m_limits.bodyBytes;
+  m_stream.expires_after(m_limits.refusedTime);
+  co_await discard(std::min(expected, limit));
+  error_code ignored;
+  m_stream.socket().shutdown(net::socket_base::shutdown_send, ignored);
+  co_await discard(limit - std::min(expected, limit));
+}
+
+net::awaitable<void> HttpConnection::discard(std::uint64_t count) {
+  std::array<char, 16 * 1024> dropped;
   error_code error;
-  m_stream.socket().shutdown(net::socket_base::shutdown_send, error);
-  m_stream.expires_after(lingerTime);
-  std::array<char, 4096> dropped;
-  while (!error) co_await m_stream.async_read_some(net::buffer(dropped), into(error));
+  while (!error && count > 0) {
+    const auto read = co_await m_stream.async_read_some(net::buffer(dropped), into(error));
+    count -= std::min<std::uint64_t>(count, read);
+  }
 }
 
 net::awaitable<HttpConnection::Next> HttpConnection::send(Answer answer, bool keepAlive) {

@@ -32,6 +32,9 @@ class HttpConnection : public std::enable_shared_from_this<HttpConnection> {
                  AccessLog& log, Ended ended);
 
   void start();
+  /// Instead of `start`: says that the service is busy, and ends.
+  void turnAway();
+  bool isTurnedAway() const { return m_turnedAway; }
   /// Ends at once when no request is under way, else after its answer.
   void finish();
   /// Ends now, whatever is under way.
@@ -40,17 +43,20 @@ class HttpConnection : public std::enable_shared_from_this<HttpConnection> {
  private:
   using Parser = boost::beast::http::request_parser<boost::beast::http::string_body>;
   enum class Next { Serve, Close };
-  enum class Unread { Nothing, Body };
 
+  void spawn(boost::asio::awaitable<void> (HttpConnection::*life)());
   boost::asio::awaitable<void> run();
+  boost::asio::awaitable<void> runTurnedAway();
   boost::asio::awaitable<Next> serve();
   boost::asio::awaitable<bool> waitForRequest();
-  boost::asio::awaitable<Next> refuse(Answer answer, Unread unread);
+  boost::asio::awaitable<Next> refuse(Answer answer, std::uint64_t stillToCome);
   boost::asio::awaitable<Next> send(Answer answer, bool keepAlive);
-  boost::asio::awaitable<Answer> recognise(const RequestTarget& target, std::string body);
-  boost::asio::awaitable<void> discardInput();
+  boost::asio::awaitable<Answer> recognise(const AdmittedRequest& request, std::string body);
+  boost::asio::awaitable<void> discardInput(std::uint64_t expected);
+  boost::asio::awaitable<void> discard(std::uint64_t count);
   std::optional<Answer> framingError(const Parser& parser) const;
-  std::expected<RequestTarget, Answer> admit(const Parser& parser);
+  std::expected<AdmittedRequest, Answer> admit(const Parser& parser);
+  std::uint64_t stillToCome(const Parser& parser) const;
   void watchForLeaving();
   void log(unsigned status);
   std::size_t bodyLimit(Endpoint endpoint) const;
@@ -64,6 +70,7 @@ class HttpConnection : public std::enable_shared_from_this<HttpConnection> {
   std::stop_source m_stop;
   AccessLog::Entry m_entry;
   std::chrono::steady_clock::time_point m_began;
+  bool m_turnedAway = false;
   bool m_idle = true;
   bool m_finishing = false;
 };

@@ -14,18 +14,8 @@ using net::ip::tcp;
 /// Descriptors that ran out come back only when connections end.
 constexpr std::chrono::milliseconds acceptPause{100};
 
-/// Best effort: whoever can't take these few bytes at once is closed all the same.
-void turnAway(tcp::socket socket) {
-  const auto body = errorAnswer(503, "The service is busy. Try again in a moment.").body;
-  const auto response =
-      "HTTP/1.1 503 Service Unavailable\r\nContent-Type: application/json\r\nRetry-After: 1\r\n"
-      "Connection: close\r\nContent-Length: " +
-      std::to_string(body.size()) + "\r\n\r\n" + body;
-  error_code ignored;
-  socket.non_blocking(true, ignored);
-  socket.write_some(net::buffer(response), ignored);
-  socket.shutdown(net::socket_base::shutdown_send, ignored);
-}
+/// Clients above the limit that are told so at the same time; more are cut without a word.
+constexpr std::size_t turnedAwayAtOnce = 64;
 
 }  // namespace
 
@@ -67,18 +57,27 @@ net::awaitable<void> HttpServer::accept() {
 }
 
 void HttpServer::take(tcp::socket socket) {
-  if (m_connections.size() >= m_limits.connections) return turnAway(std::move(socket));
+  const bool isFull = m_connections.size() - m_turnedAway >= m_limits.connections;
+  if (isFull && m_turnedAway >= turnedAwayAtOnce) return;
   const auto connection =
       std::make_shared<HttpConnection>(std::move(socket), m_limits, m_api, m_log,
                                        [this](HttpConnection* ended) { connectionEnded(ended); });
   m_connections.insert(connection);
-  connection->start();
+  if (!isFull) return connection->start();
+  ++m_turnedAway;
+  connection->turnAway();
 }
 
 void HttpServer::connectionEnded(HttpConnection* connection) {
+  if (connection->isTurnedAway()) --m_turnedAway;
   m_connections.erase(connection->shared_from_this());
   if (!m_stopping || !m_connections.empty()) return;
   m_graceTimer.cancel();
+  ended();
+}
+
+void HttpServer::ended() {
+  m_api.equalRequests().forget();
   m_stopped();
 }
 
@@ -89,7 +88,7 @@ void HttpServer::stop(std::function<void()> stopped) {
   error_code ignored;
   m_acceptor.close(ignored);
   for (const auto& connection : m_connections) connection->finish();
-  if (m_connections.empty()) return m_stopped();
+  if (m_connections.empty()) return ended();
   m_graceTimer.expires_after(m_limits.shutdownTime);
   m_graceTimer.async_wait([this](const error_code& error) {
     if (error) return;

@@ -1,8 +1,8 @@
 // Accepts connections and keeps count of them.
 //
 // Network thread only; owned by the program, and alive until the executor has run dry. `stop` takes
-// no new connection, lets requests under way finish and cuts what is left after the limit. One
-// connection above the limit is told 503 and closed at once.
+// no new connection, lets requests under way finish and cuts what is left after the limit.
+// Connections above the limit are told 503 and closed: some at a time, the rest without a word.
 #pragma once
 
 #include <boost/asio/awaitable.hpp>
@@ -34,6 +34,7 @@ class HttpServer {
   boost::asio::awaitable<void> accept();
   void take(boost::asio::ip::tcp::socket socket);
   void connectionEnded(HttpConnection* connection);
+  void ended();
 
   boost::asio::io_context& m_io;
   const Limits& m_limits;
@@ -42,6 +43,7 @@ class HttpServer {
   boost::asio::ip::tcp::acceptor m_acceptor;
   boost::asio::steady_timer m_graceTimer;
   std::unordered_set<std::shared_ptr<HttpConnection>> m_connections;
+  std::size_t m_turnedAway = 0;
   std::function<void()> m_stopped;
   bool m_stopping = false;
 };

@@ -30,13 +30,16 @@ std::expected<RequestTarget, TargetError> parseTarget(std::string_view target) {
   const auto route = std::ranges::find(routes, path, &Route::path);
   if (route == routes.end()) return std::unexpected(TargetError::UnknownPath);
 
-  RequestTarget result{.route = &*route, .format = TextFormat::Raw, .language = {}};
   const auto parameters = url->params();
-  if (const auto format = parameters.find("format_mode"); format != parameters.end())
-    result.format = textFormatNamed((*format).value);
-  if (const auto language = parameters.find("language"); language != parameters.end())
-    result.language = (*language).value;
-  return result;
+  const auto valueOf = [&parameters](std::string_view name) -> std::string {
+    const auto parameter = parameters.find({name.data(), name.size()});
+    return parameter == parameters.end() ? std::string() : (*parameter).value;
+  };
+  return RequestTarget{.route = &*route,
+                       .format = textFormatNamed(valueOf("format_mode")),
+                       .language = valueOf("language"),
+                       .sessionId = valueOf("session_id"),
+                       .chunkIndex = valueOf("chunk_index")};
 }
 
 }  // namespace vemo::service

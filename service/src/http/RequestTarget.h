@@ -23,8 +23,11 @@ struct Route {
 
 struct RequestTarget {
   const Route* route;
-  TextFormat format;     ///< "smart" and nothing else asks for formatting
-  std::string language;  ///< empty when absent
+  TextFormat format;  ///< "smart" and nothing else asks for formatting
+  // Empty when absent.
+  std::string language;
+  std::string sessionId;
+  std::string chunkIndex;
 };
 
 enum class TargetError { Malformed, UnknownPath };

@@ -106,6 +106,10 @@ std::map<std::string, Key, std::less<>> keysOf(Configuration& c) {
       {"limits.body-seconds", {time, seconds(c.limits.bodyTime)}},
       {"limits.answer-seconds", {time, seconds(c.limits.answerTime)}},
       {"limits.idle-seconds", {time, seconds(c.limits.idleTime)}},
+      {"limits.refused-seconds", {time, seconds(c.limits.refusedTime)}},
+      {"limits.repeat-seconds", {time, seconds(c.limits.repeatTime)}},
+      {"limits.repeat-answers",
+       {"a number from 0 to 100000", number(c.limits.repeatAnswers, 0, 100'000)}},
       {"limits.shutdown-seconds", {time, seconds(c.limits.shutdownTime)}},
   };
 }

@@ -18,10 +18,14 @@ struct Limits {
   std::size_t bodyBytes = 16 * 1024 * 1024;
   std::uint32_t headerBytes = 8 * 1024;
   std::size_t connections = 1024;
-  std::chrono::milliseconds headerTime{10'000};    ///< for a whole request head
-  std::chrono::milliseconds bodyTime{60'000};      ///< for a whole body
-  std::chrono::milliseconds answerTime{30'000};    ///< for the client to take its answer
-  std::chrono::milliseconds idleTime{60'000};      ///< between two requests of a connection
+  std::chrono::milliseconds headerTime{10'000};  ///< for a whole request head
+  std::chrono::milliseconds bodyTime{60'000};    ///< for a whole body
+  std::chrono::milliseconds answerTime{30'000};  ///< for the client to take its answer
+  std::chrono::milliseconds idleTime{60'000};    ///< between two requests of a connection
+  std::chrono::milliseconds refusedTime{
+      10'000};                                   ///< for a refused client to send its body and read
+  std::chrono::milliseconds repeatTime{60'000};  ///< for which an answer serves equal requests
+  std::size_t repeatAnswers = 256;               ///< answers that are remembered for that
   std::chrono::milliseconds shutdownTime{10'000};  ///< for requests under way at a SIGTERM
 };
 
@@ -29,7 +33,7 @@ struct OpenAiSettings {
   std::string address =
       {};  ///< "https://host[:port][/prefix]"; "/v1/audio/transcriptions" is appended
   std::string model = "whisper-1";
-  std::filesystem::path keyFile = {};                      ///< empty: no key is sent
+  std::filesystem::path keyFile = {};                 ///< empty: no key is sent
   std::filesystem::path certificateAuthorities = {};  ///< PEM file; empty: the system's
   std::chrono::milliseconds timeout{45'000};
 };

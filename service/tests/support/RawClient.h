@@ -84,6 +84,8 @@ class RawClient {
     return ::recv(m_socket, &byte, 1, MSG_PEEK | MSG_DONTWAIT) >= 0;
   }
 
+  /// Nothing more will be sent, but answers can still come.
+  void finishSending() { ::shutdown(m_socket, SHUT_WR); }
   void close() {
     if (m_socket >= 0) ::close(m_socket);
     m_socket = -1;

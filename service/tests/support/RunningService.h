@@ -3,6 +3,7 @@
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/post.hpp>
+#include <future>
 #include <sstream>
 #include <thread>
 
@@ -26,7 +27,8 @@ class RunningService {
         m_tokens(m_folder.path() / "tokens"),
         m_queue(scripted(script, settings.output), settings.queue, [](auto) {}),
         m_log(m_logText),
-        m_api({.name = "scripted", .output = settings.output}, m_tokens, m_queue),
+        m_api({.name = "scripted", .output = settings.output}, m_tokens, m_queue,
+              m_io.get_executor(), m_limits),
         m_server(m_io, m_limits, m_api, m_log) {
     m_token = TokenFile::add(m_folder.path() / "tokens").value_or("");
     if (!m_server.listen("127.0.0.1", 0)) std::abort();
@@ -39,6 +41,14 @@ class RunningService {
   std::uint16_t port() const { return m_port; }
   const std::string& token() const { return m_token; }
   RecognitionQueue& queue() { return m_queue; }
+
+  std::string addToken() const { return TokenFile::add(m_folder.path() / "tokens").value_or(""); }
+  /// Requests that wait for an answer which equal ones may share.
+  std::size_t waitingForAnswers() {
+    std::promise<std::size_t> count;
+    boost::asio::post(m_io, [&] { count.set_value(m_api.equalRequests().waitingCount()); });
+    return count.get_future().get();
+  }
 
   void beginToStop() {
     boost::asio::post(m_io, [this] { m_server.stop([] {}); });
