@@ -1,4 +1,5 @@
 #include <malloc.h>
+#include <sys/resource.h>
 
 #include <csignal>
 #include <iostream>
@@ -24,9 +25,17 @@ int addToken(const Configuration& configuration) {
   return 0;
 }
 
+/// A core file would hold what people said. A limit of one byte means none at all, also where cores
+/// are piped to a collector, which a limit of zero doesn't.
+void forbidCoreFiles() {
+  const rlimit oneByte{1, 1};
+  setrlimit(RLIMIT_CORE, &oneByte);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+  forbidCoreFiles();
   std::signal(SIGPIPE, SIG_IGN);
   // Recordings get pages of their own, which go back to the system as soon as they are done with.
   ::mallopt(M_MMAP_THRESHOLD, 128 * 1024);

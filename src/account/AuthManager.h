@@ -31,8 +31,8 @@ class AuthManager {
   /// Drops the session token and what the settings hold of the account, on this machine alone.
   void signOut();
 
-  /// Reads the account anew from the service. Until there are accounts, which the companion service
-  /// has none of, there is nothing to read.
+  /// Reads the account anew from the service. The companion service keeps no accounts, so there is
+  /// nothing to read.
   Task<> refreshProfile(std::stop_token stop);
 
  private:

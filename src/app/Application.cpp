@@ -55,11 +55,21 @@ QString soundsFolder() {
   return QFileInfo::exists(installed) ? installed : QString::fromUtf8(VEMO_SOUNDS_IN_SOURCE);
 }
 
+/// A keyring that has just been started takes its time over the first answer, and the token store
+/// keeps what it hears first. One that is there answers within milliseconds.
+void awaitKeyring() {
+  constexpr auto longest = std::chrono::seconds(3);
+  static_cast<void>(
+      SecretServiceBackend(longest).find(u"brelmox.Vemo"_s, QString::fromUtf16(authTokenAccount)));
+}
+
 }  // namespace
 
 /// Time, the main queue, and the program's files.
 struct Application::Base {
-  TerminationSignals terminationSignals{[] { QCoreApplication::quit(); }};
+  explicit Base(std::function<void()> quit) : terminationSignals(std::move(quit)) {}
+
+  TerminationSignals terminationSignals;
   QtMainThread mainThread;
   QtClock clock{mainThread};
   DebugLog debugLog{clock, places::logFolder()};
@@ -101,12 +111,14 @@ struct Application::Desktop {
 
 /// The logic, on those adapters.
 struct Application::Program {
-  Program(Base& base, Desktop& desktop, const DeploymentConfiguration& configuration)
-      : Program(base.mainThread, base.clock, base.debugLog, base.settings, desktop, configuration) {
-  }
+  Program(Base& base, Desktop& desktop, const DeploymentConfiguration& configuration,
+          std::function<void()> quit)
+      : Program(base.mainThread, base.clock, base.debugLog, base.settings, desktop, configuration,
+                std::move(quit)) {}
 
   Program(QtMainThread& mainThread, QtClock& theClock, DebugLog& debugLog, Settings& settings,
-          Desktop& desktop, const DeploymentConfiguration& configuration)
+          Desktop& desktop, const DeploymentConfiguration& configuration,
+          std::function<void()> quit)
       : session(mainThread),
         hedgeSession(mainThread),
         sharedSession(mainThread),
@@ -167,7 +179,9 @@ struct Application::Program {
                   .sounds = desktop.sounds,
                   .haptics = desktop.haptics,
                   .windows = desktop.windows,
-                  .systemEvents = desktop.systemEvents}) {}
+                  .systemEvents = desktop.systemEvents}),
+        ending(mainThread),
+        remoteControl(appState, std::move(quit)) {}
 
   QtHttpSession session;
   QtHttpSession hedgeSession;
@@ -187,13 +201,25 @@ struct Application::Program {
   TextInjector injector;
   HUDWindowController hud;
   AppState appState;
-  DictationRemoteControl remoteControl{appState, [] { QCoreApplication::quit(); }};
+  TaskScope ending;
+  DictationRemoteControl remoteControl;
 };
 
 Application::Application(DeploymentConfiguration configuration)
     : m_configuration(std::move(configuration)) {}
 
 Application::~Application() = default;
+
+void Application::quit() {
+  m_program->ending.start([this](std::stop_token) { return quitWithoutLoss(); });
+}
+
+/// A target may still be reading the text that was pasted a moment ago.
+Task<> Application::quitWithoutLoss() {
+  while (m_program->injector.isRestorePending())
+    co_await m_base->clock.sleep(std::chrono::milliseconds(20), {});
+  QCoreApplication::quit();
+}
 
 std::expected<std::unique_ptr<Application>, QString> Application::create(
     DeploymentConfiguration configuration) {
@@ -211,13 +237,14 @@ std::optional<QString> Application::start() {
   }
   m_bus = *std::move(bus);
 
-  m_base = std::make_unique<Base>();
+  m_base = std::make_unique<Base>([this] { quit(); });
   m_base->debugLog.purgeLegacyLogIfNeeded(m_base->settings);
   config::migrateToggleHotkeyIfNeeded(m_base->settings, m_base->debugLog);
 
+  awaitKeyring();
   m_desktop = Desktop::create(m_base->mainThread);
   if (!m_desktop) return u"Vemo needs an X server with XFixes, XTest and XInput 2."_s;
-  m_program = std::make_unique<Program>(*m_base, *m_desktop, m_configuration);
+  m_program = std::make_unique<Program>(*m_base, *m_desktop, m_configuration, [this] { quit(); });
   m_program->appState.bootstrap();
   m_bus->serve(m_program->remoteControl);
   return std::nullopt;

@@ -10,6 +10,7 @@
 #include <memory>
 #include <optional>
 
+#include "base/Task.h"
 #include "storage/DeploymentConfiguration.h"
 
 namespace vemo {
@@ -33,11 +34,14 @@ class Application {
   /// Makes and starts everything; the error is that of create().
   std::optional<QString> start();
 
+  void quit();
+  Task<> quitWithoutLoss();
+
   const DeploymentConfiguration m_configuration;
+  std::unique_ptr<BusRemoteControl> m_bus;  ///< goes last: another instance may start then
   std::unique_ptr<Base> m_base;
   std::unique_ptr<Desktop> m_desktop;
   std::unique_ptr<Program> m_program;
-  std::unique_ptr<BusRemoteControl> m_bus;
 };
 
 }  // namespace vemo

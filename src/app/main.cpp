@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <QGuiApplication>
+#include <algorithm>
 #include <cstdio>
 
 #include "app/Application.h"
@@ -29,8 +30,10 @@ int complain(const QString& message, int status) {
 /// A core file would hold what the user said. A limit of one byte means none at all, also where
 /// cores are piped to a collector, which a limit of zero doesn't.
 void forbidCoreFiles() {
-  const rlimit oneByte{1, 1};
-  setrlimit(RLIMIT_CORE, &oneByte);
+  rlimit cores{};
+  getrlimit(RLIMIT_CORE, &cores);
+  cores.rlim_cur = std::min<rlim_t>(1, cores.rlim_max);
+  setrlimit(RLIMIT_CORE, &cores);
 }
 
 /// A standard descriptor that the caller left closed would be taken by the next file opened, and

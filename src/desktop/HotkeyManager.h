@@ -3,8 +3,8 @@
 // The manager decides nothing about dictation; it calls back, always from a turn of the main queue
 // of its own. Main thread only.
 //
-// No source of key events is connected to it yet, so installTap() finds none and returns false;
-// dictation is triggered from outside, through RemoteControl.
+// It has no source of key events, so installTap() returns false; dictation is triggered from
+// outside, through RemoteControl.
 #pragma once
 
 #include <functional>

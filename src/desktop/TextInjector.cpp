@@ -49,8 +49,14 @@ Task<std::optional<QString>> TextInjector::inject(QString text, std::stop_token 
   m_debugLog(u"inject: starting"_s);
 
   PendingRestore pending{.contents = co_await m_clipboard.snapshot()};
-  m_clipboard.replace(concealedText(text, ClipboardStay::ForThePasteOnly));
+  // Reading a slow clipboard takes time, in which the dictation may have been given up.
+  if (stop.stop_requested()) co_return std::nullopt;
+  if (!m_clipboard.replace(concealedText(text, ClipboardStay::ForThePasteOnly))) {
+    m_debugLog(u"inject: the clipboard can't be written"_s);
+    co_return u"Couldn't send the paste command"_s;
+  }
   pending.changeCount = m_clipboard.changeCount();
+  m_newestRestore = pending;
   m_debugLog(u"inject: pasteboard set, changeCount=%1"_s.arg(pending.changeCount));
 
   const bool isClean = co_await waitForModifiers(stop);
@@ -59,9 +65,10 @@ Task<std::optional<QString>> TextInjector::inject(QString text, std::stop_token 
   const bool isPosted = co_await postPaste(stop);
   m_debugLog(u"inject: postPaste posted=%1 axTrusted=%2"_s.arg(
       trueOrFalse(isPosted), trueOrFalse(m_permissions.isAccessibilityTrusted())));
-  if (!isPosted) co_return u"Couldn't send the paste command"_s;
-
-  m_newestRestore = pending;
+  if (!isPosted) {
+    m_newestRestore.reset();
+    co_return u"Couldn't send the paste command"_s;
+  }
   m_restores.start([&](std::stop_token) { return restoreLater(std::move(pending)); });
   co_return std::nullopt;
 }
@@ -100,7 +107,7 @@ void TextInjector::restore(PendingRestore pending) {
     m_debugLog(u"inject: pasteboard changed since our write — not restoring"_s);
     return;
   }
-  m_clipboard.replace(std::move(pending.contents));
+  if (!m_clipboard.replace(std::move(pending.contents))) return;
   m_debugLog(u"inject: restored original pasteboard in background"_s);
 }
 

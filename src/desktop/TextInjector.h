@@ -2,9 +2,9 @@
 // paste shortcut, without any cooperation from that application. Afterwards the clipboard gets back
 // what it held, unless somebody has copied something meanwhile.
 //
-// Main thread. A stop request shortens the waits but doesn't prevent the paste. The return of the
-// clipboard happens in the background and outlives the dictation; when the injector is destroyed
-// before that, it happens there and then.
+// Main thread. A stop request that comes before the clipboard is touched prevents the paste; a
+// later one shortens the waits. The return of the clipboard happens in the background and outlives
+// the dictation; when the injector is destroyed before that, it happens there and then.
 #pragma once
 
 #include <QString>
@@ -33,6 +33,9 @@ class TextInjector {
   /// Pastes the text. Nothing means success, otherwise the sentence to show the user. Success means
   /// that the shortcut was posted: whether the target took it can't be seen.
   Task<std::optional<QString>> inject(QString text, std::stop_token stop);
+
+  /// Whether the clipboard still has to get back what it held.
+  bool isRestorePending() const { return m_newestRestore.has_value(); }
 
   /// Posts the paste shortcut; false when it could not be made.
   Task<bool> postPaste(std::stop_token stop);

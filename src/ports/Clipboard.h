@@ -44,8 +44,8 @@ class Clipboard {
   virtual Task<ClipboardContents> snapshot() = 0;
 
   /// Makes `contents` the clipboard's content; empty contents empty it. Returns after the change
-  /// has taken effect and has been counted.
-  virtual void replace(ClipboardContents contents) = 0;
+  /// has taken effect and has been counted; false when the desktop didn't let it.
+  [[nodiscard]] virtual bool replace(ClipboardContents contents) = 0;
 
   /// Goes up with each change of the content, by whomever, replace() included.
   virtual std::uint64_t changeCount() const = 0;

@@ -65,8 +65,7 @@ void DebugLog::waitUntilWritten() {
 
 void DebugLog::append(const QByteArray& line) {
   if (m_folder.isEmpty()) return;
-  if (!m_hasMadeFolder) makePrivateFolder(QFile::decodeName(m_folder));
-  m_hasMadeFolder = true;
+  if (!m_hasMadeFolder) m_hasMadeFolder = makePrivateFolder(QFile::decodeName(m_folder));
   rotateIfNeeded();
   // A planted symbolic link must not redirect the lines, nor a planted pipe hold up the queue.
   const int file =

@@ -1,5 +1,7 @@
 #include "storage/DeploymentConfiguration.h"
 
+#include <arpa/inet.h>
+
 #include <QFile>
 #include <QFileInfo>
 #include <array>
@@ -38,6 +40,15 @@ constexpr std::array textKeys{
     TextKey{u"updateFeedPublicKey", &DeploymentConfiguration::updateFeedPublicKey},
 };
 
+/// What never leaves this machine may go without encryption.
+bool isLoopback(const QString& host) {
+  if (host == u"localhost" || host == u"::1") return true;
+  in_addr address{};
+  constexpr std::uint32_t loopbackNetwork = 127;
+  return inet_pton(AF_INET, host.toLatin1().constData(), &address) == 1 &&
+         ntohl(address.s_addr) >> 24 == loopbackNetwork;
+}
+
 /// What is wrong with the address, or nothing. What the program appends to an address would land in
 /// the wrong place behind a query or a fragment.
 QString problemWith(const QUrl& address) {
@@ -45,6 +56,8 @@ QString problemWith(const QUrl& address) {
   if (address.scheme() != u"http" && address.scheme() != u"https")
     return u"must begin with http:// or https://"_s;
   if (address.host().isEmpty()) return u"names no host"_s;
+  if (address.scheme() == u"http" && !isLoopback(address.host()))
+    return u"must begin with https:// unless it is on this machine"_s;
   if (!address.userInfo().isEmpty()) return u"must not hold a user name or password"_s;
   if (address.hasQuery() || address.hasFragment()) return u"must not have a query or fragment"_s;
   return {};

@@ -118,7 +118,7 @@ class AnswersOfTheServerTest(TroubleTest):
 
 class AddressTest(TroubleTest):
     def test_a_host_that_is_unknown_is_an_error(self):
-        self.start_vemo("http://no-such-host.invalid/")
+        self.start_vemo("https://no-such-host.invalid/")
         self.assert_ends_with("Can't find the server")
 
     def test_a_port_where_nobody_listens_is_an_error(self):
@@ -245,10 +245,18 @@ def readable_by_others(path, top):
 class ControlTest(TroubleTest):
     def test_a_second_start_leaves_the_first_program_running(self):
         self.start_vemo()
+        settings = (self.vemo.configuration / "settings.json").read_bytes()
         result = subprocess.run([program("vemo")], env=self.vemo.environment, capture_output=True,
                                 stdin=subprocess.DEVNULL, timeout=60, check=False)
+        self.assertEqual((result.returncode, result.stderr), (1, b"Vemo is already running.\n"))
+        self.assertEqual((self.vemo.configuration / "settings.json").read_bytes(), settings)
         self.assertIsNone(self.vemo.process.poll(), result.stderr)
         self.assert_dictation_works()
+
+    def test_no_core_file_can_be_written(self):
+        self.start_vemo()
+        limits = pathlib.Path(f"/proc/{self.vemo.process.pid}/limits").read_text()
+        self.assertRegex(limits, r"Max core file size +1 ")
 
     def test_commands_without_a_running_program_say_so(self):
         for command in ("status", "start", "stop", "toggle", "quit"):

@@ -41,10 +41,12 @@ class FakeClipboard : public Clipboard {
     co_return contents;
   }
 
-  void replace(ClipboardContents contents) override {
+  bool replace(ClipboardContents contents) override {
+    if (m_refusesWrites) return false;
     m_writes.push_back(contents);
     m_contents = std::move(contents);
     ++m_changeCount;
+    return true;
   }
 
   std::uint64_t changeCount() const override { return m_changeCount; }
@@ -54,6 +56,9 @@ class FakeClipboard : public Clipboard {
     m_contents = std::move(contents);
     ++m_changeCount;
   }
+
+  /// From now on replace() fails and changes nothing.
+  void refuseWrites() { m_refusesWrites = true; }
 
   /// From now on a snapshot takes this long, and holds what the clipboard held at its start. Needs
   /// the constructor with a clock.
@@ -74,6 +79,7 @@ class FakeClipboard : public Clipboard {
   std::vector<ClipboardContents> m_writes;
   std::uint64_t m_changeCount = 0;
   int m_snapshotCount = 0;
+  bool m_refusesWrites = false;
 };
 
 }  // namespace vemo

@@ -58,6 +58,9 @@ void CanberraPlayer::run() {
 bool CanberraPlayer::openContext() {
   if (m_context) return true;
   if (ca_context_create(&m_context) != CA_SUCCESS) return false;
+  // The driver is named, so that no other one is tried: its ALSA driver runs a thread that doesn't
+  // end.
+  ca_context_set_driver(m_context, "pulse");
   ca_context_change_props(m_context, CA_PROP_APPLICATION_NAME, m_applicationName.constData(),
                           CA_PROP_APPLICATION_ID, m_applicationId.constData(), nullptr);
   return true;

@@ -120,13 +120,15 @@ std::uint64_t X11Clipboard::changeCount() const {
   return m_changeCount;
 }
 
-void X11Clipboard::replace(ClipboardContents contents) {
+bool X11Clipboard::replace(ClipboardContents contents) {
   const std::vector<Form> forms =
       isLatestSnapshot(entriesOf(contents)) ? m_snapshotForms : std::vector<Form>();
   for (int attempt = 0; attempt < maximumAttempts; ++attempt) {
     const auto time = serverTime();
-    if (!time || takeSelection(contents, forms, *time)) return;
+    if (!time) return false;
+    if (takeSelection(contents, forms, *time)) return true;
   }
+  return false;
 }
 
 bool X11Clipboard::takeSelection(const ClipboardContents& contents, const std::vector<Form>& forms,

@@ -35,7 +35,7 @@ class X11Clipboard : public Clipboard {
   ~X11Clipboard() override;
 
   Task<ClipboardContents> snapshot() override;
-  void replace(ClipboardContents contents) override;
+  bool replace(ClipboardContents contents) override;
   std::uint64_t changeCount() const override;
 
  private:

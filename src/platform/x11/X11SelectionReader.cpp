@@ -7,7 +7,10 @@ namespace vemo {
 
 namespace {
 
-constexpr std::chrono::milliseconds progressLimit{400};
+/// An owner that is there says at once what it has; making it may take longer, as big images are
+/// encoded on request.
+constexpr std::chrono::milliseconds answerLimit{400};
+constexpr std::chrono::milliseconds contentLimit{1500};
 constexpr std::chrono::seconds totalLimit{3};
 constexpr qsizetype maximumSnapshotBytes = 512LL * 1024 * 1024;
 constexpr std::size_t maximumTargets = 256;
@@ -157,7 +160,7 @@ void X11SelectionReader::handleOwnerChange(xcb_window_t owner, std::uint32_t seq
 }
 
 void X11SelectionReader::noteProgress() {
-  m_progressTimer.start(progressLimit);
+  m_progressTimer.start(m_stage == Stage::Targets ? answerLimit : contentLimit);
 }
 
 void X11SelectionReader::finish() {

@@ -1,5 +1,8 @@
 #include "platform/xdg/LinuxPermissions.h"
 
+#include <signal.h>
+#include <sys/resource.h>
+
 #include <QProcess>
 #include <QStandardPaths>
 #include <QStringList>
@@ -32,6 +35,19 @@ constexpr Panel panels[] = {
     {u"Privacy_Accessibility", u"xfce4-accessibility-settings", u""},
     {u"Privacy_Accessibility", u"mate-at-properties", u""},
 };
+
+/// This program keeps signals waiting and forbids cores; a program that it starts is not to inherit
+/// that. Runs between fork and exec.
+void becomeOrdinaryProcess() {
+  sigset_t none;
+  sigemptyset(&none);
+  sigprocmask(SIG_SETMASK, &none, nullptr);
+  rlimit cores{};
+  if (getrlimit(RLIMIT_CORE, &cores) == 0) {
+    cores.rlim_cur = cores.rlim_max;
+    setrlimit(RLIMIT_CORE, &cores);
+  }
+}
 
 }  // namespace
 
@@ -71,8 +87,11 @@ void LinuxPermissions::openSettings(const QUrl& pane) {
     if (pane.query() != panel.pane) continue;
     const QString program = QStandardPaths::findExecutable(panel.program.toString());
     if (program.isEmpty()) continue;
-    QProcess::startDetached(
-        program, panel.argument.isEmpty() ? QStringList() : QStringList{panel.argument.toString()});
+    QProcess process;
+    process.setProgram(program);
+    if (!panel.argument.isEmpty()) process.setArguments({panel.argument.toString()});
+    process.setChildProcessModifier(becomeOrdinaryProcess);
+    process.startDetached();
     return;
   }
 }

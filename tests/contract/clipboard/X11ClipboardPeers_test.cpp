@@ -59,29 +59,29 @@ class X11ClipboardPeersTest : public testing::Test {
 const QStringList pasteText{u"-selection"_s, u"clipboard"_s, u"-out"_s};
 
 TEST_F(X11ClipboardPeersTest, XclipPastesOurText) {
-  clipboard->replace(plainTextContents(u"naïve 日本 👩‍👩‍👧"_s));
+  EXPECT_TRUE(clipboard->replace(plainTextContents(u"naïve 日本 👩‍👩‍👧"_s)));
   EXPECT_EQ(outputOf(u"xclip"_s, pasteText),
             QString(u"naïve 日本 👩‍👩‍👧"_s).toUtf8());
 }
 
 TEST_F(X11ClipboardPeersTest, XselPastesOurText) {
-  clipboard->replace(plainTextContents(u"naïve 日本"_s));
+  EXPECT_TRUE(clipboard->replace(plainTextContents(u"naïve 日本"_s)));
   EXPECT_EQ(outputOf(u"xsel"_s, {u"--clipboard"_s, u"--output"_s}),
             QString(u"naïve 日本"_s).toUtf8());
 }
 
 TEST_F(X11ClipboardPeersTest, XclipReceivesATextOfManyMegabytes) {
   const QString text(12'000'000, u'x');
-  clipboard->replace(plainTextContents(text));
+  EXPECT_TRUE(clipboard->replace(plainTextContents(text)));
   EXPECT_TRUE(outputOf(u"xclip"_s, pasteText) == text.toUtf8());
 }
 
 TEST_F(X11ClipboardPeersTest, ACopyMadeWithXselIsReadAndRestored) {
   copyWith(u"xsel"_s, {u"--clipboard"_s, u"--input"_s}, "copied");
   const ClipboardContents saved = snapshot();
-  clipboard->replace(plainTextContents(u"ours"_s));
+  EXPECT_TRUE(clipboard->replace(plainTextContents(u"ours"_s)));
   EXPECT_EQ(outputOf(u"xclip"_s, pasteText), "ours");
-  clipboard->replace(saved);
+  EXPECT_TRUE(clipboard->replace(saved));
   EXPECT_EQ(outputOf(u"xclip"_s, pasteText), "copied");
 }
 
@@ -91,8 +91,8 @@ TEST_F(X11ClipboardPeersTest, AFileListCopiedWithXclipIsReadAndRestored) {
            files);
   EXPECT_EQ(snapshotData(u"text/uri-list"_s), files);
   const ClipboardContents saved = snapshot();
-  clipboard->replace(plainTextContents(u"ours"_s));
-  clipboard->replace(saved);
+  EXPECT_TRUE(clipboard->replace(plainTextContents(u"ours"_s)));
+  EXPECT_TRUE(clipboard->replace(saved));
   EXPECT_EQ(outputOf(u"xclip"_s, pasteText + QStringList{u"-t"_s, u"text/uri-list"_s}), files);
 }
 
@@ -101,8 +101,8 @@ TEST_F(X11ClipboardPeersTest, AnImageOfFiftyMegabytesCopiedWithXclipIsReadAndRes
   for (qsizetype i = 0; i < image.size(); ++i) image[i] = static_cast<char>(i * 7 + (i >> 11));
   copyWith(u"xclip"_s, {u"-selection"_s, u"clipboard"_s, u"-t"_s, u"image/png"_s, u"-in"_s}, image);
   const ClipboardContents saved = snapshot();
-  clipboard->replace(plainTextContents(u"ours"_s));
-  clipboard->replace(saved);
+  EXPECT_TRUE(clipboard->replace(plainTextContents(u"ours"_s)));
+  EXPECT_TRUE(clipboard->replace(saved));
   EXPECT_TRUE(outputOf(u"xclip"_s, pasteText + QStringList{u"-t"_s, u"image/png"_s}) == image);
 }
 
@@ -153,7 +153,7 @@ class ClipboardManager {
 
 TEST_F(X11ClipboardPeersTest, AtTheEndTheContentIsHandedToTheClipboardManager) {
   ClipboardManager manager;
-  clipboard->replace(plainTextContents(u"kept"_s));
+  EXPECT_TRUE(clipboard->replace(plainTextContents(u"kept"_s)));
   std::thread thread([&] { manager.run(); });
   clipboard.reset();
   thread.join();
@@ -162,7 +162,7 @@ TEST_F(X11ClipboardPeersTest, AtTheEndTheContentIsHandedToTheClipboardManager) {
 
 TEST_F(X11ClipboardPeersTest, AClipboardManagerThatDoesNotAnswerDoesNotHoldUpTheEnd) {
   const ClipboardManager manager;
-  clipboard->replace(plainTextContents(u"lost"_s));
+  EXPECT_TRUE(clipboard->replace(plainTextContents(u"lost"_s)));
   clipboard.reset();
   EXPECT_EQ(manager.savedText, "");
 }
@@ -175,10 +175,10 @@ TEST_F(X11ClipboardPeersTest, AServerThatDiesReadsAsAnEmptyClipboardAndEndsNothi
   PrivateServer server;
   const auto doomed = X11Clipboard::create(loop.mainThread(), server.display());
   ASSERT_TRUE(doomed);
-  doomed->replace(plainTextContents(u"t"_s));
+  EXPECT_TRUE(doomed->replace(plainTextContents(u"t"_s)));
   server.kill();
-  doomed->replace(plainTextContents(u"later"_s));
-  doomed->replace({});
+  EXPECT_FALSE(doomed->replace(plainTextContents(u"later"_s)));
+  EXPECT_FALSE(doomed->replace({}));
   doomed->changeCount();
   EXPECT_EQ(loop.await(doomed->snapshot()), ClipboardContents());
 }

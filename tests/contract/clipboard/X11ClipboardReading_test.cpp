@@ -140,7 +140,7 @@ TEST_F(X11ClipboardReadingTest, ASnapshotThatIsAbandonedLeavesNothingBehind) {
 }
 
 TEST_F(X11ClipboardReadingTest, OurOwnContentIsReadWithoutAskingTheServer) {
-  clipboard->replace({ClipboardItem{{{u"text/html"_s, "<i>"}}}});
+  EXPECT_TRUE(clipboard->replace({ClipboardItem{{{u"text/html"_s, "<i>"}}}}));
   // Nobody answers requests here unless the event loop runs; the snapshot ends without one.
   FakeMainThread unused;
   TaskScope scope(unused);

@@ -150,6 +150,7 @@ TEST_F(TextInjectorTest, EventsThatCannotBeMadeLeaveTheTextOnTheClipboard) {
   ASSERT_TRUE(result);
   EXPECT_EQ(*result, u"Couldn't send the paste command"_s);
   clock.advance(2s);
+  injector.reset();
   EXPECT_EQ(plainTextOf(clipboard.contents()), u"hello"_s);
   EXPECT_TRUE(storage.hasLogged(u"postPaste: FAILED to construct CGEvents"_s));
   EXPECT_TRUE(storage.hasLogged(u"inject: postPaste posted=false axTrusted=false"_s));
@@ -212,6 +213,42 @@ TEST_F(TextInjectorTest, EndingTheProgramBeforeTheRestoreRestoresAtOnce) {
   finishPaste();
   injector.reset();
   EXPECT_EQ(clipboard.contents(), twoItems);
+}
+
+TEST_F(TextInjectorTest, EndingTheProgramWhileModifiersAreWaitedForRestores) {
+  clipboard.writeAsAnotherApplication(twoItems);
+  keyPoster.holdModifiers(OptionFlag);
+  inject(u"hello"_s);
+  ASSERT_EQ(plainTextOf(clipboard.contents()), u"hello"_s);
+  injector.reset();
+  EXPECT_EQ(clipboard.contents(), twoItems);
+}
+
+TEST_F(TextInjectorTest, EndingTheProgramBetweenKeyDownAndKeyUpRestores) {
+  clipboard.writeAsAnotherApplication(twoItems);
+  inject(u"hello"_s);
+  ASSERT_EQ(keyPoster.events().size(), 1u);
+  EXPECT_TRUE(injector->isRestorePending());
+  injector.reset();
+  EXPECT_EQ(clipboard.contents(), twoItems);
+}
+
+TEST_F(TextInjectorTest, ADictationGivenUpWhileTheClipboardIsReadTouchesNothing) {
+  clipboard.writeAsAnotherApplication(twoItems);
+  clipboard.makeSnapshotsTake(400ms);
+  inject(u"hello"_s);
+  task.cancel();
+  clock.advance(2s);
+  EXPECT_THAT(clipboard.writes(), IsEmpty());
+  EXPECT_THAT(keyPoster.events(), IsEmpty());
+}
+
+TEST_F(TextInjectorTest, AClipboardThatCannotBeWrittenIsAFailureAndNothingIsPasted) {
+  clipboard.refuseWrites();
+  inject(u"hello"_s);
+  ASSERT_TRUE(result);
+  EXPECT_EQ(*result, u"Couldn't send the paste command"_s);
+  EXPECT_THAT(keyPoster.events(), IsEmpty());
 }
 
 TEST_F(TextInjectorTest, EndingTheProgramLaterTouchesNothing) {

@@ -192,6 +192,19 @@ TEST_F(AppStateDeliveryTest, TheExplicitSignOutClearsTheUsersWordsAndKeepsTheSet
       u"auth: signed out — cleared local transcripts, dictionary, shortcuts, and Slack state"_s));
 }
 
+TEST_F(AppStateDeliveryTest, AShapedTextThatComesOutEmptyIsASuccessThatKeepsTheServersText) {
+  storage.settings.set(keys::customShortcutEntries,
+                       QByteArray(R"([{"id":"1","trigger":"drop me","snippet":""}])"));
+  startUp();
+  dictate(u"drop me"_s);
+  finishPaste();
+  EXPECT_EQ(appState->phase(), Phase::idle());
+  EXPECT_THAT(sounds.played, ElementsAre(u"vemo_start"_s, u"vemo_stop"_s));
+  EXPECT_THAT(clipboard.writes(), IsEmpty());
+  EXPECT_THAT(history(), IsEmpty());
+  EXPECT_EQ(appState->history().lastTranscript(), u"drop me"_s);
+}
+
 TEST_F(AppStateDeliveryTest, TextOfEveryKindArrivesUnchangedAndAMegabyteToo) {
   startUp();
   const QString text = u"a\0b \u202B\u05E9\u05DC\u05D5\u05DD\u202C e\u0301 "_s +
