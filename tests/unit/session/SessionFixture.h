@@ -85,8 +85,8 @@ class SessionFixture : public testing::Test {
     });
     permissions = std::make_unique<PermissionsManager>(system, clock, mainThread, telemetry);
     client = std::make_unique<TranscriptionClient>(TranscriptionClient::Neighbours{
-        .session = http,
-        .hedgeSession = hedgeHttp,
+        .session = *dictationSession,
+        .hedgeSession = *dictationHedgeSession,
         .clock = clock,
         .mainThread = mainThread,
         .telemetry = telemetry,
@@ -187,6 +187,9 @@ class SessionFixture : public testing::Test {
   FakeSystemPermissions system;
   FakeHttpSession http{mainThread, clock};
   FakeHttpSession hedgeHttp{mainThread, clock};
+  /// What dictations go over; a test with a network of its own says so before startUp().
+  HttpSession* dictationSession = &http;
+  HttpSession* dictationHedgeSession = &hedgeHttp;
   FakeFocusedApplication applications;
   FakeInputDevice inputDevice;
   FakeAudioInput audioInput;
