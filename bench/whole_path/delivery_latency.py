@@ -91,14 +91,14 @@ def measure(dictations):
 
 
 def main():
-    dictations = inside_a_desktop(__doc__, "dictations", 200)
-    latencies = measure(dictations)
+    options = inside_a_desktop(__doc__, "dictations", 200)
+    latencies = measure(options.count)
     median = latencies[len(latencies) // 2]
     p99 = latencies[min(len(latencies) - 1, len(latencies) * 99 // 100)]
     print(json.dumps({"dictations": len(latencies), "medianMs": round(median, 2), "p99Ms": round(p99, 2),
                       "longestMs": round(latencies[-1], 2),
                       "limitsMs": [MEDIAN_LIMIT_MS, P99_LIMIT_MS]}))
-    return 0 if median <= MEDIAN_LIMIT_MS and p99 <= P99_LIMIT_MS else 1
+    return 0 if options.report_only or (median <= MEDIAN_LIMIT_MS and p99 <= P99_LIMIT_MS) else 1
 
 
 if __name__ == "__main__":

@@ -11,14 +11,15 @@ sys.path.insert(0, str(ROOT / "tests/desktop"))
 
 
 def inside_a_desktop(description, count_name, count_default):
-    """The count that was asked for, in the process that stands inside the desktop; the one outside ends here
-    with the status of the one inside."""
+    """The options, in the process that stands inside the desktop: `count`, and `report_only`, by which no limit
+    makes the status. The process outside ends here with the status of the one inside."""
     parser = argparse.ArgumentParser(description=description, formatter_class=argparse.RawTextHelpFormatter)
     parser.add_argument(f"--{count_name}", dest="count", type=int, default=count_default)
     parser.add_argument("--programs", default=str(ROOT / "build/release/bin"))
+    parser.add_argument("--report-only", action="store_true", help="exit with 0 whatever the figures are")
     arguments = parser.parse_args()
     if os.environ.get("VEMO_INSIDE_A_DESKTOP"):
-        return arguments.count
+        return arguments
     command = [str(ROOT / "tools/virtual-desktop"), "--window-manager", "--audio", "--keyring", "--",
                "env", "VEMO_INSIDE_A_DESKTOP=1", f"VEMO_PROGRAMS={arguments.programs}", *sys.argv]
     sys.exit(subprocess.run(command, check=False).returncode)
