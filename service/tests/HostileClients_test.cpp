@@ -57,7 +57,8 @@ TEST_F(HostileClientsTest, ARequestWhoseEndIsAmbiguousIsRefused) {
         "Content-Length: 5\r\nContent-Length: 6\r\n", "Content-Length: 5, 6\r\n",
         "Content-Length: -1\r\n", "Content-Length: 5x\r\n",
         "Content-Length: 99999999999999999999999\r\n", "Transfer-Encoding: gzip\r\n",
-        "Transfer-Encoding: chunked, gzip\r\n",
+        "Transfer-Encoding: chunked, gzip\r\n", "Transfer-Encoding : chunked\r\n",
+        "Transfer-Encoding: xchunked\r\n", "Content-Length: +5\r\n", "Content-Length: 0x5\r\n",
         "Transfer-Encoding: chunked\r\nTransfer-Encoding: chunked\r\n"}) {
     RawClient client(service().port());
     const auto answer =
@@ -68,6 +69,27 @@ TEST_F(HostileClientsTest, ARequestWhoseEndIsAmbiguousIsRefused) {
     EXPECT_TRUE(client.waitForEnd());
   }
   EXPECT_EQ(m_script.startedCount(), 0U);
+}
+
+TEST_F(HostileClientsTest, ARequestInsideABodyIsNeverTakenForOne) {
+  RawClient client(service().port());
+  const std::string inner = "GET /health HTTP/1.1\r\nHost: x\r\n\r\n";
+  ASSERT_TRUE(client.send(service().post(dictate, inner) + service().post(dictate, m_wav)));
+  EXPECT_EQ(client.read().value_or(RawAnswer{}).status, 400);
+  EXPECT_THAT(client.read().value_or(RawAnswer{}).body, HasSubstr("Hello world."));
+}
+
+TEST_F(HostileClientsTest, ALengthThatIsTooShortCutsTheRecordingAndTheConnection) {
+  auto request = service().post(dictate, m_wav);
+  const auto right = "Content-Length: " + std::to_string(m_wav.size());
+  request.replace(request.find(right), right.size(), "Content-Length: 20");
+  RawClient client(service().port());
+  ASSERT_TRUE(client.send(request));
+  client.finishSending();
+  EXPECT_EQ(client.read().value_or(RawAnswer{}).status, 400);
+  EXPECT_TRUE(client.waitForEnd());
+  EXPECT_EQ(m_script.startedCount(), 0U);
+  EXPECT_EQ(ask(service().post(dictate, m_wav)).status, 200);
 }
 
 TEST_F(HostileClientsTest, NoiseInsteadOfARequestIsRefused) {
@@ -133,6 +155,7 @@ TEST_F(HostileClientsTest, AReaderThatNeverReadsIsCutOff) {
 
 TEST_F(HostileClientsTest, OneConnectionAboveTheLimitIsTurnedAway) {
   m_settings.limits.connections = 2;
+  m_settings.limits.refusedTime = 100ms;
   RawClient first(service().port());
   RawClient second(service().port());
   const std::string_view health = "GET /health HTTP/1.1\r\nHost: x\r\n\r\n";
