@@ -43,7 +43,8 @@ TEST_F(ConfigurationTest, EveryKeyIsTaken) {
       "[openai]\naddress = https://host/prefix/\nmodel = big\nkey-file = /k\n"
       "certificate-authorities = /c\ntimeout-seconds = 1.5\n"
       "[limits]\nbody-bytes = 1000\nheader-bytes = 256\nconnections = 5\nheader-seconds = 0.25\n"
-      "body-seconds = 2\nanswer-seconds = 3\nidle-seconds = 4\nshutdown-seconds = 5\n");
+      "body-seconds = 2\nanswer-seconds = 3\nidle-seconds = 4\nshutdown-seconds = 5\n"
+      "refused-seconds = 6\nrepeat-seconds = 7\nrepeat-answers = 0\n");
   ASSERT_TRUE(configuration) << configuration.error();
   EXPECT_EQ(configuration->address, "::1");
   EXPECT_EQ(configuration->port, 0);
@@ -67,6 +68,9 @@ TEST_F(ConfigurationTest, EveryKeyIsTaken) {
   EXPECT_EQ(configuration->limits.answerTime, 3s);
   EXPECT_EQ(configuration->limits.idleTime, 4s);
   EXPECT_EQ(configuration->limits.shutdownTime, 5s);
+  EXPECT_EQ(configuration->limits.refusedTime, 6s);
+  EXPECT_EQ(configuration->limits.repeatTime, 7s);
+  EXPECT_EQ(configuration->limits.repeatAnswers, 0U);
 }
 
 TEST_F(ConfigurationTest, AValueThatDoesNotParseIsOneClearLine) {

@@ -30,7 +30,9 @@ void read(std::string_view head, std::string_view rest) {
   if (parser.get().body().size() > bodyLimit) std::abort();
   if (!parser.is_header_done()) return;
   const auto target = parseTarget(parser.get().target());
-  if (target && target->language.size() > parser.get().target().size()) std::abort();
+  if (!target) return;
+  const auto whole = target->language.size() + target->sessionId.size() + target->chunkIndex.size();
+  if (whole > parser.get().target().size()) std::abort();
 }
 
 }  // namespace
