@@ -59,8 +59,8 @@ int serve(const Configuration& configuration, const EngineKind& engine, std::ost
           stop();
         });
       });
-  DictationApi api({.name = engine.name, .output = engine.output}, tokens, queue,
-                   io.get_executor(), configuration.limits);
+  DictationApi api({.name = engine.name, .output = engine.output}, tokens, queue, io.get_executor(),
+                   configuration.limits);
   HttpServer server(io, configuration.limits, api, log);
   stop = [&] { server.stop([&signals] { signals.cancel(); }); };
   if (const auto listening = server.listen(configuration.address, configuration.port); !listening) {

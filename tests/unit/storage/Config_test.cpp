@@ -133,7 +133,8 @@ TEST_F(ConfigTest, TheMigrationLeavesOtherChoicesAloneAndSetsItsMarker) {
 TEST_F(ConfigTest, TheMigrationWritesItsMarkerBeforeItReadsTheChoice) {
   settings.set(keys::toggleHotkeyChoice, u"controlSpace"_s);
   QStringList order;
-  const auto observation = settings.changed.observe([&order](const QString& name) { order.append(name); });
+  const auto observation =
+      settings.changed.observe([&order](const QString& name) { order.append(name); });
   config::migrateToggleHotkeyIfNeeded(settings, debugLog);
   EXPECT_THAT(order, ElementsAre(u"toggleHotkeyLegacyMigrationDone"_s, u"toggleHotkeyChoice"_s));
 }

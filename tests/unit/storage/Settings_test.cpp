@@ -167,7 +167,8 @@ TEST_F(SettingsTest, ALinkToAFileKeptElsewhereStaysALink) {
 TEST_F(SettingsTest, AnObserverHearsEveryChangeAndNothingElse) {
   Settings settings(file, debugLog);
   QStringList heard;
-  auto observation = settings.changed.observe([&heard](const QString& name) { heard.append(name); });
+  auto observation =
+      settings.changed.observe([&heard](const QString& name) { heard.append(name); });
   settings.set(keys::isEnabled, true);
   settings.set(keys::isEnabled, true);
   settings.remove(keys::authEmail);

@@ -118,8 +118,8 @@ TEST_F(TelemetryTest, AFirstDictationWhileSharingIsOffIsNeverToldLater) {
 
 TEST_F(TelemetryTest, TheMarkerOfTheFirstDictationIsSetBeforeTheEvent) {
   bool wasQueuedBefore = true;
-  const auto observation =
-      settings.changed.observe([&](const QString&) { wasQueuedBefore = !telemetry.queue().empty(); });
+  const auto observation = settings.changed.observe(
+      [&](const QString&) { wasQueuedBefore = !telemetry.queue().empty(); });
   telemetry.recordFirstDictation();
   EXPECT_FALSE(wasQueuedBefore);
   EXPECT_THAT(telemetry.queue(), SizeIs(1));

@@ -59,9 +59,7 @@ class StreamingDictationSessionTest : public testing::Test {
     return result;
   }
 
-  qsizetype notUsedLines() {
-    return storage.logMessages().filter(u"streaming: not used"_s).size();
-  }
+  qsizetype notUsedLines() { return storage.logMessages().filter(u"streaming: not used"_s).size(); }
 
   FakeMainThread mainThread;
   FakeClock clock{mainThread};
