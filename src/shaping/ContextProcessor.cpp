@@ -96,7 +96,7 @@ QString withSingleBlanks(const QString& text) {
   QString result;
   result.reserve(text.size());
   for (qsizetype start = 0; start < text.size();) {
-    qsizetype end = start + 1;
+    qsizetype end = start;
     if (isBlank(text[start])) {
       while (end < text.size() && isBlank(text[end])) ++end;
       result += end - start == 1 ? text[start] : u' ';

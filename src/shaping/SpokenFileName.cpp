@@ -23,7 +23,7 @@ QString spokenToFileName(const QString& spoken) {
   const auto* row = std::ranges::find(spokenFileStems, lowerCased(name), &SpokenFileStem::spoken);
   if (row != std::end(spokenFileStems)) return row->stem.toString();
   QString stem;
-  for (const QString& piece : name.split(u' ', Qt::SkipEmptyParts)) stem += capitalized(piece);
+  for (const QString& piece : name.split(u' ')) stem += capitalized(piece);
   return stem;
 }
 
