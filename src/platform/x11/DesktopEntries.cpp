@@ -89,7 +89,12 @@ void DesktopEntries::refresh() {
   std::vector<QDateTime> times;
   for (const QString& folder : m_folders) times.push_back(QFileInfo(folder).lastModified());
   if (times == m_folderTimes) return;
-  m_folderTimes = std::move(times);
+  // A folder's time has the grain of the system's clock tick, or of a second on some disks: what
+  // has changed a moment ago may change again without showing.
+  const QDateTime settled = QDateTime::currentDateTime().addSecs(-2);
+  const bool areSettled = std::ranges::all_of(
+      times, [&](const QDateTime& time) { return !time.isValid() || time < settled; });
+  m_folderTimes = areSettled ? std::move(times) : std::vector<QDateTime>();
   m_byIdentifier.clear();
   for (auto* index : {&m_byWindowClass, &m_byFileName, &m_byLastPart, &m_byName}) index->clear();
   for (const QString& folder : m_folders) read(folder);
