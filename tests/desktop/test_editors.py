@@ -171,8 +171,9 @@ class XtermTest(IntoAnEditor, unittest.TestCase):
 class ChromiumTest(IntoAnEditor, unittest.TestCase):
     editor = editors.Chromium
     # Chromium looks at a changed key map only when events come from another keyboard than before. A person's
-    # own keyboard sees to that; here there is one keyboard in all, so only the first key lent is noticed.
-    layouts = tuple(layout for layout in IntoAnEditor.layouts if layout != ["gr"])
+    # own keyboard sees to that; here there is one keyboard in all, so a key lent to a layout without a Latin V
+    # goes unnoticed.
+    layouts = tuple(layout for layout in IntoAnEditor.layouts if layout not in (["ru"], ["gr"]))
 
     def test_a_zero_character_loses_nothing_of_the_rest(self):
         editor = self.open_editor()
