@@ -108,7 +108,8 @@ TEST_F(PulseAudioInputTest, BlocksAreShortEnoughForAQuickStart) {
   BlockCollector blocks;
   const auto formats = input.prepare();
   ASSERT_TRUE(input.start(blocks.handler()));
-  ASSERT_TRUE(blocks.waitForFrames(20'000));
+  EXPECT_TRUE(blocks.waitForFrames(20'000));
+  input.stop();
   EXPECT_LE(static_cast<double>(blocks.greatestBlock()), formats->node.sampleRate * 0.040);
 }
 
