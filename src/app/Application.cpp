@@ -65,6 +65,14 @@ void awaitKeyring() {
 
 }  // namespace
 
+/// Nothing on this desktop tells of keys.
+class AbsentKeyEventSource : public KeyEventSource {
+ public:
+  bool start() override { return false; }
+  void stop() override {}
+  ModifierFlags modifierFlags() const override { return 0; }
+};
+
 /// Time, the main queue, and the program's files.
 struct Application::Base {
   explicit Base(std::function<void()> quit) : terminationSignals(std::move(quit)) {}
@@ -105,6 +113,7 @@ struct Application::Desktop {
   QtApplicationWindows windows;
   QtSystemEvents systemEvents;
   UnknownSecureInput secureInput;
+  AbsentKeyEventSource keyEvents;
   AbsentHaptics haptics;
   SystemInformation information = readSystemInformation();
 };
@@ -139,6 +148,7 @@ struct Application::Program {
                    .focusedApplication = *desktop.focusedApplication,
                    .configFolder = places::configFolder()}),
         permissions(permissionsOfSystem, theClock, mainThread, telemetry),
+        hotkey(desktop.keyEvents, theClock, mainThread, settings, debugLog),
         recorder(desktop.audioInput, mainThread, theClock, debugLog),
         client({.session = session,
                 .hedgeSession = hedgeSession,

@@ -1,21 +1,46 @@
-// Turns key events into the three triggers of a dictation.
+// Turns the key events of the login session into the three triggers of a dictation.
 //
-// The manager decides nothing about dictation; it calls back, always from a turn of the main queue
-// of its own. Main thread only.
+// The manager decides nothing about dictation and consumes no event; it calls back, always from a
+// turn of the main queue of its own. The two shortcuts are read from the settings at every event,
+// so a change applies from the next key on.
 //
-// It has no source of key events, so installTap() returns false; dictation is triggered from
-// outside, through RemoteControl.
+// A chosen key may be a bare modifier, hence the logic on FlagsChanged beside KeyDown and KeyUp.
+// The two sides of Option differ on purpose: the right one acts at once, while the left one, which
+// is used in combinations all day, must be held alone for leftOptionHoldThreshold.
+//
+// Main thread only. Destroying it ends its pending hold and drops callbacks not yet delivered.
 #pragma once
 
+#include <chrono>
 #include <functional>
+#include <optional>
+
+#include "base/Clock.h"
+#include "base/TaskScope.h"
+#include "ports/KeyEventSource.h"
+#include "storage/CustomKeyShortcut.h"
 
 namespace vemo {
 
+class DebugLog;
+class Settings;
+
+inline constexpr std::chrono::milliseconds toggleDebounceThreshold{350};
+inline constexpr std::chrono::milliseconds leftOptionHoldThreshold{200};
+
 class HotkeyManager {
  public:
-  std::function<void()> onPushToTalkDown;
-  std::function<void()> onPushToTalkUp;
-  std::function<void()> onToggleTrigger;
+  /// The source is this manager's alone from now on.
+  HotkeyManager(KeyEventSource& source, Clock& clock, MainThread& mainThread,
+                const Settings& settings, DebugLog& debugLog);
+  ~HotkeyManager();
+  HotkeyManager(const HotkeyManager&) = delete;
+  HotkeyManager& operator=(const HotkeyManager&) = delete;
+
+  using Callback = std::function<void()>;
+  Callback onPushToTalkDown;
+  Callback onPushToTalkUp;
+  Callback onToggleTrigger;
 
   /// Starts listening; true when key events come in afterwards.
   bool installTap();
@@ -23,11 +48,47 @@ class HotkeyManager {
   /// Stops listening. Fires no callback, whatever is held.
   void removeTap();
 
-  /// Whether key events come in.
-  bool isTapEnabled() const { return m_isTapEnabled; }
+  /// Whether key events come in. A source that was interrupted goes on by itself.
+  bool isTapEnabled() const { return m_isTapInstalled; }
+
+  /// Whether push-to-talk counts as held.
+  bool isPushToTalkKeyDown() const { return m_isPushToTalkKeyDown; }
 
  private:
-  bool m_isTapEnabled = false;
+  void processEvent(const KeyEvent& event);
+  void recoverFromInterruption();
+
+  // Whether this event is the going down of the toggle shortcut: true once a press.
+  bool matchesToggle(const CustomKeyShortcut& shortcut, const KeyEvent& event);
+  bool matchesEitherOptionToggle(const KeyEvent& event);
+  bool matchesModifierToggle(const CustomKeyShortcut& shortcut, const KeyEvent& event);
+  bool matchesChordToggle(const CustomKeyShortcut& shortcut, const KeyEvent& event);
+  bool toggleEdge(bool isHeld);
+  void triggerToggle(const CustomKeyShortcut& shortcut);
+
+  void processPushToTalk(const CustomKeyShortcut& shortcut, const KeyEvent& event);
+  void processEitherOption(const KeyEvent& event);
+  void processLeftOption(const KeyEvent& event);
+  void processModifier(const CustomKeyShortcut& shortcut, const KeyEvent& event);
+  void processChord(const CustomKeyShortcut& shortcut, const KeyEvent& event);
+  Task<> pressAfterHold(std::stop_token stop);
+  void press();
+  void release();
+
+  void deliver(Callback HotkeyManager::* callback);
+  Task<> call(Callback HotkeyManager::* callback);
+
+  KeyEventSource& m_source;
+  Clock& m_clock;
+  const Settings& m_settings;
+  DebugLog& m_debugLog;
+
+  bool m_isTapInstalled = false;
+  bool m_isPushToTalkKeyDown = false;
+  bool m_isToggleKeyDown = false;
+  std::optional<Clock::MonotonicTime> m_lastToggleTriggerTime;
+  StartedTask m_leftOptionPendingTask;
+  TaskScope m_tasks;
 };
 
 }  // namespace vemo

@@ -72,7 +72,8 @@ std::optional<CustomKeyShortcut> shortcutIn(const Settings& settings, const keys
 
 void setShortcutIn(Settings& settings, const keys::Data& key,
                    const std::optional<CustomKeyShortcut>& shortcut) {
-  if (shortcut) {
+  // Flag bits beyond the integers of JSON don't come back; such a record is none.
+  if (shortcut && decodeShortcut(encodeShortcut(*shortcut)) == shortcut) {
     settings.set(key, encodeShortcut(*shortcut));
   } else {
     settings.remove(key);

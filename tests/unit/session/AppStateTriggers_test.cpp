@@ -312,9 +312,11 @@ TEST_F(AppStateTriggersTest, WakingAndRegainedTrustInstallTheTapAgainAndLostTrus
   system.isTrusted = false;
   clock.advance(2s);
   EXPECT_TRUE(storage.hasLogged(u"Accessibility trust lost — tearing down the event tap"_s));
+  EXPECT_FALSE(hotkey.isTapEnabled());
   system.isTrusted = true;
   clock.advance(2s);
   EXPECT_EQ(attempts(), 3);
+  EXPECT_TRUE(hotkey.isTapEnabled());
 }
 
 TEST_F(AppStateTriggersTest, HotkeysAreWiredToTheTriggers) {

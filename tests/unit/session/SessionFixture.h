@@ -24,6 +24,7 @@
 #include "fakes/FakeHaptics.h"
 #include "fakes/FakeHttpSession.h"
 #include "fakes/FakeInputDevice.h"
+#include "fakes/FakeKeyEventSource.h"
 #include "fakes/FakeKeyPoster.h"
 #include "fakes/FakeRecordingIndicator.h"
 #include "fakes/FakeSecretBackend.h"
@@ -203,7 +204,8 @@ class SessionFixture : public testing::Test {
   FakeRecordingIndicator hud;
   const SystemInformation information{u"12.8.0"_s, u"1.2.0"_s, u"34"_s};
   const DeploymentConfiguration configuration = DeploymentConfiguration::builtIn();
-  HotkeyManager hotkey;
+  FakeKeyEventSource keySource;
+  HotkeyManager hotkey{keySource, clock, mainThread, storage.settings, storage.debugLog};
   AudioRecorder recorder{audioInput, mainThread, clock, storage.debugLog};
   FakeFileTagLookup files;
   TextInjector injector{clipboard, keyPoster,  secureInput,     system,

@@ -1,0 +1,127 @@
+#include "desktop/HotkeyChoices.h"
+
+#include <algorithm>
+
+#include "desktop/ShortcutNames.h"
+#include "desktop/VirtualKeys.h"
+#include "storage/Config.h"
+#include "storage/SettingsKeys.h"
+
+namespace vemo {
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+constexpr auto customChoice = u"custom";
+
+CustomKeyShortcut modifier(const QString& presetId, std::int64_t keyCode, ModifierFlags flags) {
+  return {keyCode, flags, true, presetId};
+}
+
+CustomKeyShortcut chord(const QString& presetId, std::int64_t keyCode, ModifierFlags flags) {
+  return {keyCode, flags, false, presetId};
+}
+
+// clang-format off
+const std::array<ShortcutPreset, 7>& presetTable() {
+  // "eitherOption" has the key of the left side; the hotkeys match it by its id.
+  static const std::array<ShortcutPreset, 7> table{{
+      {modifier(u"eitherOption"_s, kLeftOption, OptionFlag), u"Either Option (⌥)"_s, u"⌥"_s},
+      {modifier(u"rightOption"_s, kRightOption, OptionFlag), u"Right Option (⌥)"_s, u"Right ⌥"_s},
+      {modifier(u"leftOption"_s, kLeftOption, OptionFlag), u"Left Option (⌥)"_s, u"Left ⌥"_s},
+      {modifier(u"rightCommand"_s, kRightCommand, CommandFlag), u"Right Command (⌘)"_s, u"Right ⌘"_s},
+      {modifier(u"fnGlobe"_s, kFnKey, 0), u"Fn / Globe"_s, u"fn"_s},
+      {chord(u"controlSpace"_s, kSpace, ControlFlag), u"Control + Space (⌃␣)"_s, u"⌃␣"_s},
+      {chord(u"optionSpace"_s, kSpace, OptionFlag), u"Option + Space (⌥␣)"_s, u"⌥␣"_s},
+  }};
+  return table;
+}
+// clang-format on
+
+/// What tells the two triggers apart.
+struct TriggerRow {
+  const keys::String& choiceKey;
+  std::optional<CustomKeyShortcut> (*recorded)(const Settings&);
+  void (*setRecorded)(Settings&, const std::optional<CustomKeyShortcut>&);
+  const ShortcutPreset& defaultPreset;
+  QString confirmation;
+  QString hint;
+};
+
+const TriggerRow& row(HotkeyTrigger trigger) {
+  static const TriggerRow pushToTalk{
+      keys::pushToTalkHotkeyChoice,
+      config::customPushToTalkShortcut,
+      config::setCustomPushToTalkShortcut,
+      *shortcutPreset(u"eitherOption"_s),
+      u"Push-to-Talk set to "_s,
+      u"Press any key, modifier, or combination to hold while speaking."_s,
+  };
+  static const TriggerRow toggle{
+      keys::toggleHotkeyChoice,
+      config::customToggleShortcut,
+      config::setCustomToggleShortcut,
+      *shortcutPreset(u"fnGlobe"_s),
+      u"Start / Stop set to "_s,
+      u"Press any key, modifier, or combination to tap to start/stop."_s,
+  };
+  return trigger == HotkeyTrigger::PushToTalk ? pushToTalk : toggle;
+}
+
+}  // namespace
+
+std::span<const ShortcutPreset> shortcutPresets() {
+  return presetTable();
+}
+
+const ShortcutPreset* shortcutPreset(const QString& presetId) {
+  const auto& table = presetTable();
+  const auto found = std::ranges::find_if(
+      table, [&](const ShortcutPreset& preset) { return preset.shortcut.presetId == presetId; });
+  return found == table.end() ? nullptr : &*found;
+}
+
+const ShortcutPreset& defaultPreset(HotkeyTrigger trigger) {
+  return row(trigger).defaultPreset;
+}
+
+CustomKeyShortcut chosenShortcut(const Settings& settings, HotkeyTrigger trigger) {
+  const TriggerRow& of = row(trigger);
+  const auto choice = settings.get(of.choiceKey);
+  if (!choice) return of.defaultPreset.shortcut;
+  if (*choice == customChoice) {
+    if (auto recorded = of.recorded(settings)) return *std::move(recorded);
+  }
+  const auto* preset = shortcutPreset(*choice);
+  return preset ? preset->shortcut : of.defaultPreset.shortcut;
+}
+
+CustomKeyShortcut pushToTalkChoice(const Settings& settings) {
+  return chosenShortcut(settings, HotkeyTrigger::PushToTalk);
+}
+
+CustomKeyShortcut toggleChoice(const Settings& settings) {
+  return chosenShortcut(settings, HotkeyTrigger::Toggle);
+}
+
+QString saveShortcut(Settings& settings, HotkeyTrigger trigger, const CustomKeyShortcut& shortcut) {
+  const TriggerRow& of = row(trigger);
+  if (shortcut.presetId) {
+    settings.set(of.choiceKey, *shortcut.presetId);
+  } else {
+    of.setRecorded(settings, shortcut);
+    settings.set(of.choiceKey, QString::fromUtf16(customChoice));
+  }
+  return of.confirmation + displayName(shortcut);
+}
+
+void removeRecordedShortcut(Settings& settings, HotkeyTrigger trigger) {
+  row(trigger).setRecorded(settings, std::nullopt);
+}
+
+QString captureHint(HotkeyTrigger trigger) {
+  return row(trigger).hint;
+}
+
+}  // namespace vemo
