@@ -25,12 +25,15 @@
 #include "platform/qt/QtSystemInformation.h"
 #include "platform/secretservice/SecretServiceBackend.h"
 #include "platform/x11/X11Clipboard.h"
+#include "platform/x11/X11FloatingPanel.h"
 #include "platform/x11/X11FocusedApplication.h"
 #include "platform/x11/X11KeyPoster.h"
+#include "platform/x11/X11Screens.h"
 #include "platform/xdg/AbsentHaptics.h"
 #include "platform/xdg/BusRemoteControl.h"
 #include "platform/xdg/LinuxPermissions.h"
 #include "platform/xdg/UnknownSecureInput.h"
+#include "ports/LoneModifier.h"
 #include "session/AppState.h"
 #include "session/DictationRemoteControl.h"
 #include "shaping/ContextProcessor.h"
@@ -73,6 +76,12 @@ class AbsentKeyEventSource : public KeyEventSource {
   ModifierFlags modifierFlags() const override { return 0; }
 };
 
+/// Posts nothing: bare modifiers trigger nothing as long as no keys are heard.
+class AbsentLoneModifier : public LoneModifier {
+ public:
+  void accompany() override {}
+};
+
 /// Time, the main queue, and the program's files.
 struct Application::Base {
   explicit Base(std::function<void()> quit) : terminationSignals(std::move(quit)) {}
@@ -87,18 +96,21 @@ struct Application::Base {
 /// The adapters.
 struct Application::Desktop {
   Desktop(std::unique_ptr<X11Clipboard> x11Clipboard, std::unique_ptr<X11KeyPoster> x11KeyPoster,
-          std::unique_ptr<X11FocusedApplication> x11FocusedApplication)
+          std::unique_ptr<X11FocusedApplication> x11FocusedApplication,
+          std::unique_ptr<X11Screens> x11Screens)
       : clipboard(std::move(x11Clipboard)),
         keyPoster(std::move(x11KeyPoster)),
-        focusedApplication(std::move(x11FocusedApplication)) {}
+        focusedApplication(std::move(x11FocusedApplication)),
+        screens(std::move(x11Screens)) {}
 
   static std::unique_ptr<Desktop> create(QtMainThread& mainThread) {
     auto clipboard = X11Clipboard::create(mainThread);
     auto keyPoster = X11KeyPoster::create();
     auto focusedApplication = X11FocusedApplication::create();
-    if (!clipboard || !keyPoster || !focusedApplication) return nullptr;
+    auto screens = X11Screens::create();
+    if (!clipboard || !keyPoster || !focusedApplication || !screens) return nullptr;
     return std::make_unique<Desktop>(std::move(clipboard), std::move(keyPoster),
-                                     std::move(focusedApplication));
+                                     std::move(focusedApplication), std::move(screens));
   }
 
   PulseServer pulse{"Vemo", "brelmox.Vemo"};
@@ -110,10 +122,12 @@ struct Application::Desktop {
   std::unique_ptr<X11Clipboard> clipboard;
   std::unique_ptr<X11KeyPoster> keyPoster;
   std::unique_ptr<X11FocusedApplication> focusedApplication;
+  std::unique_ptr<X11Screens> screens;
   QtApplicationWindows windows;
   QtSystemEvents systemEvents;
   UnknownSecureInput secureInput;
   AbsentKeyEventSource keyEvents;
+  AbsentLoneModifier loneModifier;
   AbsentHaptics haptics;
   SystemInformation information = readSystemInformation();
 };
@@ -148,7 +162,7 @@ struct Application::Program {
                    .focusedApplication = *desktop.focusedApplication,
                    .configFolder = places::configFolder()}),
         permissions(permissionsOfSystem, theClock, mainThread, telemetry),
-        hotkey(desktop.keyEvents, theClock, mainThread, settings, debugLog),
+        hotkey(desktop.keyEvents, desktop.loneModifier, theClock, mainThread, settings, debugLog),
         recorder(desktop.audioInput, mainThread, theClock, debugLog),
         client({.session = session,
                 .hedgeSession = hedgeSession,
@@ -170,7 +184,11 @@ struct Application::Program {
                           .debugLog = debugLog}),
         injector(*desktop.clipboard, *desktop.keyPoster, desktop.secureInput, permissionsOfSystem,
                  theClock, mainThread, debugLog),
-        hud(theClock, mainThread),
+        hud({.clock = theClock,
+             .mainThread = mainThread,
+             .settings = settings,
+             .screens = *desktop.screens,
+             .makePanel = [] { return X11FloatingPanel::create(); }}),
         appState({.mainThread = mainThread,
                   .clock = theClock,
                   .settings = settings,
@@ -253,7 +271,7 @@ std::optional<QString> Application::start() {
 
   awaitKeyring();
   m_desktop = Desktop::create(m_base->mainThread);
-  if (!m_desktop) return u"Vemo needs an X server with XFixes, XTest and XInput 2."_s;
+  if (!m_desktop) return u"Vemo needs an X server with XFixes, XTest, XInput 2 and RandR 1.5."_s;
   m_program = std::make_unique<Program>(*m_base, *m_desktop, m_configuration, [this] { quit(); });
   m_program->appState.bootstrap();
   m_bus->serve(m_program->remoteControl);

@@ -5,6 +5,7 @@
 #include "desktop/HotkeyChoices.h"
 #include "desktop/ShortcutNames.h"
 #include "desktop/VirtualKeys.h"
+#include "ports/LoneModifier.h"
 #include "storage/DebugLog.h"
 
 namespace vemo {
@@ -31,9 +32,10 @@ bool isHeldAlone(std::int64_t modifierKey, ModifierFlags flags) {
 
 }  // namespace
 
-HotkeyManager::HotkeyManager(KeyEventSource& source, Clock& clock, MainThread& mainThread,
-                             const Settings& settings, DebugLog& debugLog)
+HotkeyManager::HotkeyManager(KeyEventSource& source, LoneModifier& loneModifier, Clock& clock,
+                             MainThread& mainThread, const Settings& settings, DebugLog& debugLog)
     : m_source(source),
+      m_loneModifier(loneModifier),
       m_clock(clock),
       m_settings(settings),
       m_debugLog(debugLog),
@@ -75,10 +77,12 @@ void HotkeyManager::recoverFromInterruption() {
 }
 
 void HotkeyManager::processEvent(const KeyEvent& event) {
-  if (const auto toggle = toggleChoice(m_settings); matchesToggle(toggle, event))
+  if (const auto toggle = toggleChoice(m_settings); matchesToggle(toggle, event)) {
+    accompany(event.keyCode);
     triggerToggle(toggle);
-  else
+  } else {
     processPushToTalk(pushToTalkChoice(m_settings), event);
+  }
 }
 
 // The toggle
@@ -139,7 +143,7 @@ void HotkeyManager::processPushToTalk(const CustomKeyShortcut& shortcut, const K
 
 void HotkeyManager::processEitherOption(const KeyEvent& event) {
   if (event.keyCode != kRightOption) return processLeftOption(event);
-  isHeldAlone(kRightOption, event.flags) ? press() : release();
+  isHeldAlone(kRightOption, event.flags) ? press(kRightOption) : release();
 }
 
 void HotkeyManager::processLeftOption(const KeyEvent& event) {
@@ -163,16 +167,17 @@ Task<> HotkeyManager::pressAfterHold(std::stop_token stop) {
   // Another modifier that went down meanwhile makes it a combination.
   if (m_source.modifierFlags() & allModifierFlags & ~OptionFlag) co_return;
   m_debugLog(u"HotkeyManager: Left Option PTT DOWN (held)"_s);
-  press();
+  press(kLeftOption);
 }
 
 void HotkeyManager::processModifier(const CustomKeyShortcut& shortcut, const KeyEvent& event) {
   if (event.type != Type::FlagsChanged) return;
   if (shortcut.keyCode == kFnKey) {
     // Any later event that tells of Fn corrects a state that has gone astray.
-    event.flags& FnFlag ? press() : release();
+    const bool isHeld = event.flags & FnFlag;
+    isHeld ? press(kFnKey) : release();
   } else if (event.keyCode == shortcut.keyCode && ownFlag(event.keyCode)) {
-    isHeldAlone(event.keyCode, event.flags) ? press() : release();
+    isHeldAlone(event.keyCode, event.flags) ? press(event.keyCode) : release();
   }
 }
 
@@ -185,19 +190,26 @@ void HotkeyManager::processChord(const CustomKeyShortcut& shortcut, const KeyEve
   } else if (event.type == Type::KeyUp) {
     release();
   } else if (event.type == Type::KeyDown && hasItsModifiers) {
-    press();
+    press(event.keyCode);
   }
 }
 
-void HotkeyManager::press() {
-  if (!std::exchange(m_isPushToTalkKeyDown, true)) deliver(&HotkeyManager::onPushToTalkDown);
+void HotkeyManager::press(std::int64_t keyCode) {
+  if (std::exchange(m_isPushToTalkKeyDown, true)) return;
+  accompany(keyCode);
+  deliver(&HotkeyManager::onPushToTalkDown);
 }
 
 void HotkeyManager::release() {
   if (std::exchange(m_isPushToTalkKeyDown, false)) deliver(&HotkeyManager::onPushToTalkUp);
 }
 
-// Delivery
+// What follows
+
+/// At once, since the key may come up before the main queue's next turn.
+void HotkeyManager::accompany(std::int64_t keyCode) {
+  if (ownFlag(keyCode) & (OptionFlag | CommandFlag)) m_loneModifier.accompany();
+}
 
 void HotkeyManager::deliver(Callback HotkeyManager::* callback) {
   m_tasks.start([this, callback](std::stop_token) { return call(callback); });

@@ -6,7 +6,9 @@
 //
 // A chosen key may be a bare modifier, hence the logic on FlagsChanged beside KeyDown and KeyUp.
 // The two sides of Option differ on purpose: the right one acts at once, while the left one, which
-// is used in combinations all day, must be held alone for leftOptionHoldThreshold.
+// is used in combinations all day, must be held alone for leftOptionHoldThreshold. A bare Option or
+// Command that triggers something is given company at once, so that it opens no menu when it comes
+// up.
 //
 // Main thread only. Destroying it ends its pending hold and drops callbacks not yet delivered.
 #pragma once
@@ -23,6 +25,7 @@
 namespace vemo {
 
 class DebugLog;
+class LoneModifier;
 class Settings;
 
 inline constexpr std::chrono::milliseconds toggleDebounceThreshold{350};
@@ -31,8 +34,8 @@ inline constexpr std::chrono::milliseconds leftOptionHoldThreshold{200};
 class HotkeyManager {
  public:
   /// The source is this manager's alone from now on.
-  HotkeyManager(KeyEventSource& source, Clock& clock, MainThread& mainThread,
-                const Settings& settings, DebugLog& debugLog);
+  HotkeyManager(KeyEventSource& source, LoneModifier& loneModifier, Clock& clock,
+                MainThread& mainThread, const Settings& settings, DebugLog& debugLog);
   ~HotkeyManager();
   HotkeyManager(const HotkeyManager&) = delete;
   HotkeyManager& operator=(const HotkeyManager&) = delete;
@@ -72,13 +75,15 @@ class HotkeyManager {
   void processModifier(const CustomKeyShortcut& shortcut, const KeyEvent& event);
   void processChord(const CustomKeyShortcut& shortcut, const KeyEvent& event);
   Task<> pressAfterHold(std::stop_token stop);
-  void press();
+  void press(std::int64_t keyCode);
   void release();
 
+  void accompany(std::int64_t keyCode);
   void deliver(Callback HotkeyManager::* callback);
   Task<> call(Callback HotkeyManager::* callback);
 
   KeyEventSource& m_source;
+  LoneModifier& m_loneModifier;
   Clock& m_clock;
   const Settings& m_settings;
   DebugLog& m_debugLog;

@@ -12,6 +12,7 @@
 #include "desktop/VirtualKeys.h"
 #include "fakes/FakeClock.h"
 #include "fakes/FakeKeyEventSource.h"
+#include "fakes/FakeLoneModifier.h"
 #include "fakes/FakeMainThread.h"
 #include "fakes/TestStorage.h"
 #include "storage/SettingsKeys.h"
@@ -64,7 +65,8 @@ class HotkeyFixture : public testing::Test {
   FakeClock clock{mainThread};
   TestStorage storage{clock};
   FakeKeyEventSource source;
-  HotkeyManager hotkey{source, clock, mainThread, storage.settings, storage.debugLog};
+  FakeLoneModifier loneModifier;
+  HotkeyManager hotkey{source, loneModifier, clock, mainThread, storage.settings, storage.debugLog};
 
  private:
   std::vector<std::string> m_calls;

@@ -97,8 +97,8 @@ TEST_F(HotkeyManagerTest, AnInterruptionForgetsAToggleThatIsDown) {
 
 TEST_F(HotkeyManagerTest, AManagerThatIsGoneCallsNothingThatWasUnderWay) {
   FakeKeyEventSource itsSource;
-  auto manager = std::make_unique<HotkeyManager>(itsSource, clock, mainThread, storage.settings,
-                                                 storage.debugLog);
+  auto manager = std::make_unique<HotkeyManager>(itsSource, loneModifier, clock, mainThread,
+                                                 storage.settings, storage.debugLog);
   int calls = 0;
   manager->onPushToTalkDown = [&] { ++calls; };
   manager->onToggleTrigger = [&] { ++calls; };

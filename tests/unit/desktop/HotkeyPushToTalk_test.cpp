@@ -268,5 +268,40 @@ TEST_F(HotkeyPushToTalkTest, APlainKeyIsHeldWhateverModifiersComeAndGo) {
   EXPECT_THAT(takeCalls(), ElementsAre("up"));
 }
 
+// Company for a bare modifier
+
+TEST_F(HotkeyPushToTalkTest, ABareOptionIsGivenCompanyOnceAHoldBeforeTheCallbackRuns) {
+  flags(kRightOption, OptionFlag);
+  EXPECT_EQ(loneModifier.accompanyCount, 1);
+  flags(kRightOption, OptionFlag);
+  flags(kRightOption, 0);
+  EXPECT_EQ(loneModifier.accompanyCount, 1);
+}
+
+TEST_F(HotkeyPushToTalkTest, LeftOptionIsGivenCompanyWhenItsHoldHasLastedAndNotBefore) {
+  flags(kLeftOption, OptionFlag);
+  clock.advance(199ms);
+  EXPECT_EQ(loneModifier.accompanyCount, 0);
+  clock.advance(1ms);
+  EXPECT_EQ(loneModifier.accompanyCount, 1);
+}
+
+TEST_F(HotkeyPushToTalkTest, OnlyOptionAndCommandNeedCompany) {
+  for (const ModifierKey& key : modifierKeys) {
+    choosePushToTalk(
+        {.keyCode = key.keyCode, .modifierFlagsRaw = key.flag, .isModifierOnly = true});
+    loneModifier.accompanyCount = 0;
+    flags(key.keyCode, key.flag);
+    flags(key.keyCode, 0);
+    EXPECT_EQ(loneModifier.accompanyCount, key.flag == OptionFlag || key.flag == CommandFlag);
+  }
+  choose(u"fnGlobe"_s, u"controlSpace"_s);
+  loneModifier.accompanyCount = 0;
+  flags(kFnKey, FnFlag);
+  choose(u"optionSpace"_s);
+  keyDown(kSpace, OptionFlag);
+  EXPECT_EQ(loneModifier.accompanyCount, 0);
+}
+
 }  // namespace
 }  // namespace vemo

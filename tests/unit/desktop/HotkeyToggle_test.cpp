@@ -223,6 +223,18 @@ TEST_F(HotkeyToggleTest, EitherOptionIsLookedAtInFlagsEventsOfItsTwoKeysOnly) {
   EXPECT_THAT(takeCalls(), ElementsAre("toggle")) << "another key's event ends no press";
 }
 
+TEST_F(HotkeyToggleTest, ABareOptionIsGivenCompanyEvenWhenTheDebounceDropsItsPress) {
+  choose(u"controlSpace"_s, u"rightOption"_s);
+  flags(kRightOption, OptionFlag);
+  flags(kRightOption, 0);
+  EXPECT_EQ(loneModifier.accompanyCount, 1);
+  flags(kRightOption, OptionFlag);
+  EXPECT_EQ(loneModifier.accompanyCount, 2);
+  choose({}, u"fnGlobe"_s);
+  flags(kFnKey, FnFlag);
+  EXPECT_EQ(loneModifier.accompanyCount, 2);
+}
+
 TEST_F(HotkeyToggleTest, ARecordWithoutAKeyNeverTriggers) {
   for (const bool isModifierOnly : {false, true}) {
     chooseToggle({.modifierFlagsRaw = ControlFlag, .isModifierOnly = isModifierOnly});

@@ -26,6 +26,7 @@
 #include "fakes/FakeInputDevice.h"
 #include "fakes/FakeKeyEventSource.h"
 #include "fakes/FakeKeyPoster.h"
+#include "fakes/FakeLoneModifier.h"
 #include "fakes/FakeRecordingIndicator.h"
 #include "fakes/FakeSecretBackend.h"
 #include "fakes/FakeSecureInput.h"
@@ -205,7 +206,9 @@ class SessionFixture : public testing::Test {
   const SystemInformation information{u"12.8.0"_s, u"1.2.0"_s, u"34"_s};
   const DeploymentConfiguration configuration = DeploymentConfiguration::builtIn();
   FakeKeyEventSource keySource;
-  HotkeyManager hotkey{keySource, clock, mainThread, storage.settings, storage.debugLog};
+  FakeLoneModifier loneModifier;
+  HotkeyManager hotkey{keySource,  loneModifier,     clock,
+                       mainThread, storage.settings, storage.debugLog};
   AudioRecorder recorder{audioInput, mainThread, clock, storage.debugLog};
   FakeFileTagLookup files;
   TextInjector injector{clipboard, keyPoster,  secureInput,     system,
