@@ -9,7 +9,6 @@ median is above 10 ms or the 99th percentile above 30 ms.
 """
 
 import json
-import subprocess
 import sys
 import threading
 import time
@@ -27,17 +26,17 @@ def measure(dictations):
     import gi
     gi.require_version("Gdk", "3.0")
     gi.require_version("Gtk", "3.0")
-    from gi.repository import Gdk, Gio, GLib, Gtk
+    from gi.repository import Gdk, GLib, Gtk
 
     from dictation_server import DictationServer, transcription
-    from vemo_program import Vemo, store_token, write_tone
+    from vemo_program import Humming, Vemo, store_token
     from virtual_desktop import wait_until
 
     class TimedServer(DictationServer):
         """Notes when a request has come in and when its answer is taken; both cost Vemo nothing."""
-        def _take(self, request):
+        def take(self, request):
             self.arrived = time.monotonic()
-            answer = super()._take(request)
+            answer = super().take(request)
             self.answered = time.monotonic()
             return answer
 
@@ -62,31 +61,19 @@ def measure(dictations):
 
     run_until(window.is_active, "the target window to have the focus")
     store_token("token-of-the-benchmark")
-    bus = Gio.bus_get_sync(Gio.BusType.SESSION)
-
-    def command(name):
-        return bus.call_sync("brelmox.Vemo", "/brelmox/Vemo", "brelmox.Vemo", name, None, None,
-                             Gio.DBusCallFlags.NONE, -1, None).unpack()[0]
-
     latencies = []
-    with TimedServer() as server, Vemo(server.address) as vemo:
+    with TimedServer() as server, Vemo(server.address) as vemo, Humming():
         server.answers = [transcription("A sentence of the usual length, spoken in three seconds.")]
-        write_tone(vemo.tone, seconds=dictations * 3 + 30)
-        speech = subprocess.Popen(["paplay", "--device=mic", vemo.tone])
-        try:
-            for _ in range(dictations):
-                wait_until(lambda: command("start") == "recording", "a recording")
-                until = time.monotonic() + RECORDING_MS / 1000
-                run_until(lambda: time.monotonic() >= until, "the recording's length")
-                key_down.clear()
-                stopped = time.monotonic()
-                threading.Thread(target=command, args=("stop",)).start()
-                run_until(lambda: key_down, "the paste")
-                latencies.append(key_down[0] - stopped - (server.answered - server.arrived))
-                wait_until(lambda: command("status") == "idle", "the end of the dictation")
-        finally:
-            speech.terminate()
-            speech.wait()
+        for _ in range(dictations):
+            wait_until(lambda: vemo.call("start") == "recording", "a recording")
+            until = time.monotonic() + RECORDING_MS / 1000
+            run_until(lambda: time.monotonic() >= until, "the recording's length")
+            key_down.clear()
+            stopped = time.monotonic()
+            threading.Thread(target=vemo.call, args=("stop",)).start()
+            run_until(lambda: key_down, "the paste")
+            latencies.append(key_down[0] - stopped - (server.answered - server.arrived))
+            wait_until(lambda: vemo.call("status") == "idle", "the end of the dictation")
     return sorted(latency * 1000 for latency in latencies)
 
 

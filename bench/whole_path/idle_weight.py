@@ -8,33 +8,15 @@ Makes a virtual desktop, dictates once so that everything has been used, and wat
 """
 
 import json
-import pathlib
 import sys
 import time
 
 from inside_a_desktop import inside_a_desktop
+from process_figures import resident_mb, wake_ups, wake_ups_by_name
 
 MEMORY_LIMIT_MB = 40
 WAKE_UPS_LIMIT = 1.0
 SETTLING_SECONDS = 5
-
-
-def figure(status_file, name):
-    for line in status_file.read_text().splitlines():
-        if line.startswith(name + ":"):
-            return int(line.split()[1])
-    raise SystemExit(f"{status_file} tells no {name}")
-
-
-def wake_ups(process_id):
-    """Every time that a thread went to sleep by itself it has to be woken."""
-    return {task.name: figure(task / "status", "voluntary_ctxt_switches")
-            for task in pathlib.Path(f"/proc/{process_id}/task").iterdir()}
-
-
-def thread_names(process_id):
-    return {task.name: (task / "comm").read_text().strip()
-            for task in pathlib.Path(f"/proc/{process_id}/task").iterdir()}
 
 
 def measure(seconds):
@@ -44,7 +26,7 @@ def measure(seconds):
 
     store_token("token-of-the-benchmark")
     with DictationServer() as server, Vemo(server.address) as vemo:
-        fresh = figure(pathlib.Path(f"/proc/{vemo.process.pid}/status"), "VmRSS") / 1024
+        fresh = resident_mb(vemo.process.pid)
         server.answers = [transcription("A sentence.")]
         vemo.dictate()
         vemo.await_logged("inject: restored original pasteboard in background")
@@ -52,10 +34,8 @@ def measure(seconds):
         before = wake_ups(vemo.process.pid)
         time.sleep(seconds)
         after = wake_ups(vemo.process.pid)
-        used = figure(pathlib.Path(f"/proc/{vemo.process.pid}/status"), "VmRSS") / 1024
-        names = thread_names(vemo.process.pid)
-    woken = {names[task]: count - before.get(task, 0) for task, count in after.items()
-             if count > before.get(task, 0)}
+        used = resident_mb(vemo.process.pid)
+        woken = wake_ups_by_name(vemo.process.pid, before, after)
     return fresh, used, woken
 
 

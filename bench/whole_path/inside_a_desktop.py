@@ -10,7 +10,10 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(ROOT / "tests/desktop"))
 
 
-def inside_a_desktop(description, count_name, count_default):
+PARTS = ("window-manager", "audio", "keyring")
+
+
+def inside_a_desktop(description, count_name, count_default, parts=PARTS):
     """The options, in the process that stands inside the desktop: `count`, and `report_only`, by which no limit
     makes the status. The process outside ends here with the status of the one inside."""
     parser = argparse.ArgumentParser(description=description, formatter_class=argparse.RawTextHelpFormatter)
@@ -20,6 +23,6 @@ def inside_a_desktop(description, count_name, count_default):
     arguments = parser.parse_args()
     if os.environ.get("VEMO_INSIDE_A_DESKTOP"):
         return arguments
-    command = [str(ROOT / "tools/virtual-desktop"), "--window-manager", "--audio", "--keyring", "--",
+    command = [str(ROOT / "tools/virtual-desktop"), *[f"--{part}" for part in parts], "--",
                "env", "VEMO_INSIDE_A_DESKTOP=1", f"VEMO_PROGRAMS={arguments.programs}", *sys.argv]
     sys.exit(subprocess.run(command, check=False).returncode)

@@ -4,7 +4,10 @@ import dataclasses
 import http.client
 import http.server
 import json
+import math
+import select
 import socket
+import struct
 import threading
 import time
 
@@ -21,11 +24,15 @@ class Answer:
     status: int = 200
     body: bytes = b""
     content_type: str = "application/json"
-    hang_up: str = ""  # "before" or "within" the answer: the connection is cut there
+    delay: float = 0  # seconds until the answer begins; a client that has left by then gets none
+    hang_up: str = ""  # "before" or "within" the answer: the connection is cut there; "reset": and not politely
 
 
 def transcription(text):
     return Answer(body=json.dumps({"status": "success", "transcription": text}).encode())
+
+
+NEVER = Answer(delay=math.inf)
 
 
 class DictationServer:
@@ -55,9 +62,18 @@ class DictationServer:
                     owner.other_requests.append(request)
                     self._answer(Answer(status=404, body=b'{"status":"error"}'))
                     return
-                self._answer(owner._take(request))
+                self._answer(owner.take(request))
 
             def _answer(self, answer):
+                if answer.delay and self._client_leaves_within(answer.delay):
+                    self.close_connection = True
+                    return
+                if answer.hang_up == "reset":
+                    # Closed with nothing left to linger for, a connection ends by a reset.
+                    self.connection.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, struct.pack("ii", 1, 0))
+                    socket.close(self.connection.detach())
+                    self.close_connection = True
+                    return
                 if answer.hang_up == "before":
                     self._hang_up()
                     return
@@ -70,6 +86,10 @@ class DictationServer:
                     self._hang_up()
                     return
                 self.wfile.write(answer.body)
+
+            def _client_leaves_within(self, seconds):
+                limit = None if seconds == math.inf else seconds
+                return bool(select.select([self.connection], [], [], limit)[0])
 
             def _hang_up(self):
                 self.close_connection = True
@@ -93,7 +113,8 @@ class DictationServer:
         self._server.shutdown()
         self._server.server_close()
 
-    def _take(self, request):
+    def take(self, request):
+        """The answer to a dictation's request; called on a thread of the request's connection."""
         with self._lock:
             self.requests.append(request)
             return self.answers.pop(0) if len(self.answers) > 1 else self.answers[0]

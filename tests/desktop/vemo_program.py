@@ -9,6 +9,8 @@ import subprocess
 import tempfile
 import wave
 
+from gi.repository import Gio
+
 from virtual_desktop import wait_until
 
 SERVICE_AND_ACCOUNT = ["service", "brelmox.Vemo", "account", "authToken"]
@@ -43,6 +45,18 @@ def write_tone(path, seconds=0.8, frequency=300):
 def say(path):
     """Plays a file where the microphone hears it; returns when all of it has been heard."""
     subprocess.run(["paplay", "--device=mic", str(path)], check=True, timeout=600)
+
+
+class Humming:
+    """`with Humming():` the microphone hears a sound that doesn't end."""
+
+    def __enter__(self):
+        command = ["pactl", "load-module", "module-sine", "sink=mic", "frequency=300"]
+        self._module = subprocess.run(command, capture_output=True, check=True).stdout.decode().strip()
+        return self
+
+    def __exit__(self, *_):
+        subprocess.run(["pactl", "unload-module", self._module], check=False)
 
 
 class Vemo:
@@ -94,6 +108,13 @@ class Vemo:
         result = subprocess.run([program("vemo"), name], env=self.environment, stdin=subprocess.DEVNULL,
                                 capture_output=True, timeout=60, check=False)
         return result.stdout.decode().strip()
+
+    def call(self, name):
+        """As command(), for where the milliseconds that a program of its own takes would matter."""
+        bus = Gio.bus_get_sync(Gio.BusType.SESSION)
+        answer = bus.call_sync("brelmox.Vemo", "/brelmox/Vemo", "brelmox.Vemo", name, None, None,
+                               Gio.DBusCallFlags.NONE, -1, None)
+        return answer.unpack()[0]
 
     def status(self):
         if self.process.poll() is not None:

@@ -1,0 +1,188 @@
+#!/usr/bin/python3
+"""Dictates on end into an editor, by a network that fails now and then, and looks for what is left behind.
+
+usage: bench/whole_path/soak.py [--dictations N] [--programs FOLDER]
+
+Makes a virtual desktop and dictates N times (1,000), each time another text. The first eight dictations and then
+every sixth meet a fault of the network. Prints one JSON line. Ends at once, with 1, when the editor doesn't hold
+every text so far exactly once and in order; exits with 1 when Vemo has grown more than it may since its first
+dictations, or has a file descriptor or a thread more.
+"""
+
+import collections
+import dataclasses
+import itertools
+import json
+import sys
+import time
+
+from inside_a_desktop import PARTS, inside_a_desktop
+from process_figures import descriptors, resident_mb, thread_names, wake_ups, wake_ups_by_name
+
+from dictation_server import NEVER, Answer, DictationServer, transcription
+from vemo_program import Humming, Vemo, store_token
+from virtual_desktop import DesktopError, wait_until
+
+UNAVAILABLE = Answer(status=503)
+RESET = Answer(hang_up="reset")
+CUT = Answer(body=b'{"status":"success",', hang_up="within")
+
+# What the server does with a dictation's requests, one after the other, when it has this answer to give.
+FAULTS = {
+    "fails once": lambda answer: [UNAVAILABLE, answer],
+    "resets the connection": lambda answer: [RESET, answer],
+    "answers both copies late": lambda answer: [dataclasses.replace(answer, delay=5.5),
+                                                dataclasses.replace(answer, delay=3)],
+    "never answers": lambda answer: [NEVER, answer],
+    "answers late": lambda answer: [dataclasses.replace(answer, delay=1)],
+    "cannot be had": lambda _: [RESET, CUT, RESET],
+    "cuts its answer off": lambda answer: [CUT, answer],
+    "fails twice": lambda answer: [UNAVAILABLE, CUT, answer],
+}
+WITHOUT_A_TEXT = "cannot be had"
+FAULT_EVERY = 6
+
+# By then what is kept for good has been allocated, in a short run only most of it.
+WARM_UP = 50
+GROWTH_LIMIT = 0.05
+SHORT_WARM_UP = 10
+SHORT_GROWTH_LIMIT = 0.1
+SHORT_OF = 500
+
+RECORDING_SECONDS = 0.45
+IDLE_SECONDS = 3
+# Qt keeps a connection for two minutes in case of another request.
+CONNECTIONS_END_WITHIN_SECONDS = 150
+
+
+def text_of(number):
+    return f"{number} begins, ünïcode ✓\n{'and goes on ' * (number * 7 % 30)}\n{number} ends."
+
+
+def first_difference(held, expected):
+    at = next((index for index, (one, other) in enumerate(zip(held, expected)) if one != other),
+              min(len(held), len(expected)))
+    return f"the editor has {held[at:at + 60]!r} where {expected[at:at + 60]!r} should be"
+
+
+class Soak:
+    """Dictates, and knows what the editor has to hold."""
+
+    def __init__(self, server, vemo, editor):
+        self._server, self._vemo, self._editor = server, vemo, editor
+        self._faults = itertools.cycle(FAULTS)
+        self._expected = ""
+        self.faults_met = 0
+        self.texts = 0
+
+    def dictate(self, number):
+        fault = next(self._faults) if number <= len(FAULTS) or number % FAULT_EVERY == 0 else None
+        self.faults_met += fault is not None
+        text = text_of(number)
+        answers = FAULTS[fault](transcription(text)) if fault else [transcription(text)]
+        self._server.requests.clear()
+        self._server.answers = list(answers)
+        try:
+            self._record()
+            if fault == WITHOUT_A_TEXT:
+                wait_until(lambda: self._vemo.call("status").startswith("error"), "an error to show")
+            else:
+                self._expected += text
+                self.texts += 1
+                wait_until(lambda: self._editor.text() == self._expected, "the text to arrive")
+            wait_until(lambda: self._vemo.call("status") == "idle", "the dictation to end")
+            self.check()
+        except DesktopError as error:
+            raise SystemExit(f"dictation {number}, whose server {fault or 'answers'}: {error}; "
+                             f"{first_difference(self._editor.text(), self._expected)}; "
+                             f"{self._vemo.story()}") from None
+        if len(self._server.requests) != len(answers):
+            raise SystemExit(f"dictation {number}, whose server {fault or 'answers'}, took "
+                             f"{len(self._server.requests)} requests instead of {len(answers)}")
+
+    def is_at_rest(self):
+        """Whether the clipboard has been given back after every paste, and the cue is over."""
+        said = self._vemo.output.read_text(errors="replace")  # unlike the log itself, this never starts over
+        is_playing = any(name.endswith(".wav") for name in descriptors(self._vemo.process.pid))
+        return not is_playing and (
+            said.count("inject: starting") == said.count("inject: restored") + said.count("not restoring"))
+
+    def check(self):
+        held = self._editor.text()
+        if held != self._expected:
+            raise DesktopError(first_difference(held, self._expected))
+
+    def _record(self):
+        wait_until(lambda: self._vemo.call("start") == "recording", "a recording")
+        time.sleep(RECORDING_SECONDS)
+        self._vemo.call("stop")
+
+
+class State:
+    """Vemo between two dictations."""
+
+    def __init__(self, process_id):
+        self.resident_mb = resident_mb(process_id)
+        self.descriptors = descriptors(process_id)
+        self.threads = collections.Counter(thread_names(process_id).values())
+
+    def has_no_more_than(self, other):
+        return (sum(self.descriptors.values()) <= sum(other.descriptors.values())
+                and self.threads.total() <= other.threads.total())
+
+
+def measure(dictations):
+    """Inside the virtual desktop."""
+    from editors import Mousepad
+
+    warm_up = SHORT_WARM_UP if dictations < SHORT_OF else WARM_UP
+    store_token("token-of-the-soak")
+    with DictationServer() as server, Vemo(server.address) as vemo, Mousepad() as editor, Humming():
+        process = vemo.process.pid
+        soak = Soak(server, vemo, editor)
+
+        def state_at_rest():
+            wait_until(soak.is_at_rest, "Vemo to be at rest")
+            soak.check()
+            return State(process)
+
+        begin = time.monotonic()
+        for number in range(1, dictations + 1):
+            soak.dictate(number)
+            if number == warm_up:
+                warm = state_at_rest()
+            if number % WARM_UP == 0:
+                print(f"after {number}: {resident_mb(process):.2f} MB", file=sys.stderr, flush=True)
+        last = state_at_rest()
+        seconds = time.monotonic() - begin
+
+        before = wake_ups(process)
+        time.sleep(IDLE_SECONDS)
+        woken = wake_ups_by_name(process, before, wake_ups(process))
+        try:
+            wait_until(lambda: State(process).has_no_more_than(warm), "", CONNECTIONS_END_WITHIN_SECONDS)
+        except DesktopError:
+            pass  # the figures tell
+        soak.check()
+        return soak, warm, last, State(process), woken, seconds
+
+
+def main():
+    options = inside_a_desktop(__doc__, "dictations", 1000, (*PARTS, "accessibility"))
+    soak, warm, last, idle, woken, seconds = measure(options.count)
+    growth = last.resident_mb / warm.resident_mb - 1
+    growth_limit = SHORT_GROWTH_LIMIT if options.count < SHORT_OF else GROWTH_LIMIT
+    print(json.dumps({
+        "dictations": options.count, "ofThemMetAFault": soak.faults_met, "textsInTheEditor": soak.texts,
+        "seconds": round(seconds), "residentMBAfterWarmUp": round(warm.resident_mb, 2),
+        "residentMBAtTheEnd": round(last.resident_mb, 2), "growth": round(growth, 4), "growthLimit": growth_limit,
+        "descriptorsAfterWarmUp": warm.descriptors, "descriptorsAtIdle": idle.descriptors,
+        "threadsAfterWarmUp": warm.threads, "threadsAtIdle": idle.threads,
+        f"wakeUpsIn{IDLE_SECONDS}s": woken,
+    }))
+    within = growth <= growth_limit and idle.has_no_more_than(warm)
+    return 0 if within or options.report_only else 1
+
+
+if __name__ == "__main__":
+    sys.exit(main())
