@@ -1,6 +1,8 @@
 // How long work takes, for benchmarks: the best and the middle of many rounds.
 #pragma once
 
+#include <time.h>
+
 #include <algorithm>
 #include <chrono>
 #include <vector>
@@ -13,6 +15,19 @@ double millisecondsFor(Work&& work) {
   work();
   return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start)
       .count();
+}
+
+/// Of the processor, for this thread: what other programs take of it doesn't count.
+template <typename Work>
+double processorMillisecondsFor(Work&& work) {
+  const auto used = [] {
+    timespec time{};
+    ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
+  };
+  const double before = used();
+  work();
+  return used() - before;
 }
 
 class Rounds {

@@ -24,7 +24,10 @@ bool isAscii(std::string_view name);
 /// lowerCased(), on valid UTF-8.
 std::string foldedName(std::string_view name);
 
-/// The same, into a text whose memory is used again.
-void foldName(std::string_view name, std::string& folded);
+/// Puts foldedName() at the end of a text.
+void appendFolded(std::string_view name, std::string& text);
+
+/// Whether a name is its own foldedName(). May say no where it is, but not in ASCII.
+bool isFolded(std::string_view name);
 
 }  // namespace vemo

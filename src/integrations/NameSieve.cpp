@@ -1,62 +1,96 @@
 #include "integrations/NameSieve.h"
 
 #include <algorithm>
+#include <functional>
 
 namespace vemo {
 
 namespace {
 
-constexpr std::size_t longestRun = 3;
+constexpr std::size_t longestRun = 4;
+constexpr std::size_t runWithKind = 3;
 
-/// Calls `visit` with a hash for each run of `length` bytes that ends at `from` or later; it
-/// differs between lengths.
-template <typename Visit>
-void visitRuns(std::string_view text, std::size_t length, std::size_t from, Visit&& visit) {
-  std::uint32_t run = 0;
-  const std::uint32_t mask = (1U << (8 * length)) - 1;
-  const std::size_t begin = from - std::min(from, length - 1);
-  for (std::size_t i = begin; i < text.size(); ++i) {
-    run = (run << 8 | static_cast<unsigned char>(text[i])) & mask;
-    // A multiplicative hash (Knuth, The Art of Computer Programming 6.4): its upper bits depend on
-    // all bits of the run.
-    if (i >= from && i + 1 >= length)
-      visit((run | static_cast<std::uint32_t>(length) << 24) * 0x9E3779B97F4A7C15ULL);
-  }
+/// The last `length` bytes of the last four.
+std::uint32_t lastOf(std::uint32_t bytes, std::size_t length) {
+  return bytes & (0xFFFFFFFFU >> (8 * (longestRun - length)));
 }
 
 }  // namespace
 
-void NameSieve::add(std::string_view name) {
-  const std::size_t block = m_nameCount++ / blockSize;
-  // Names that follow each other often begin alike, and the runs of what is alike are set already.
-  std::size_t alike = 0;
-  if (block >= blockCount())
-    m_words.resize((block + 1) * wordsPerBlock);
-  else
-    alike = static_cast<std::size_t>(std::ranges::mismatch(name, m_previous).in1 - name.begin());
-  m_previous = name;
+/// A bit that is no letter's, from 13 bits of a hash.
+NameSieve::Bit NameSieve::bitFrom(std::uint64_t hash) {
+  return static_cast<Bit>(letterBits +
+                          hash % bitsPerBlock * (bitsPerBlock - letterBits) / bitsPerBlock);
+}
 
-  Word* words = &m_words[block * wordsPerBlock];
-  const auto set = [words](std::uint64_t bit) {
-    words[bit / bitsPerWord] |= Word{1} << (bit % bitsPerWord);
-  };
-  for (std::size_t length = 1; length <= longestRun; ++length) {
-    visitRuns(name, length, alike, [&set](std::uint64_t hash) {
-      set(hash >> 51);
-      set(hash >> 38 & (bitsPerBlock - 1));
-    });
+/// A multiplicative hash (Knuth, The Art of Computer Programming 6.4): its upper bits depend on all
+/// bits of the key.
+std::uint64_t NameSieve::hashOf(std::uint32_t run, std::size_t length, std::uint32_t kindMark) {
+  const std::uint64_t key = std::uint64_t{kindMark} << 35 | std::uint64_t{length} << 32 | run;
+  return key * 0x9E3779B97F4A7C15ULL;
+}
+
+NameSieve::Bit NameSieve::bitOfRun(std::uint32_t run, std::size_t length) {
+  return length == 1 ? static_cast<Bit>(run) : bitFrom(hashOf(run, length, 0) >> 51);
+}
+
+NameSieve::Bit NameSieve::bitOfKind(Kind kind, std::uint32_t run) {
+  return bitFrom(hashOf(run, runWithKind, kind + 1) >> 51);
+}
+
+template <typename Visit>
+void NameSieve::visitWhole(std::string_view name, Visit&& visit) {
+  const std::uint64_t hash = std::hash<std::string_view>()(name);
+  for (const int shift : {0, 16, 32}) visit(bitFrom(hash >> shift));
+}
+
+void NameSieve::add(std::string_view name, Kind kind) {
+  const std::size_t block = m_nameCount++ / blockSize;
+  if (block / blocksPerGroup == m_groups.size()) m_groups.push_back(std::make_unique<Group>());
+  Group& group = *m_groups.back();
+  const Word mark = Word{1} << (block % blocksPerGroup);
+  const auto set = [&group, mark](Bit bit) { group[bit] |= mark; };
+
+  visitWhole(name, set);
+  set(bitOfKind(kind, 0));
+  std::uint32_t bytes = 0;
+  for (std::size_t i = 0; i < name.size(); ++i) {
+    bytes = bytes << 8 | static_cast<unsigned char>(name[i]);
+    set(bitOfRun(lastOf(bytes, 1), 1));
+    if (i >= 1) set(bitOfRun(lastOf(bytes, 2), 2));
+    if (i >= 2) set(bitOfRun(lastOf(bytes, 3), 3));
+    if (i >= 2) set(bitOfKind(kind, lastOf(bytes, runWithKind)));
+    if (i >= 3) set(bitOfRun(bytes, 4));
   }
 }
 
-/// The bits of the text's longest runs: they say more than the shorter ones within them.
-std::vector<std::uint32_t> NameSieve::bitsOf(std::string_view text) {
-  std::vector<std::uint32_t> bits;
-  if (text.empty()) return bits;
-  visitRuns(text, std::min(text.size(), longestRun), 0, [&bits](std::uint64_t hash) {
-    bits.push_back(static_cast<std::uint32_t>(hash >> 51));
-    bits.push_back(static_cast<std::uint32_t>(hash >> 38 & (bitsPerBlock - 1)));
-  });
+std::vector<NameSieve::Bit> NameSieve::bitsOf(const Wanted& wanted) {
+  std::vector<Bit> bits;
+  const auto take = [&bits](Bit bit) { bits.push_back(bit); };
+  const auto& [text, extent, kind] = wanted;
+  if (kind) take(bitOfKind(*kind, 0));
+  if (extent == Extent::Whole) visitWhole(text, take);
+  // The longest runs first: they say most.
+  for (std::size_t length = longestRun; length > 0; --length) {
+    std::uint32_t bytes = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+      bytes = bytes << 8 | static_cast<unsigned char>(text[i]);
+      if (i + 1 < length) continue;
+      if (kind && length == runWithKind) take(bitOfKind(*kind, lastOf(bytes, length)));
+      take(bitOfRun(lastOf(bytes, length), length));
+    }
+  }
   return bits;
+}
+
+NameSieve::Word NameSieve::blocksWith(const std::vector<Bit>& bits, std::size_t group) const {
+  const std::size_t blockCount = (m_nameCount + blockSize - 1) / blockSize - group * blocksPerGroup;
+  Word blocks = blockCount >= blocksPerGroup ? ~Word{0} : (Word{1} << blockCount) - 1;
+  for (const Bit bit : bits) {
+    blocks &= (*m_groups[group])[bit];
+    if (blocks == 0) break;
+  }
+  return blocks;
 }
 
 }  // namespace vemo

@@ -1,7 +1,7 @@
 #include "integrations/WorkspaceFiles.h"
 
-#include <QHashFunctions>
 #include <algorithm>
+#include <functional>
 #include <limits>
 #include <utility>
 
@@ -20,8 +20,18 @@ QString fromUtf8(std::string_view text) {
   return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
+/// Not Qt's hash: it leaves the processor's wide registers in a state in which all other code on
+/// text runs at a third of its speed, until something happens to clear them.
 std::size_t hashOf(std::string_view base, std::uint32_t extension) {
-  return qHashBits(base.data(), base.size(), QHashSeed::globalSeed() ^ extension);
+  return std::hash<std::string_view>()(base) ^ extension * 0x9E3779B97F4A7C15ULL;
+}
+
+/// Whether a name is lower-cased as its parts are.
+bool foldsInParts(std::string_view fileName, const FileNameParts& parts) {
+  if (isAscii(fileName)) return true;
+  const std::string extension = foldedName(parts.extension);
+  return foldedName(fileName) ==
+         foldedName(parts.base) + (extension.empty() ? extension : '.' + extension);
 }
 
 std::optional<Place> lowerOf(std::optional<Place> one, std::optional<Place> other) {
@@ -75,31 +85,17 @@ void WorkspaceFiles::addFile(std::uint32_t folder, std::string_view fileName) {
     return;
 
   const auto parts = partsOf(fileName);
-  foldName(fileName, m_folded);
-  if (isAscii(fileName)) {
-    append(folder, fileName, parts.base, partsOf(m_folded));
-    return;
-  }
-  const std::string base = foldedName(parts.base);
-  const std::string extension = foldedName(parts.extension);
-  if (m_folded != (extension.empty() ? base : base + '.' + extension))
-    m_irregular.push_back(static_cast<Place>(m_files.size()));
-  append(folder, fileName, parts.base, {base, extension});
-}
-
-void WorkspaceFiles::append(std::uint32_t folder, std::string_view fileName, std::string_view base,
-                            FileNameParts folded) {
-  const File file{.start = m_text.size(),
-                  .folder = folder,
-                  .extension = extensionFor(folded.extension),
-                  .nameLength = static_cast<std::uint16_t>(fileName.size()),
-                  .baseLength = static_cast<std::uint16_t>(base.size()),
-                  .foldedLength = static_cast<std::uint16_t>(folded.base.size()),
-                  .isFoldedApart = folded.base != base};
+  if (!foldsInParts(fileName, parts)) m_irregular.push_back(static_cast<Place>(m_files.size()));
+  File& file = m_files.emplace_back();
+  file.start = m_text.size();
+  file.folder = folder;
+  file.extension = extensionFor(parts.extension);
+  file.nameLength = static_cast<std::uint16_t>(fileName.size());
+  file.baseLength = static_cast<std::uint16_t>(parts.base.size());
   m_text += fileName;
-  if (file.isFoldedApart) m_text += folded.base;
-  m_sieve.add(folded.base);
-  m_files.push_back(file);
+  if (!isFolded(parts.base)) appendFolded(parts.base, m_text);
+  file.foldedLength = static_cast<std::uint16_t>(m_text.size() - file.start - file.nameLength);
+  m_sieve.add(foldedBaseOf(file), file.extension);
 }
 
 void WorkspaceFiles::finish() {
@@ -196,22 +192,24 @@ std::optional<Place> WorkspaceFiles::findNamed(std::string_view base,
 }
 
 std::optional<Place> WorkspaceFiles::findWithBase(std::string_view base) const {
-  return findWith(base, [&](const File& file) { return foldedBaseOf(file) == base; });
+  return findWith({base, NameSieve::Extent::Whole, std::nullopt},
+                  [&](const File& file) { return foldedBaseOf(file) == base; });
 }
 
 std::optional<Place> WorkspaceFiles::findContaining(const Query& query) const {
-  const bool isAnyExtension = query.extension.empty();
-  return findWith(query.joined, [&](const File& file) {
-    return (isAnyExtension || file.extension == *query.number) &&
+  const auto extension = query.extension.empty() ? std::nullopt : query.number;
+  return findWith({query.joined, NameSieve::Extent::Part, extension}, [&](const File& file) {
+    return (!extension || file.extension == *extension) &&
            foldedBaseOf(file).contains(query.joined);
   });
 }
 
-/// The first file that matches, of those whose folded base name has `part` in it.
+/// The first file that matches, of those whose folded base name is wanted.
 template <typename Matches>
-std::optional<Place> WorkspaceFiles::findWith(std::string_view part, Matches&& matches) const {
+std::optional<Place> WorkspaceFiles::findWith(const NameSieve::Wanted& wanted,
+                                              Matches&& matches) const {
   std::optional<Place> first;
-  m_sieve.visitBlocks(part, [&](std::size_t block) {
+  m_sieve.visitBlocks(wanted, [&](std::size_t block) {
     const std::size_t end = std::min((block + 1) * NameSieve::blockSize, m_files.size());
     for (std::size_t place = block * NameSieve::blockSize; place < end && !first; ++place) {
       if (matches(m_files[place])) first = static_cast<Place>(place);
@@ -221,10 +219,12 @@ std::optional<Place> WorkspaceFiles::findWith(std::string_view part, Matches&& m
   return first;
 }
 
-WorkspaceFiles::Extension WorkspaceFiles::extensionFor(std::string_view folded) {
-  if (const auto known = findExtension(folded)) return *known;
+WorkspaceFiles::Extension WorkspaceFiles::extensionFor(std::string_view extension) {
+  std::string apart;
+  if (!isFolded(extension)) extension = apart = foldedName(extension);
+  if (const auto known = findExtension(extension)) return *known;
   const auto number = static_cast<Extension>(m_extensions.size() + 1);
-  m_extensions.emplace(folded, number);
+  m_extensions.emplace(extension, number);
   return number;
 }
 
@@ -244,8 +244,8 @@ std::string_view WorkspaceFiles::nameOf(const File& file) const {
 }
 
 std::string_view WorkspaceFiles::foldedBaseOf(const File& file) const {
-  return file.isFoldedApart ? text(file.start + file.nameLength, file.foldedLength)
-                            : text(file.start, file.baseLength);
+  return file.foldedLength > 0 ? text(file.start + file.nameLength, file.foldedLength)
+                               : text(file.start, file.baseLength);
 }
 
 std::size_t WorkspaceFiles::memoryUsed() const {

@@ -51,7 +51,7 @@ class WorkspaceFiles {
   std::size_t memoryUsed() const;
 
  private:
-  using Extension = std::uint32_t;
+  using Extension = NameSieve::Kind;
   static constexpr Extension noExtension = 0;
 
   struct Folder {
@@ -64,14 +64,11 @@ class WorkspaceFiles {
     Extension extension;
     std::uint16_t nameLength;
     std::uint16_t baseLength;
-    std::uint16_t foldedLength;
-    bool isFoldedApart;
+    std::uint16_t foldedLength;  ///< 0: the base name is folded as it stands
   };
   struct Query;
 
-  void append(std::uint32_t folder, std::string_view fileName, std::string_view base,
-              FileNameParts folded);
-  Extension extensionFor(std::string_view folded);
+  Extension extensionFor(std::string_view extension);
   std::optional<Extension> findExtension(std::string_view folded) const;
   std::string_view text(std::uint64_t start, std::uint64_t length) const;
   std::string_view nameOf(const File& file) const;
@@ -85,12 +82,11 @@ class WorkspaceFiles {
   std::optional<Place> findWithBase(std::string_view base) const;
   std::optional<Place> findContaining(const Query& query) const;
   template <typename Matches>
-  std::optional<Place> findWith(std::string_view part, Matches&& matches) const;
+  std::optional<Place> findWith(const NameSieve::Wanted& wanted, Matches&& matches) const;
 
   QString m_root;
   QUuid m_scan = QUuid::createUuid();
   std::string m_text;
-  std::string m_folded;  ///< of the name that is being added
   std::vector<Folder> m_folders;
   std::vector<File> m_files;
   std::map<std::string, Extension, std::less<>> m_extensions;  ///< folded
@@ -98,7 +94,7 @@ class WorkspaceFiles {
   /// scripts a letter's lower case depends on what follows. The table leaves them out.
   std::vector<Place> m_irregular;
   FirstPlaces m_byBaseAndExtension;
-  NameSieve m_sieve;  ///< of the folded base names
+  NameSieve m_sieve;  ///< of the folded base names, by extension
 };
 
 }  // namespace vemo

@@ -9,14 +9,13 @@
 #include <QFile>
 #include <algorithm>
 #include <array>
-#include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
-#include "base/SerialQueue.h"
 #include "integrations/FileName.h"
 
 namespace vemo {
@@ -66,61 +65,46 @@ bool isUtf8(std::string_view name) {
          QByteArrayView(name.data(), static_cast<qsizetype>(name.size())).isValidUtf8();
 }
 
-struct CloseFolder {
-  void operator()(DIR* folder) const { ::closedir(folder); }
-};
-using OpenFolder = std::unique_ptr<DIR, CloseFolder>;
-
-/// Null when it can't be opened. Never waits for a pipe or a device that took the folder's place.
-OpenFolder openFolder(const std::string& path, int moreFlags) {
-  const int descriptor =
-      ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC | moreFlags);
-  if (descriptor == -1) return nullptr;
-  DIR* folder = ::fdopendir(descriptor);
-  if (!folder) ::close(descriptor);
-  return OpenFolder(folder);
-}
-
 enum class Kind { File, Folder, Other };
 
-Kind kindOf(const dirent& entry, int folder) {
-  if (entry.d_type == DT_REG) return Kind::File;
-  if (entry.d_type == DT_DIR) return Kind::Folder;
-  if (entry.d_type != DT_UNKNOWN) return Kind::Other;
-  // Some file systems tell the kind only by the longer way.
-  struct stat status{};
-  if (::fstatat(folder, entry.d_name, &status, AT_SYMLINK_NOFOLLOW) != 0) return Kind::Other;
-  if (S_ISREG(status.st_mode)) return Kind::File;
-  return S_ISDIR(status.st_mode) ? Kind::Folder : Kind::Other;
-}
-
-/// Some folders with the names of their files, on their way into the index.
-struct Batch {
-  struct Folder {
-    std::string path;
-    std::size_t namesEnd;
-  };
-  std::vector<Folder> folders;
-  std::string names;  ///< each with a NUL behind it
-
-  void addTo(WorkspaceFiles& files) const {
-    std::size_t start = 0;
-    for (const auto& [path, namesEnd] : folders) {
-      const auto number = files.addFolder(path);
-      while (start < namesEnd) {
-        const std::string_view name(names.c_str() + start);
-        files.addFile(number, name);
-        start += name.size() + 1;
-      }
-    }
+/// A folder that is open for reading its entries. The kernel's entries are read as they come:
+/// a DIR would ask more of the system for each folder than a small folder's entries take.
+class OpenFolder {
+ public:
+  /// Never waits for a pipe or a device that took the folder's place.
+  OpenFolder(const std::string& path, int moreFlags)
+      : m_descriptor(
+            ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC | moreFlags)) {}
+  ~OpenFolder() {
+    if (m_descriptor != -1) ::close(m_descriptor);
   }
+  OpenFolder(const OpenFolder&) = delete;
+  OpenFolder& operator=(const OpenFolder&) = delete;
+
+  /// The next entries, one behind the other; none at the end, or when the folder can't be read.
+  std::span<const char> read(std::span<char> buffer) const {
+    const auto size = ::getdents64(m_descriptor, buffer.data(), buffer.size());
+    return buffer.first(static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
+  }
+
+  Kind kindOf(const dirent64& entry) const {
+    if (entry.d_type == DT_REG) return Kind::File;
+    if (entry.d_type == DT_DIR) return Kind::Folder;
+    if (entry.d_type != DT_UNKNOWN) return Kind::Other;
+    // Some file systems tell the kind only by the longer way.
+    struct stat status{};
+    if (::fstatat(m_descriptor, entry.d_name, &status, AT_SYMLINK_NOFOLLOW) != 0)
+      return Kind::Other;
+    if (S_ISREG(status.st_mode)) return Kind::File;
+    return S_ISDIR(status.st_mode) ? Kind::Folder : Kind::Other;
+  }
+
+ private:
+  const int m_descriptor;
 };
 
-constexpr std::size_t batchSize = 64 * 1024;
-
 /// A walk with a list of the folders still to read, so that no depth of folders costs the stack or
-/// open descriptors. A path too long for the system to open ends the walk there. The walk is mostly
-/// waiting for the system, so a thread of its own takes the names into the index meanwhile.
+/// open descriptors. A path too long for the system to open ends the walk there.
 class Walk {
  public:
   Walk(const QString& root, std::stop_token stop) : m_files(root), m_stop(std::move(stop)) {
@@ -130,15 +114,12 @@ class Walk {
 
   WorkspaceFiles run() {
     if (!hasIgnoredComponent(m_root)) {
-      read(m_root, openFolder(m_root + '/', 0));
+      read(m_root, OpenFolder(m_root + '/', 0));
       while (!m_unread.empty() && !m_stop.stop_requested()) {
         const std::string path = std::move(m_unread.back());
         m_unread.pop_back();
-        read(path, openFolder(path, O_NOFOLLOW));
-        if (m_batch.names.size() >= batchSize) handOver();
+        read(path, OpenFolder(path, O_NOFOLLOW));
       }
-      handOver();
-      m_indexing.waitUntilIdle();
     }
     m_files.finish();
     return std::move(m_files);
@@ -146,39 +127,35 @@ class Walk {
 
  private:
   void read(const std::string& path, const OpenFolder& folder) {
-    if (!folder) return;
     const auto firstFound = static_cast<std::ptrdiff_t>(m_unread.size());
-    const std::size_t namesBefore = m_batch.names.size();
-    while (const dirent* entry = ::readdir(folder.get())) {
-      const std::string_view name = entry->d_name;
-      if (name.starts_with('.') || isIgnored(name) || !isUtf8(name)) continue;
-      switch (kindOf(*entry, ::dirfd(folder.get()))) {
-        case Kind::File:
-          m_batch.names += name;
-          m_batch.names += '\0';
-          break;
-        case Kind::Folder:
-          if (!isPackage(name)) m_unread.push_back(path + '/' + std::string(name));
-          break;
-        case Kind::Other:
-          break;
+    std::optional<std::uint32_t> number;
+    for (auto entries = folder.read(m_buffer); !entries.empty(); entries = folder.read(m_buffer)) {
+      while (!entries.empty()) {
+        const auto& entry = *reinterpret_cast<const dirent64*>(entries.data());
+        entries = entries.subspan(entry.d_reclen);
+        const std::string_view name = entry.d_name;
+        if (name.starts_with('.') || isIgnored(name) || !isUtf8(name)) continue;
+        switch (folder.kindOf(entry)) {
+          case Kind::File:
+            if (!number) number = m_files.addFolder(path);
+            m_files.addFile(*number, name);
+            break;
+          case Kind::Folder:
+            if (!isPackage(name)) m_unread.push_back(path + '/' + std::string(name));
+            break;
+          case Kind::Other:
+            break;
+        }
       }
     }
-    if (m_batch.names.size() > namesBefore) m_batch.folders.push_back({path, m_batch.names.size()});
     std::reverse(m_unread.begin() + firstFound, m_unread.end());
-  }
-
-  void handOver() {
-    m_indexing.post([this, batch = std::exchange(m_batch, {})] { batch.addTo(m_files); });
-    m_batch.names.reserve(2 * batchSize);
   }
 
   std::string m_root;  ///< without a slash at the end
   WorkspaceFiles m_files;
   std::stop_token m_stop;
   std::vector<std::string> m_unread;  ///< the next one last
-  Batch m_batch;
-  SerialQueue m_indexing{"vemo.index"};  ///< ends first: it uses the files
+  alignas(dirent64) std::array<char, 32 * 1024> m_buffer;
 };
 
 }  // namespace
