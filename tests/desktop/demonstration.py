@@ -24,9 +24,10 @@ import wave
 sys.dont_write_bytecode = True
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent))
 from clipboard import ClipboardOwner, contents  # noqa: E402
+from companion_service import CompanionService  # noqa: E402
 from dictation_server import RecordingProxy  # noqa: E402
 from editors import Mousepad, active_window  # noqa: E402
-from vemo_program import Vemo, program, say, store_token  # noqa: E402
+from vemo_program import Vemo, say  # noqa: E402
 from virtual_desktop import DesktopError, wait_until  # noqa: E402
 
 SAMPLE = pathlib.Path("/usr/share/pocketsphinx/test/data/goforward.raw")
@@ -45,30 +46,6 @@ def sample_as_wav(folder):
         file.setframerate(16000)
         file.writeframes(SAMPLE.read_bytes())
     return path
-
-
-class Service:
-    """The companion service on a free port, with a token that Vemo finds in the keyring."""
-
-    def __init__(self, folder):
-        self._configuration = pathlib.Path(folder) / "vemo-service.conf"
-
-    def __enter__(self):
-        self._configuration.write_text("[server]\nport = 0\n")
-        command = [program("vemo-service"), "--config", self._configuration]
-        token = subprocess.run([*command, "add-token"], capture_output=True, check=True).stdout.decode().split()[-1]
-        store_token(token)
-        self._process = subprocess.Popen(command, stdout=subprocess.PIPE, stdin=subprocess.DEVNULL)
-        line = self._process.stdout.readline().decode()
-        if "http" not in line:
-            raise DesktopError("the service doesn't start")
-        self.address = line[line.index("http"):].split()[0].rstrip("/") + "/"
-        return self
-
-    def __exit__(self, *_):
-        self._process.terminate()
-        self._process.wait(30)
-        self._process.stdout.close()
 
 
 def shaped_text(vemo):
@@ -104,7 +81,7 @@ def transcription_of(answer):
 
 
 def demonstrate(sample, screenshot, folder):
-    with Service(folder) as service, RecordingProxy(service.address) as proxy, \
+    with CompanionService(folder) as service, RecordingProxy(service.address) as proxy, \
             Vemo(proxy.address) as vemo, ClipboardOwner(CLIPBOARD), Mousepad() as editor:
         before = contents()
         vemo.start()
@@ -124,9 +101,9 @@ def demonstrate(sample, screenshot, folder):
         pasted = editor.text()
         shaped = shaped_text(vemo) if pasted else ""
         subprocess.run(["import", "-window", "root", str(screenshot)], check=True)
-        dictations = [answer for answer in proxy.answers if answer[0].startswith("/desktop/dictate")]
-        _, _, answer, service_ms = dictations[-1] if dictations else ("", 0, b"", 0)
-        heard = transcription_of(answer)
+        dictations = [exchange for exchange in proxy.exchanges if exchange.path.startswith("/desktop/dictate")]
+        heard = transcription_of(dictations[-1].answer) if dictations else ""
+        service_ms = dictations[-1].milliseconds if dictations else 0
         if active_window() != editor.window:
             problem = "the editor has lost the focus"
         if not problem and (not heard or pasted.strip() != shaped.strip()):

@@ -120,15 +120,24 @@ class DictationServer:
             return self.answers.pop(0) if len(self.answers) > 1 else self.answers[0]
 
 
+@dataclasses.dataclass
+class Exchange:
+    path: str
+    request: bytes
+    status: int
+    answer: bytes
+    milliseconds: float  # what the service took
+
+
 class RecordingProxy:
-    """Stands between Vemo and a service, and remembers the answers and what the service took for them."""
+    """Stands between Vemo and a service, and remembers what went to and fro."""
 
     def __init__(self, address):
         host, _, port = address.removeprefix("http://").rstrip("/").partition(":")
         self._target = (host, int(port))
 
     def __enter__(self):
-        self.answers = []  # (path, status, body, milliseconds)
+        self.exchanges = []  # in the order of the answers
         owner = self
 
         class Handler(http.server.BaseHTTPRequestHandler):
@@ -147,7 +156,8 @@ class RecordingProxy:
                 connection.request(self.command, self.path, body, dict(self.headers))
                 response = connection.getresponse()
                 answer = response.read()
-                owner.answers.append((self.path, response.status, answer, (time.monotonic() - begin) * 1000))
+                owner.exchanges.append(Exchange(self.path, body, response.status, answer,
+                                                (time.monotonic() - begin) * 1000))
                 connection.close()
                 self.send_response(response.status)
                 for name, value in response.getheaders():
@@ -162,6 +172,7 @@ class RecordingProxy:
 
         self._server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), Handler)
         self._server.daemon_threads = True
+        self._server.handle_error = lambda *_: None
         threading.Thread(target=self._server.serve_forever, daemon=True).start()
         self.address = f"http://127.0.0.1:{self._server.server_port}/"
         return self

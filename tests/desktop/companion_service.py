@@ -1,0 +1,31 @@
+"""The real companion service, with a token that Vemo finds in the keyring."""
+
+import pathlib
+import subprocess
+
+from vemo_program import program, store_token
+from virtual_desktop import DesktopError
+
+
+class CompanionService:
+    """`with CompanionService(folder) as service: Vemo(service.address)`; on a free port, configured in the folder."""
+
+    def __init__(self, folder):
+        self._configuration = pathlib.Path(folder) / "vemo-service.conf"
+
+    def __enter__(self):
+        self._configuration.write_text("[server]\nport = 0\n")
+        command = [program("vemo-service"), "--config", self._configuration]
+        token = subprocess.run([*command, "add-token"], capture_output=True, check=True).stdout.decode().split()[-1]
+        store_token(token)
+        self._process = subprocess.Popen(command, stdout=subprocess.PIPE, stdin=subprocess.DEVNULL)
+        line = self._process.stdout.readline().decode()
+        if "http" not in line:
+            raise DesktopError("the service doesn't start")
+        self.address = line[line.index("http"):].split()[0].rstrip("/") + "/"
+        return self
+
+    def __exit__(self, *_):
+        self._process.terminate()
+        self._process.wait(30)
+        self._process.stdout.close()
