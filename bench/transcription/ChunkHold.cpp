@@ -19,6 +19,7 @@
 #include "fakes/FakeFocusedApplication.h"
 #include "fakes/FakeInputDevice.h"
 #include "fakes/FakeSecretBackend.h"
+#include "fakes/TelemetryOnFakes.h"
 #include "fakes/TestStorage.h"
 #include "platform/qt/QtClock.h"
 #include "platform/qt/QtHttpSession.h"
@@ -27,7 +28,6 @@
 #include "storage/DeploymentConfiguration.h"
 #include "storage/SecureTokenStore.h"
 #include "storage/SettingsKeys.h"
-#include "telemetry/Telemetry.h"
 #include "transcription/TranscriptionClient.h"
 
 using namespace vemo;
@@ -121,7 +121,8 @@ int main(int argumentCount, char** arguments) {
   FakeInputDevice inputDevice;
   inputDevice.setTransport(InputTransport::Usb);
   const SystemInformation system{u"12.8.0"_s, u"1.2.0"_s, u"34"_s};
-  Telemetry telemetry{clock, storage.settings};
+  TelemetryOnFakes telemetryOnFakes{mainThread, clock, storage};
+  Telemetry& telemetry = telemetryOnFakes.telemetry;
   QtHttpSession session{mainThread};
   QtHttpSession hedgeSession{mainThread};
   TranscriptionClient client{

@@ -13,6 +13,7 @@
 #include "integrations/SlackManager.h"
 #include "integrations/WorkspaceIndexer.h"
 #include "platform/canberra/CanberraSounds.h"
+#include "platform/posix/SignalCrashRecorder.h"
 #include "platform/pulse/PulseAudioInput.h"
 #include "platform/pulse/PulseInputDevice.h"
 #include "platform/pulse/PulseMicrophoneAccess.h"
@@ -20,6 +21,7 @@
 #include "platform/qt/QtApplicationWindows.h"
 #include "platform/qt/QtClock.h"
 #include "platform/qt/QtHttpSession.h"
+#include "platform/qt/QtLastRequest.h"
 #include "platform/qt/QtMainThread.h"
 #include "platform/qt/QtSystemEvents.h"
 #include "platform/qt/QtSystemInformation.h"
@@ -27,10 +29,12 @@
 #include "platform/x11/X11Clipboard.h"
 #include "platform/x11/X11FloatingPanel.h"
 #include "platform/x11/X11FocusedApplication.h"
+#include "platform/x11/X11InputSources.h"
 #include "platform/x11/X11KeyPoster.h"
 #include "platform/x11/X11Screens.h"
 #include "platform/xdg/AbsentHaptics.h"
 #include "platform/xdg/BusRemoteControl.h"
+#include "platform/xdg/LinuxDeviceInformation.h"
 #include "platform/xdg/LinuxPermissions.h"
 #include "platform/xdg/UnknownSecureInput.h"
 #include "ports/LoneModifier.h"
@@ -39,6 +43,7 @@
 #include "shaping/ContextProcessor.h"
 #include "storage/Config.h"
 #include "storage/DebugLog.h"
+#include "storage/PrivateFolder.h"
 #include "storage/SecureTokenStore.h"
 #include "storage/Settings.h"
 #include "storage/StandardPlaces.h"
@@ -56,6 +61,13 @@ namespace {
 QString soundsFolder() {
   const QString installed = QCoreApplication::applicationDirPath() + u"/../share/vemo/sounds"_s;
   return QFileInfo::exists(installed) ? installed : QString::fromUtf8(VEMO_SOUNDS_IN_SOURCE);
+}
+
+/// The file that crash notes are kept in, and its folder.
+QString crashFileInItsFolder() {
+  const QString file = places::crashFile();
+  if (!file.isEmpty()) makePrivateFolder(QFileInfo(file).path());
+  return file;
 }
 
 /// A keyring that has just been started takes its time over the first answer, and the token store
@@ -87,6 +99,8 @@ struct Application::Base {
   explicit Base(std::function<void()> quit) : terminationSignals(std::move(quit)) {}
 
   TerminationSignals terminationSignals;
+  SystemInformation information = readSystemInformation();
+  SignalCrashRecorder crashes{crashFileInItsFolder(), information.versionLabel().toUtf8()};
   QtMainThread mainThread;
   QtClock clock{mainThread};
   DebugLog debugLog{clock, places::logFolder()};
@@ -129,18 +143,18 @@ struct Application::Desktop {
   AbsentKeyEventSource keyEvents;
   AbsentLoneModifier loneModifier;
   AbsentHaptics haptics;
-  SystemInformation information = readSystemInformation();
+  LinuxDeviceInformation deviceInformation{inputDevice, [] { return readX11InputSources(); }};
 };
 
 /// The logic, on those adapters.
 struct Application::Program {
   Program(Base& base, Desktop& desktop, const DeploymentConfiguration& configuration,
           std::function<void()> quit)
-      : Program(base.mainThread, base.clock, base.debugLog, base.settings, desktop, configuration,
-                std::move(quit)) {}
+      : Program(base, base.mainThread, base.clock, base.debugLog, base.settings, desktop,
+                configuration, std::move(quit)) {}
 
-  Program(QtMainThread& mainThread, QtClock& theClock, DebugLog& debugLog, Settings& settings,
-          Desktop& desktop, const DeploymentConfiguration& configuration,
+  Program(Base& base, QtMainThread& mainThread, QtClock& theClock, DebugLog& debugLog,
+          Settings& settings, Desktop& desktop, const DeploymentConfiguration& configuration,
           std::function<void()> quit)
       : session(mainThread),
         hedgeSession(mainThread),
@@ -148,8 +162,17 @@ struct Application::Program {
         permissionsOfSystem([&desktop] { return desktop.microphoneAccess.authorization(); },
                             [&desktop] { return desktop.keyPoster->canPost(); }, theClock,
                             mainThread),
-        telemetry(theClock, settings),
         tokens({&desktop.keyring}, debugLog),
+        telemetry({.clock = theClock,
+                   .mainThread = mainThread,
+                   .settings = settings,
+                   .tokens = tokens,
+                   .session = sharedSession,
+                   .lastRequest = lastRequest,
+                   .configuration = configuration,
+                   .system = base.information,
+                   .device = desktop.deviceInformation,
+                   .crashes = base.crashes}),
         auth(tokens, settings),
         slack({.tokens = tokens,
                .settings = settings,
@@ -175,7 +198,7 @@ struct Application::Program {
                             .configuration = configuration,
                             .focusedApplication = *desktop.focusedApplication,
                             .inputDevice = desktop.inputDevice,
-                            .system = desktop.information}}),
+                            .system = base.information}}),
         contextProcessor({.applications = *desktop.focusedApplication,
                           .settings = settings,
                           .files = workspace,
@@ -215,8 +238,9 @@ struct Application::Program {
   QtHttpSession hedgeSession;
   QtHttpSession sharedSession;  ///< of everything but dictation
   LinuxPermissions permissionsOfSystem;
-  Telemetry telemetry;
   SecureTokenStore tokens;
+  QtLastRequest lastRequest;
+  Telemetry telemetry;
   AuthManager auth;
   SlackManager slack;
   SerialQueue diskReader{"vemo.workspace"};
@@ -246,6 +270,7 @@ void Application::quit() {
 Task<> Application::quitWithoutLoss() {
   while (m_program->injector.isRestorePending())
     co_await m_base->clock.sleep(std::chrono::milliseconds(20), {});
+  m_program->telemetry.endSession();
   QCoreApplication::quit();
 }
 
@@ -274,6 +299,7 @@ std::optional<QString> Application::start() {
   if (!m_desktop) return u"Vemo needs an X server with XFixes, XTest, XInput 2 and RandR 1.5."_s;
   m_program = std::make_unique<Program>(*m_base, *m_desktop, m_configuration, [this] { quit(); });
   m_program->appState.bootstrap();
+  m_program->telemetry.start(false);
   m_bus->serve(m_program->remoteControl);
   return std::nullopt;
 }

@@ -78,6 +78,14 @@ QString lowerCased(const QString& text) {
   return QString::fromUtf16(lower.getBuffer(), lower.length());
 }
 
+QByteArray headerValue(const QString& text) {
+  QString line = text;
+  for (QChar& unit : line) {
+    if (unit.category() == QChar::Other_Control) unit = u' ';
+  }
+  return line.toUtf8();
+}
+
 QString trueOrFalse(bool value) {
   return value ? QStringLiteral("true") : QStringLiteral("false");
 }

@@ -5,6 +5,7 @@
 // any UTF-16, unpaired surrogates included, and never fail. Any thread.
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <QStringView>
 
@@ -24,6 +25,9 @@ qsizetype wordCount(QStringView text);
 
 /// Unicode's full lower-casing, without the special cases of any locale.
 QString lowerCased(const QString& text);
+
+/// UTF-8 on one line: a line break in a name must not begin another header of a request.
+QByteArray headerValue(const QString& text);
 
 /// "true" or "false", as logs write it.
 QString trueOrFalse(bool value);

@@ -62,7 +62,7 @@ void PermissionsManager::poll() {
   m_axTrusted = isTrusted;
   changed.notify();
   if (isTrusted) {
-    m_telemetry.track(u"permission_granted"_s, {{u"permission"_s, u"accessibility"_s}});
+    m_telemetry.track(TelemetryEvent::permissionGranted(Permission::Accessibility));
     if (onAXTrustGained) onAXTrustGained();
   } else if (onAXTrustLost) {
     onAXTrustLost();
@@ -71,18 +71,19 @@ void PermissionsManager::poll() {
 
 void PermissionsManager::requestMicrophone() {
   const bool wasUndetermined = m_micStatus == MicStatus::NotDetermined;
-  const QJsonObject props{{u"permission"_s, u"microphone"_s}};
-  if (wasUndetermined) m_telemetry.track(u"permission_prompted"_s, props);
-  m_system.requestMicrophone([this, wasUndetermined, props](bool isGranted) {
+  if (wasUndetermined)
+    m_telemetry.track(TelemetryEvent::permissionPrompted(Permission::Microphone));
+  m_system.requestMicrophone([this, wasUndetermined](bool isGranted) {
     if (wasUndetermined)
-      m_telemetry.track(isGranted ? u"permission_granted"_s : u"permission_denied"_s, props);
+      m_telemetry.track(isGranted ? TelemetryEvent::permissionGranted(Permission::Microphone)
+                                  : TelemetryEvent::microphoneDenied());
     refresh();
   });
 }
 
 void PermissionsManager::promptAccessibility() {
   if (!m_system.promptAccessibility())
-    m_telemetry.track(u"permission_prompted"_s, {{u"permission"_s, u"accessibility"_s}});
+    m_telemetry.track(TelemetryEvent::permissionPrompted(Permission::Accessibility));
 }
 
 void PermissionsManager::openSettings(const QString& url) {

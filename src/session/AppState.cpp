@@ -163,7 +163,7 @@ QString AppState::statusText() const {
 
 void AppState::copyTranscript(const QString& text) {
   if (text.isEmpty()) return;
-  m_with.telemetry.track(u"transcript_copied"_s);
+  m_with.telemetry.track(TelemetryEvent::transcriptCopied());
   if (!m_with.clipboard.replace(concealedText(text, ClipboardStay::UntilReplaced)))
     m_with.debugLog(u"copy: the clipboard can't be written"_s);
 }

@@ -15,17 +15,6 @@ namespace vemo {
 
 using namespace Qt::Literals::StringLiterals;
 
-namespace {
-
-QString lengthBucket(double seconds) {
-  if (seconds < 10) return u"lt10s"_s;
-  if (seconds < 60) return u"10to60s"_s;
-  if (seconds < 300) return u"1to5m"_s;
-  return u"gt5m"_s;
-}
-
-}  // namespace
-
 Task<> AppState::deliverTranscript(QString text, Generation generation, std::stop_token stop) {
   if (generation != m_generation) co_return;
   const auto endQuietly = [this] {
@@ -34,8 +23,7 @@ Task<> AppState::deliverTranscript(QString text, Generation generation, std::sto
   };
   if (!m_isEnabled) {
     endQuietly();
-    m_with.telemetry.track(u"dictation_cancelled"_s,
-                           {{u"reason"_s, u"disabled"_s}, {u"seconds"_s, m_lastRecordingSeconds}});
+    m_with.telemetry.track(TelemetryEvent::dictationDisabled(m_lastRecordingSeconds));
     co_return;
   }
   m_history.setLastTranscript(text);
@@ -43,9 +31,7 @@ Task<> AppState::deliverTranscript(QString text, Generation generation, std::sto
   const QString transcript = trimmed(text);
   if (transcript.isEmpty()) {
     endQuietly();
-    m_with.telemetry.track(u"dictation_failed"_s,
-                           {{u"reason"_s, u"empty_transcript"_s}, {u"chunked"_s, m_lastWasChunked}},
-                           EventClass::Essential);
+    m_with.telemetry.track(TelemetryEvent::dictationFailed(u"empty_transcript", m_lastWasChunked));
     co_return;
   }
 
@@ -60,9 +46,8 @@ Task<> AppState::deliverTranscript(QString text, Generation generation, std::sto
   const QString message = *failure + u" — use Copy Last Transcript"_s;
   failDictation(message, message);
   const bool isSecureInput = failure->contains(u"secure input", Qt::CaseInsensitive);
-  m_with.telemetry.track(u"text_insertion_failed"_s,
-                         {{u"reason"_s, isSecureInput ? u"secure_input"_s : u"paste_failed"_s}},
-                         EventClass::Essential);
+  m_with.telemetry.track(
+      TelemetryEvent::textInsertionFailed(isSecureInput ? u"secure_input" : u"paste_failed"));
 }
 
 void AppState::dictationCompleted(const QString& processed) {
@@ -72,20 +57,16 @@ void AppState::dictationCompleted(const QString& processed) {
 
   const auto& settings = m_with.settings;
   const auto latency = m_with.clock.monotonicTime() - m_lastStopAt;
-  m_with.telemetry.track(
-      u"dictation_completed"_s,
-      {
-          {u"lengthBucket"_s, lengthBucket(m_lastRecordingSeconds)},
-          {u"seconds"_s, m_lastRecordingSeconds},
-          {u"words"_s, wordCount(processed)},
-          {u"language"_s, settings.get(keys::dictationLanguage, u"en"_s)},
-          {u"model"_s, config::currentLanguage(settings).model},
-          {u"outputMode"_s, config::requestOutputMode(settings)},
-          {u"chunked"_s, m_lastWasChunked},
-          {u"streamed"_s, m_lastWasStreamed},
-          {u"latencyMs"_s,
-           qint64{std::chrono::duration_cast<std::chrono::milliseconds>(latency).count()}},
-      });
+  m_with.telemetry.track(TelemetryEvent::dictationCompleted({
+      .seconds = m_lastRecordingSeconds,
+      .words = wordCount(processed),
+      .language = settings.get(keys::dictationLanguage, u"en"_s),
+      .model = config::currentLanguage(settings).model,
+      .outputMode = config::requestOutputMode(settings),
+      .isChunked = m_lastWasChunked,
+      .isStreamed = m_lastWasStreamed,
+      .latencyMs = std::chrono::duration_cast<std::chrono::milliseconds>(latency).count(),
+  }));
   m_with.telemetry.recordFirstDictation();
   m_history.recordDictation(processed);
   changed.notify();

@@ -51,8 +51,7 @@ void AppState::startRecording() {
     const QString message = started.error().errorDescription;
     failDictation(message);
     m_with.debugLog(u"recording failed to start: "_s + message);
-    m_with.telemetry.track(u"dictation_failed"_s, {{u"reason"_s, u"recorder_start"_s}},
-                           EventClass::Essential);
+    m_with.telemetry.track(TelemetryEvent::dictationFailed(u"recorder_start", {}));
     return;
   }
   recordingStarted();
@@ -107,8 +106,7 @@ void AppState::recordingStarted() {
   const QString shortcut =
       m_isPushToTalkRecording ? m_with.settings.get(keys::pushToTalkHotkeyChoice, u"eitherOption"_s)
                               : m_with.settings.get(keys::toggleHotkeyChoice, u"fnGlobe"_s);
-  m_with.telemetry.track(u"dictation_started"_s,
-                         {{u"mode"_s, m_dictationMode}, {u"shortcut"_s, shortcut}});
+  m_with.telemetry.track(TelemetryEvent::dictationStarted(m_dictationMode, shortcut));
 }
 
 void AppState::armRecordingCap() {
@@ -140,7 +138,7 @@ void AppState::stopRecording() {
   };
   if (!m_isEnabled) {
     endQuietly();
-    m_with.telemetry.track(u"dictation_cancelled"_s, {{u"reason"_s, u"disabled"_s}});
+    m_with.telemetry.track(TelemetryEvent::dictationDisabled({}));
     return;
   }
   if (!result) return endQuietly();
@@ -153,17 +151,14 @@ void AppState::stopRecording() {
 
   if (m_lastRecordingSeconds < minAudioSeconds) {
     endQuietly();
-    m_with.telemetry.track(u"dictation_cancelled"_s, {{u"reason"_s, u"too_short"_s},
-                                                      {u"seconds"_s, m_lastRecordingSeconds},
-                                                      {u"chunked"_s, m_lastWasChunked}});
+    m_with.telemetry.track(
+        TelemetryEvent::dictationTooShort(m_lastRecordingSeconds, m_lastWasChunked));
     return;
   }
   if (peakLevel < silenceThreshold) {
     releaseAudioPipes();
     failDictation(u"No audio detected — check your microphone"_s);
-    m_with.telemetry.track(u"dictation_failed"_s,
-                           {{u"reason"_s, u"no_audio"_s}, {u"chunked"_s, m_lastWasChunked}},
-                           EventClass::Essential);
+    m_with.telemetry.track(TelemetryEvent::dictationFailed(u"no_audio", m_lastWasChunked));
     return;
   }
   chooseTranscriptionPath(*std::move(result));

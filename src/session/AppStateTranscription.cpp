@@ -27,22 +27,22 @@ double audioSeconds(const QByteArray& wavData) {
   return static_cast<double>(pcmSize) / speechFormat::bytesPerSecond;
 }
 
-QString failureReason(TranscriptionError::Kind kind) {
+TelemetryEvent::Literal failureReason(TranscriptionError::Kind kind) {
   switch (kind) {
     case TranscriptionError::Kind::Server:
-      return u"server"_s;
+      return u"server";
     case TranscriptionError::Kind::Network:
-      return u"network"_s;
+      return u"network";
     case TranscriptionError::Kind::NotConfigured:
-      return u"not_signed_in"_s;
+      return u"not_signed_in";
     case TranscriptionError::Kind::Unauthorized:
-      return u"unauthorized"_s;
+      return u"unauthorized";
     case TranscriptionError::Kind::BadResponse:
-      return u"bad_response"_s;
+      return u"bad_response";
     case TranscriptionError::Kind::Cancelled:
-      return u"cancelled"_s;
+      return u"cancelled";
   }
-  return u"other"_s;
+  return u"other";
 }
 
 }  // namespace
@@ -143,8 +143,7 @@ void AppState::fallBackFromStream(AudioStopResult result) {
   chooseTranscriptionPath(std::move(result));
   // The finalize task has not run yet, so it finds these uploads and waits for them.
   for (const auto& [wavData, index] : deferredChunks) uploadChunk(wavData, index);
-  m_with.telemetry.track(u"dictation_stream_fallback"_s, {{u"reason"_s, u"after_stop"_s}},
-                         EventClass::Essential);
+  m_with.telemetry.track(TelemetryEvent::dictationStreamFallback(u"after_stop"));
 }
 
 void AppState::failTranscription(const TranscriptionError& error, Generation generation) {
@@ -154,9 +153,7 @@ void AppState::failTranscription(const TranscriptionError& error, Generation gen
     m_with.auth.setLastError(u"Session expired — sign in again"_s);
   }
   m_with.telemetry.track(
-      u"dictation_failed"_s,
-      {{u"reason"_s, failureReason(error.kind)}, {u"chunked"_s, m_lastWasChunked}},
-      EventClass::Essential);
+      TelemetryEvent::dictationFailed(failureReason(error.kind), m_lastWasChunked));
   failDictation(error.errorDescription(), {}, error.diagnosticText());
 }
 

@@ -16,6 +16,10 @@ QString folderFrom(const char* variable, const QString& fallback) {
   return QDir::isAbsolutePath(home) ? home + u'/' + fallback : QString();
 }
 
+QString stateFolder() {
+  return folderFrom("XDG_STATE_HOME", u".local/state"_s);
+}
+
 }  // namespace
 
 QString configFolder() {
@@ -28,8 +32,13 @@ QString settingsFile() {
 }
 
 QString logFolder() {
-  const QString folder = folderFrom("XDG_STATE_HOME", u".local/state"_s);
+  const QString folder = stateFolder();
   return folder.isEmpty() ? QString() : folder + u"/Logs/Vemo"_s;
+}
+
+QString crashFile() {
+  const QString folder = stateFolder();
+  return folder.isEmpty() ? QString() : folder + u"/vemo/crashes"_s;
 }
 
 QStringList deploymentConfigurationCandidates() {

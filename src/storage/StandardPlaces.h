@@ -18,6 +18,9 @@ QString settingsFile();
 /// The folder of debug.log: Logs/Vemo in XDG_STATE_HOME.
 QString logFolder();
 
+/// The notes of crashes: crashes in XDG_STATE_HOME/vemo.
+QString crashFile();
+
 /// vemo.conf in XDG_CONFIG_HOME/vemo, then in vemo below each folder of XDG_CONFIG_DIRS.
 QStringList deploymentConfigurationCandidates();
 

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "base/Json.h"
+#include "base/Text.h"
 #include "ports/InputDevice.h"
 #include "ports/SystemInformation.h"
 #include "storage/Config.h"
@@ -33,31 +34,6 @@ void setQuery(QUrl& url, QueryItems items) {
     query += name.toUtf8() + '=' + QUrl::toPercentEncoding(value, ":");
   }
   url.setQuery(QString::fromLatin1(query), QUrl::StrictMode);
-}
-
-/// UTF-8 on one line: a line break in an application's name must not begin another header.
-QByteArray headerValue(const QString& text) {
-  QString line = text;
-  for (QChar& unit : line) {
-    if (unit.category() == QChar::Other_Control) unit = u' ';
-  }
-  return line.toUtf8();
-}
-
-QByteArray microphoneType(InputTransport transport) {
-  switch (transport) {
-    case InputTransport::BuiltIn:
-      return "builtIn"_ba;
-    case InputTransport::Bluetooth:
-      return "bluetooth"_ba;
-    case InputTransport::Usb:
-      return "usb"_ba;
-    case InputTransport::Virtual:
-      return "virtual"_ba;
-    case InputTransport::Other:
-      return "other"_ba;
-  }
-  std::unreachable();
 }
 
 void addTarget(HttpRequest& request, const TargetApplication& target) {
@@ -163,7 +139,7 @@ std::optional<HttpRequest> DictationRequestBuilder::post(const QString& path,
   };
   if (settings.get(keys::shareUsageStatistics, true))
     request.headers.emplace_back("x-mic-type"_ba,
-                                 microphoneType(m_sources.inputDevice.transport()));
+                                 wireName(m_sources.inputDevice.transport()).toLatin1());
   return request;
 }
 

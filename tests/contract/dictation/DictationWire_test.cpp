@@ -12,6 +12,7 @@
 #include "fakes/FakeInputDevice.h"
 #include "fakes/FakeSecretBackend.h"
 #include "fakes/QtTestLoop.h"
+#include "fakes/TelemetryOnFakes.h"
 #include "fakes/TestStorage.h"
 #include "platform/qt/QtHttpSession.h"
 #include "platform/qt/QtMainThread.h"
@@ -19,7 +20,6 @@
 #include "storage/DeploymentConfiguration.h"
 #include "storage/SecureTokenStore.h"
 #include "storage/SettingsKeys.h"
-#include "telemetry/Telemetry.h"
 #include "transcription/TranscriptionClient.h"
 
 namespace vemo {
@@ -115,7 +115,8 @@ class DictationWireTest : public testing::Test {
   FakeInputDevice inputDevice;
   SystemInformation system{
       .systemVersion = u"12.8.0"_s, .applicationVersion = u"1.2.0"_s, .applicationBuild = u"34"_s};
-  Telemetry telemetry{clock, storage.settings};
+  TelemetryOnFakes telemetryOnFakes{mainThread, clock, storage};
+  Telemetry& telemetry = telemetryOnFakes.telemetry;
   QtHttpSession session{mainThread};
   QtHttpSession hedgeSession{mainThread};
   TranscriptionClient client{

@@ -5,8 +5,8 @@
 
 #include "fakes/FakeClock.h"
 #include "fakes/FakeSystemPermissions.h"
+#include "fakes/TelemetryOnFakes.h"
 #include "fakes/TestStorage.h"
-#include "telemetry/Telemetry.h"
 
 namespace vemo {
 namespace {
@@ -21,9 +21,9 @@ class PermissionsManagerTest : public testing::Test {
   std::vector<std::string> takeEvents() {
     std::vector<std::string> events;
     for (; m_seenEvents < telemetry.queue().size(); ++m_seenEvents) {
-      const auto& event = telemetry.queue()[m_seenEvents];
+      const auto& event = telemetry.queue()[m_seenEvents].event;
       events.push_back(
-          (event.name + u' ' + event.props.value(u"permission").toString()).toStdString());
+          (event.name() + u' ' + event.props().value(u"permission").toString()).toStdString());
     }
     return events;
   }
@@ -31,7 +31,8 @@ class PermissionsManagerTest : public testing::Test {
   FakeMainThread mainThread;
   FakeClock clock{mainThread};
   TestStorage storage{clock};
-  Telemetry telemetry{clock, storage.settings};
+  TelemetryOnFakes telemetryOnFakes{mainThread, clock, storage};
+  Telemetry& telemetry = telemetryOnFakes.telemetry;
   FakeSystemPermissions system;
   std::size_t m_seenEvents = 0;
 };

@@ -134,9 +134,10 @@ class HotkeyMashTest : public HotkeyDictationTest {
   bool isHoldRecording() const {
     if (appState->phase() != Phase::recording()) return false;
     const auto& events = telemetry.queue();
-    const auto started = std::ranges::find(events.rbegin(), events.rend(), u"dictation_started"_s,
-                                           &TelemetryEvent::name);
-    return started != events.rend() && started->props[u"mode"] == u"hold"_s;
+    const auto started = std::find_if(events.rbegin(), events.rend(), [](const auto& record) {
+      return record.event.name() == u"dictation_started"_s;
+    });
+    return started != events.rend() && started->event.props()[u"mode"] == u"hold"_s;
   }
 
   void chooseAnyShortcuts(Masher& masher) {

@@ -33,6 +33,7 @@
 #include "fakes/FakeSounds.h"
 #include "fakes/FakeSystemEvents.h"
 #include "fakes/FakeSystemPermissions.h"
+#include "fakes/TelemetryOnFakes.h"
 #include "fakes/TestStorage.h"
 #include "integrations/SlackManager.h"
 #include "ports/SystemInformation.h"
@@ -42,7 +43,6 @@
 #include "storage/DeploymentConfiguration.h"
 #include "storage/SecureTokenStore.h"
 #include "storage/SettingsKeys.h"
-#include "telemetry/Telemetry.h"
 #include "transcription/TranscriptionClient.h"
 
 namespace vemo {
@@ -175,8 +175,8 @@ class SessionFixture : public testing::Test {
   std::vector<std::string> takeEvents() {
     std::vector<std::string> events;
     for (; m_seenEvents < telemetry.queue().size(); ++m_seenEvents) {
-      const auto& event = telemetry.queue()[m_seenEvents];
-      events.push_back(event.name.toStdString() + ' ' + compactJson(event.props).toStdString());
+      const auto& event = telemetry.queue()[m_seenEvents].event;
+      events.push_back(event.name().toStdString() + ' ' + compactJson(event.props()).toStdString());
     }
     return events;
   }
@@ -184,7 +184,8 @@ class SessionFixture : public testing::Test {
   FakeMainThread mainThread;
   FakeClock clock{mainThread};
   TestStorage storage{clock};
-  Telemetry telemetry{clock, storage.settings};
+  TelemetryOnFakes telemetryOnFakes{mainThread, clock, storage};
+  Telemetry& telemetry = telemetryOnFakes.telemetry;
   FakeSecretBackend secrets;
   FakeSystemPermissions system;
   FakeHttpSession http{mainThread, clock};

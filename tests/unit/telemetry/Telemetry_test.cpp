@@ -1,32 +1,18 @@
+// What becomes an event, and what waits in the queue.
 #include "telemetry/Telemetry.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <QTemporaryDir>
 #include <QUuid>
 
-#include "fakes/FakeClock.h"
-#include "storage/DebugLog.h"
-#include "storage/Settings.h"
-#include "storage/SettingsKeys.h"
+#include "TelemetryFixture.h"
 
 namespace vemo {
 namespace {
 
-using namespace Qt::Literals::StringLiterals;
-using namespace std::chrono_literals;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-class TelemetryTest : public testing::Test {
+class TelemetryTest : public TelemetryFixture {
  protected:
-  QStringList queuedNames() const {
-    QStringList names;
-    for (const auto& event : telemetry.queue()) names.append(event.name);
-    return names;
-  }
-
   /// Reports an attempt at "dictate" that ends `duration` after it has begun.
   void report(std::optional<int> status, Clock::Duration duration,
               const std::optional<HttpError>& error = {}) {
@@ -34,13 +20,6 @@ class TelemetryTest : public testing::Test {
     clock.advance(duration);
     telemetry.reportRequestResult(u"dictate"_s, status, startedAt, error);
   }
-
-  QTemporaryDir folder;
-  FakeMainThread mainThread;
-  FakeClock clock{mainThread};
-  DebugLog debugLog{clock, QString()};
-  Settings settings{folder.filePath(u"settings.json"_s), debugLog};
-  Telemetry telemetry{clock, settings};
 };
 
 TEST_F(TelemetryTest, TheFirstStartSettlesIdentifierAndTimeAndALaterStartKeepsThem) {
@@ -51,46 +30,69 @@ TEST_F(TelemetryTest, TheFirstStartSettlesIdentifierAndTimeAndALaterStartKeepsTh
   EXPECT_EQ(firstLaunch, QDateTime(QDate(2026, 3, 14), QTime(0, 0), Qt::UTC));
 
   clock.advance(24h);
-  const Telemetry secondStart(clock, settings);
-  EXPECT_EQ(secondStart.installId(), id);
+  const TelemetryOnFakes secondStart(mainThread, clock, storage);
+  EXPECT_EQ(secondStart.telemetry.installId(), id);
   EXPECT_EQ(settings.get(keys::telemetryFirstLaunchAt), firstLaunch);
 }
 
-TEST_F(TelemetryTest, AnEventHasNamePropertiesTimeAndClass) {
+TEST_F(TelemetryTest, AnEventWaitsWithTheTimeOfItsTracking) {
   clock.advance(1h + 2min + 3s + 999ms);
-  telemetry.track(u"sign_in_failed"_s, {{u"reason"_s, u"network"_s}});
+  telemetry.track(TelemetryEvent::signInFailed(u"network"));
   ASSERT_THAT(telemetry.queue(), SizeIs(1));
-  const auto& event = telemetry.queue().front();
-  EXPECT_EQ(event.name, u"sign_in_failed"_s);
-  EXPECT_EQ(event.props, (QJsonObject{{u"reason"_s, u"network"_s}}));
-  EXPECT_EQ(event.at, u"2026-03-14T01:02:03Z"_s);
-  EXPECT_EQ(event.eventClass, EventClass::Optional);
+  EXPECT_EQ(queued(0).name(), u"sign_in_failed"_s);
+  EXPECT_EQ(iso8601(telemetry.queue().front().at), u"2026-03-14T01:02:03Z"_s);
 }
 
 TEST_F(TelemetryTest, WithSharingOffOptionalEventsNeverEnterTheQueueAndEssentialOnesDo) {
   settings.set(keys::shareUsageStatistics, false);
-  telemetry.track(u"dictation_started"_s);
-  telemetry.track(u"dictation_failed"_s, {}, EventClass::Essential);
+  telemetry.track(TelemetryEvent::transcriptCopied());
+  telemetry.track(TelemetryEvent::dictationFailed(u"no_audio", false));
   EXPECT_EQ(queuedNames(), QStringList{u"dictation_failed"_s});
 }
 
 TEST_F(TelemetryTest, SharingIsOnWhenTheSettingIsMissingOrOfAnotherType) {
-  telemetry.track(u"one"_s);
+  telemetry.track(TelemetryEvent::transcriptCopied());
   settings.set(keys::String{u"shareUsageStatistics"}, u"false"_s);
-  telemetry.track(u"two"_s);
+  telemetry.track(TelemetryEvent::transcriptCopied());
   settings.set(keys::shareUsageStatistics, true);
-  telemetry.track(u"three"_s);
+  telemetry.track(TelemetryEvent::transcriptCopied());
   EXPECT_THAT(telemetry.queue(), SizeIs(3));
 }
 
-TEST_F(TelemetryTest, TheQueueHoldsTheNewestTwoHundredEvents) {
-  for (int number = 1; number <= 200; ++number) telemetry.track(QString::number(number));
+TEST_F(TelemetryTest, WithoutATokenTheQueueGrowsToTheNewestTwoHundred) {
+  trackNumbered(1, 200);
+  EXPECT_EQ(firstNumber(), 1);
+  trackNumbered(201, 201);
+  settle();
   EXPECT_THAT(telemetry.queue(), SizeIs(200));
-  EXPECT_EQ(telemetry.queue().front().name, u"1"_s);
-  telemetry.track(u"201"_s);
+  EXPECT_EQ(firstNumber(), 2);
+  EXPECT_EQ(lastNumber(), 201);
+  EXPECT_THAT(with.http.requests(), IsEmpty());
+}
+
+TEST_F(TelemetryTest, AHundredThousandEventsLeaveTheNewestTwoHundred) {
+  trackNumbered(1, 100'000);
   EXPECT_THAT(telemetry.queue(), SizeIs(200));
-  EXPECT_EQ(telemetry.queue().front().name, u"2"_s);
-  EXPECT_EQ(telemetry.queue().back().name, u"201"_s);
+  EXPECT_EQ(firstNumber(), 99'801);
+}
+
+TEST_F(TelemetryTest, TurningSharingOffKeepsTheEssentialEventsInTheirOrder) {
+  telemetry.track(TelemetryEvent::transcriptCopied());
+  trackNumbered(1, 1);
+  telemetry.track(TelemetryEvent::signInStarted());
+  trackNumbered(2, 2);
+  telemetry.setShareUsageStatistics(false);
+  ASSERT_THAT(telemetry.queue(), SizeIs(2));
+  EXPECT_EQ(firstNumber(), 1);
+  EXPECT_EQ(lastNumber(), 2);
+  EXPECT_EQ(settings.get(keys::shareUsageStatistics), false);
+}
+
+TEST_F(TelemetryTest, TurningSharingOnDropsNothing) {
+  telemetry.track(TelemetryEvent::transcriptCopied());
+  telemetry.setShareUsageStatistics(true);
+  EXPECT_THAT(telemetry.queue(), SizeIs(1));
+  EXPECT_EQ(settings.get(keys::shareUsageStatistics), true);
 }
 
 TEST_F(TelemetryTest, TheFirstDictationIsToldOnceWithTheSecondsSinceTheFirstLaunch) {
@@ -98,13 +100,13 @@ TEST_F(TelemetryTest, TheFirstDictationIsToldOnceWithTheSecondsSinceTheFirstLaun
   telemetry.recordFirstDictation();
   telemetry.recordFirstDictation();
   ASSERT_EQ(queuedNames(), QStringList{u"first_dictation"_s});
-  EXPECT_EQ(telemetry.queue().front().props, (QJsonObject{{u"secondsSinceFirstLaunch"_s, 90}}));
+  EXPECT_EQ(queued(0).props(), (QJsonObject{{u"secondsSinceFirstLaunch"_s, 90}}));
 }
 
 TEST_F(TelemetryTest, WithoutATimeOfFirstLaunchTheSecondsAreZero) {
   settings.remove(keys::telemetryFirstLaunchAt);
   telemetry.recordFirstDictation();
-  EXPECT_EQ(telemetry.queue().front().props, (QJsonObject{{u"secondsSinceFirstLaunch"_s, 0}}));
+  EXPECT_EQ(queued(0).props(), (QJsonObject{{u"secondsSinceFirstLaunch"_s, 0}}));
 }
 
 TEST_F(TelemetryTest, AFirstDictationWhileSharingIsOffIsNeverToldLater) {
@@ -129,24 +131,23 @@ TEST_F(TelemetryTest, AnErrorIsARequestFailedWithItsNumberHoweverLongItTook) {
   report({}, 6s, HttpError{UrlError::TimedOut, u"not for events"_s});
   ASSERT_EQ(queuedNames(), QStringList{u"request_failed"_s});
   EXPECT_EQ(
-      telemetry.queue().front().props,
+      queued(0).props(),
       (QJsonObject{{u"endpoint"_s, u"dictate"_s}, {u"error"_s, u"url_-1001"_s}, {u"ms"_s, 6000}}));
-  EXPECT_EQ(telemetry.queue().front().eventClass, EventClass::Essential);
 }
 
 TEST_F(TelemetryTest, AnErrorGoesBeforeAStatus) {
   report(500, 1ms, HttpError{UrlError::NetworkConnectionLost, {}});
-  EXPECT_EQ(telemetry.queue().front().props.value(u"error"), u"url_-1005"_s);
-  EXPECT_FALSE(telemetry.queue().front().props.contains(u"status"_s));
+  EXPECT_EQ(queued(0).props().value(u"error"), u"url_-1005"_s);
+  EXPECT_FALSE(queued(0).props().contains(u"status"_s));
 }
 
 TEST_F(TelemetryTest, AStatusFrom400OnIsARequestFailedExcept401) {
   for (const int status : {399, 400, 401, 402, 500}) report(status, 1ms);
   ASSERT_EQ(queuedNames(), QStringList(3, u"request_failed"_s));
-  EXPECT_EQ(telemetry.queue().front().props,
+  EXPECT_EQ(queued(0).props(),
             (QJsonObject{{u"endpoint"_s, u"dictate"_s}, {u"status"_s, 400}, {u"ms"_s, 1}}));
-  EXPECT_EQ(telemetry.queue()[1].props.value(u"status"), 402);
-  EXPECT_EQ(telemetry.queue()[2].props.value(u"status"), 500);
+  EXPECT_EQ(queued(1).props().value(u"status"), 402);
+  EXPECT_EQ(queued(2).props().value(u"status"), 500);
 }
 
 TEST_F(TelemetryTest, ARequestIsSlowFrom5000MillisecondsOn) {
@@ -154,9 +155,7 @@ TEST_F(TelemetryTest, ARequestIsSlowFrom5000MillisecondsOn) {
   EXPECT_THAT(telemetry.queue(), IsEmpty());
   report(200, 5000ms);
   ASSERT_EQ(queuedNames(), QStringList{u"request_slow"_s});
-  EXPECT_EQ(telemetry.queue().front().props,
-            (QJsonObject{{u"endpoint"_s, u"dictate"_s}, {u"ms"_s, 5000}}));
-  EXPECT_EQ(telemetry.queue().front().eventClass, EventClass::Essential);
+  EXPECT_EQ(queued(0).props(), (QJsonObject{{u"endpoint"_s, u"dictate"_s}, {u"ms"_s, 5000}}));
 }
 
 TEST_F(TelemetryTest, AnAnswerWithoutStatusAndA401CanOnlyBeSlow) {

@@ -15,12 +15,12 @@
 #include "fakes/FakeInputDevice.h"
 #include "fakes/FakeMainThread.h"
 #include "fakes/FakeSecretBackend.h"
+#include "fakes/TelemetryOnFakes.h"
 #include "fakes/TestStorage.h"
 #include "ports/SystemInformation.h"
 #include "storage/DeploymentConfiguration.h"
 #include "storage/SecureTokenStore.h"
 #include "storage/SettingsKeys.h"
-#include "telemetry/Telemetry.h"
 #include "transcription/TranscriptionClient.h"
 
 namespace vemo {
@@ -112,7 +112,8 @@ class TranscriptionFixture : public testing::Test {
   FakeInputDevice inputDevice;
   SystemInformation system{
       .systemVersion = u"12.8.0"_s, .applicationVersion = u"1.2.0"_s, .applicationBuild = u"34"_s};
-  Telemetry telemetry{clock, storage.settings};
+  TelemetryOnFakes telemetryOnFakes{mainThread, clock, storage};
+  Telemetry& telemetry = telemetryOnFakes.telemetry;
   FakeHttpSession session{mainThread, clock};
   FakeHttpSession hedgeSession{mainThread, clock};
   DictationRequestBuilder::Sources sources{storage.settings, tokens,      configuration,

@@ -14,9 +14,9 @@ class TranscriptionLogTest : public TranscriptionFixture {
 
   std::vector<std::pair<QString, QJsonObject>> events() const {
     std::vector<std::pair<QString, QJsonObject>> events;
-    for (const auto& event : telemetry.queue()) {
-      EXPECT_EQ(event.eventClass, EventClass::Essential);
-      events.emplace_back(event.name, event.props);
+    for (const auto& [event, at] : telemetry.queue()) {
+      EXPECT_EQ(event.eventClass(), EventClass::Essential);
+      events.emplace_back(event.name(), event.props());
     }
     return events;
   }

@@ -1,0 +1,26 @@
+// What a Linux desktop tells of itself. Main thread only.
+#pragma once
+
+#include <QStringList>
+#include <functional>
+
+#include "platform/xdg/DesktopAppearance.h"
+#include "ports/DeviceInformation.h"
+#include "ports/InputDevice.h"
+
+namespace vemo {
+
+class LinuxDeviceInformation : public DeviceInformation {
+ public:
+  /// `inputSources` reads the keyboard layouts. Made after the QGuiApplication.
+  LinuxDeviceInformation(const InputDevice& inputDevice, std::function<QStringList()> inputSources);
+
+  DeviceFacts read() const override;
+
+ private:
+  const InputDevice& m_inputDevice;
+  const std::function<QStringList()> m_inputSources;
+  const DesktopAppearance m_appearance;
+};
+
+}  // namespace vemo
