@@ -59,33 +59,35 @@ std::optional<std::size_t> firstOf(std::optional<std::size_t> one,
 
 }  // namespace
 
-SlackDirectory::SlackDirectory(SlackUsers users, SlackChannels channels)
-    : m_users(std::move(users)), m_channels(std::move(channels)) {
-  for (std::size_t place = 0; place < m_channels.size(); ++place) {
-    const QString name = lowerCased(m_channels[place].name);
-    addFirst(m_channelByName, name, place);
-    addFirst(m_channelByBlankedName, replaced(name, u'-', u' '), place);
-  }
+SlackDirectory::People::People(SlackUsers users) : list(std::move(users)) {
   std::vector<FirstByPrefix::Entry> beginnings;
-  beginnings.reserve(2 * m_users.size());
-  for (std::size_t place = 0; place < m_users.size(); ++place) {
-    const SlackUser& user = m_users[place];
+  beginnings.reserve(2 * list.size());
+  for (std::size_t place = 0; place < list.size(); ++place) {
+    const SlackUser& user = list[place];
     const QString handle = lowerCased(user.name);
-    addFirst(m_userByHandle, handle, place);
-    addFirst(m_userByDisplayName, lowerCased(user.displayName), place);
+    addFirst(byHandle, handle, place);
+    addFirst(byDisplayName, lowerCased(user.displayName), place);
     beginnings.emplace_back(lowerCased(user.realName), place);
     beginnings.emplace_back(handle, place);
   }
-  m_userByBeginning = FirstByPrefix(std::move(beginnings));
+  byBeginning = FirstByPrefix(std::move(beginnings));
+}
+
+SlackDirectory::Rooms::Rooms(SlackChannels channels) : list(std::move(channels)) {
+  for (std::size_t place = 0; place < list.size(); ++place) {
+    const QString name = lowerCased(list[place].name);
+    addFirst(byName, name, place);
+    addFirst(byBlankedName, replaced(name, u'-', u' '), place);
+  }
 }
 
 std::optional<QString> SlackDirectory::resolveChannelMention(const QString& spoken) const {
   const QString dashed = replaced(lowerCased(trimmed(spoken)), u' ', u'-');
   if (dashed.isEmpty()) return std::nullopt;
   const auto place =
-      firstOf(findIn(m_channelByName, dashed), findIn(m_channelByBlankedName, lowerCased(spoken)));
+      firstOf(findIn(m_rooms.byName, dashed), findIn(m_rooms.byBlankedName, lowerCased(spoken)));
   if (!place) return std::nullopt;
-  return u'#' + m_channels[*place].name;
+  return u'#' + m_rooms.list[*place].name;
 }
 
 std::optional<QString> SlackDirectory::resolveUserMention(const QString& spoken) const {
@@ -93,15 +95,15 @@ std::optional<QString> SlackDirectory::resolveUserMention(const QString& spoken)
   if (key.isEmpty()) return std::nullopt;
   const auto alias = aliasOf(key);
   if (const auto place = findUser(alias.value_or(key)))
-    return u'@' + mentionNameOf(m_users[*place]);
+    return u'@' + mentionNameOf(m_people.list[*place]);
   // A known colleague gets a tag from an empty directory too.
   if (alias) return u'@' + alias->first(1).toUpper() + alias->sliced(1);
   return std::nullopt;
 }
 
 std::optional<std::size_t> SlackDirectory::findUser(const QString& target) const {
-  if (const auto place = findIn(m_userByHandle, target)) return place;
-  return firstOf(findIn(m_userByDisplayName, target), m_userByBeginning.find(target));
+  if (const auto place = findIn(m_people.byHandle, target)) return place;
+  return firstOf(findIn(m_people.byDisplayName, target), m_people.byBeginning.find(target));
 }
 
 }  // namespace vemo

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "base/Text.h"
+#include "integrations/ReadElsewhere.h"
 #include "ports/HttpSession.h"
 #include "storage/DebugLog.h"
 #include "storage/DeploymentConfiguration.h"
@@ -18,6 +19,9 @@ namespace {
 
 constexpr auto requestTimeout = 60s;
 
+/// Far beyond the 500 members of a page, and still read in the blink of an eye.
+constexpr qsizetype longestShortAnswer = 1024 * 1024;
+
 const QString& tokenAccount() {
   static const QString account = QString::fromUtf16(slackApiTokenAccount);
   return account;
@@ -30,6 +34,25 @@ QUrl addressOf(const QUrl& base, const QString& method, const QString& query) {
   address.setPath(folder + u'/' + method);
   if (!query.isEmpty()) address.setQuery(query);
   return address;
+}
+
+/// What an answer becomes: half of the directory, and what is kept of it for the next start.
+template <typename Half>
+struct Learnt {
+  Half half;
+  QByteArray cache;
+};
+
+Learnt<SlackDirectory::People> learnPeople(const QByteArray& answer) {
+  SlackDirectory::People people(membersIn(answer));
+  QByteArray cache = encodeSlackUsers(people.list);
+  return {std::move(people), std::move(cache)};
+}
+
+Learnt<SlackDirectory::Rooms> learnRooms(const QByteArray& answer) {
+  SlackDirectory::Rooms rooms(channelsIn(answer));
+  QByteArray cache = encodeSlackChannels(rooms.list);
+  return {std::move(rooms), std::move(cache)};
 }
 
 }  // namespace
@@ -111,15 +134,17 @@ Task<std::optional<HttpError>> SlackManager::readWorkspace(QByteArray token, std
 
   const auto members = co_await call(u"users.list"_s, u"limit=500"_s, token, stop);
   if (!members) co_return members.error();
-  m_directory = SlackDirectory(membersIn(*members), channels());
-  m_with.settings.set(cacheKeyUsers, encodeSlackUsers(users()));
+  auto people = co_await readAnswer(*members, learnPeople);
+  m_directory.replace(std::move(people.half));
+  m_with.settings.set(cacheKeyUsers, people.cache);
   changed.notify();
 
   const auto conversations = co_await call(
       u"conversations.list"_s, u"types=public_channel,private_channel&limit=500"_s, token, stop);
   if (!conversations) co_return conversations.error();
-  m_directory = SlackDirectory(users(), channelsIn(*conversations));
-  m_with.settings.set(cacheKeyChannels, encodeSlackChannels(channels()));
+  auto rooms = co_await readAnswer(*conversations, learnRooms);
+  m_directory.replace(std::move(rooms.half));
+  m_with.settings.set(cacheKeyChannels, rooms.cache);
   changed.notify();
   co_return std::nullopt;
 }
@@ -136,6 +161,15 @@ Task<std::expected<QByteArray, HttpError>> SlackManager::call(QString method, QS
   auto answer = co_await m_with.session.send(request, std::move(stop));
   if (!answer) co_return std::unexpected(answer.error());
   co_return std::move(answer->body);
+}
+
+template <typename Read>
+Task<Read> SlackManager::readAnswer(QByteArray answer, Read (*read)(const QByteArray&)) {
+  if (!m_with.reader || answer.size() <= longestShortAnswer) co_return read(answer);
+  const auto reading = readElsewhere<Read>(m_with.reader->queue, m_with.reader->mainThread,
+                                           [answer, read] { return read(answer); });
+  auto learnt = co_await reading;
+  co_return learnt;
 }
 
 void SlackManager::disconnect() {

@@ -3,8 +3,9 @@
 //
 // There is one, made in the composition root. Observable: `changed` tells that a field may read
 // differently. Main thread only. A sync is suspended, not blocked, at its three requests; meanwhile
-// lookups see the directory as it stands, and each list is replaced in one piece. Requesting the
-// stop of connect() ends the request under way, which counts as a failed one.
+// lookups see the directory as it stands, and each list is replaced in one piece. An answer far
+// longer than a page should be is read on another thread. Requesting the stop of connect() ends the
+// request under way, which counts as a failed one.
 //
 // Failures are words in lastSyncError(). An answer that isn't what it should be is no failure: it
 // holds nobody. The token lives in the secure token store alone.
@@ -25,7 +26,9 @@ namespace vemo {
 
 class DebugLog;
 class HttpSession;
+class MainThread;
 class SecureTokenStore;
+class SerialQueue;
 struct DeploymentConfiguration;
 struct HttpError;
 
@@ -36,6 +39,12 @@ class SlackManager final : public MentionLookup {
   static constexpr keys::Data cacheKeyChannels = keys::slackCachedChannels;
   static constexpr keys::String cacheKeyWorkspace = keys::slackCachedWorkspace;
 
+  /// Another thread, and the one to come back to.
+  struct Reader {
+    SerialQueue& queue;
+    MainThread& mainThread;
+  };
+
   /// What it works with; all of it outlives the manager.
   struct Neighbours {
     SecureTokenStore& tokens;
@@ -43,6 +52,7 @@ class SlackManager final : public MentionLookup {
     DebugLog& debugLog;
     HttpSession& session;
     const DeploymentConfiguration& configuration;
+    std::optional<Reader> reader = {};  ///< of long answers; without one they are read at once
   };
 
   /// Brings an older version's token into the token store, and loads what the last sync has learnt.
@@ -74,6 +84,8 @@ class SlackManager final : public MentionLookup {
   Task<std::optional<HttpError>> readWorkspace(QByteArray token, std::stop_token stop);
   Task<std::expected<QByteArray, HttpError>> call(QString method, QString query, QByteArray token,
                                                   std::stop_token stop);
+  template <typename Read>
+  Task<Read> readAnswer(QByteArray answer, Read (*read)(const QByteArray&));
 
   Neighbours m_with;
   const StandardOutput m_standardOutput;

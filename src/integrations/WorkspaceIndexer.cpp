@@ -3,8 +3,8 @@
 #include <QFileInfo>
 #include <utility>
 
-#include "base/SerialQueue.h"
 #include "integrations/EditorProjects.h"
+#include "integrations/ReadElsewhere.h"
 #include "integrations/WorkspaceScanner.h"
 #include "ports/FocusedApplication.h"
 #include "ports/FolderChooser.h"
@@ -32,16 +32,6 @@ SplitPath split(QString path) {
   if (path == u"/") return {path, path};
   const auto slash = path.lastIndexOf(u'/');
   return {slash == 0 ? u"/"_s : path.left(slash), path.sliced(slash + 1)};
-}
-
-/// Awaits what `work` gives on the reader's thread.
-template <typename Result, typename Work>
-Completion<Result> readElsewhere(SerialQueue& reader, MainThread& mainThread, Work work) {
-  const Completion<Result> completion(mainThread);
-  reader.post([completion, &mainThread, work = std::move(work)] {
-    mainThread.post([completion, result = work()] { completion.complete(result); });
-  });
-  return completion;
 }
 
 }  // namespace

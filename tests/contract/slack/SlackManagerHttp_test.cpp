@@ -48,11 +48,13 @@ class SlackManagerHttpTest : public testing::Test {
   SecureTokenStore tokens{{&secrets}, storage.debugLog};
   DeploymentConfiguration configuration = DeploymentConfiguration::builtIn();
   QtHttpSession session{mainThread};
+  SerialQueue reader{"slack reader"};
   SlackManager slack{{.tokens = tokens,
                       .settings = storage.settings,
                       .debugLog = storage.debugLog,
                       .session = session,
-                      .configuration = configuration}};
+                      .configuration = configuration,
+                      .reader = SlackManager::Reader{reader, mainThread}}};
   TaskScope scope{mainThread};
 };
 

@@ -4,7 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <semaphore>
 
+#include "base/SerialQueue.h"
 #include "base/TaskScope.h"
 #include "fakes/FakeClock.h"
 #include "fakes/FakeHttpSession.h"
@@ -34,12 +36,13 @@ class SlackManagerTest : public testing::Test {
   void startAnew() {
     tokens =
         std::make_unique<SecureTokenStore>(std::vector<SecretBackend*>{&secrets}, storage.debugLog);
-    slack =
-        std::make_unique<SlackManager>(SlackManager::Neighbours{.tokens = *tokens,
-                                                                .settings = storage.settings,
-                                                                .debugLog = storage.debugLog,
-                                                                .session = http,
-                                                                .configuration = configuration});
+    slack = std::make_unique<SlackManager>(
+        SlackManager::Neighbours{.tokens = *tokens,
+                                 .settings = storage.settings,
+                                 .debugLog = storage.debugLog,
+                                 .session = http,
+                                 .configuration = configuration,
+                                 .reader = SlackManager::Reader{reader, mainThread}});
   }
 
   StartedTask beginConnect(const QString& token) {
@@ -72,6 +75,7 @@ class SlackManagerTest : public testing::Test {
   TestStorage storage{clock};
   FakeSecretBackend secrets;
   FakeHttpSession http{mainThread, clock};
+  SerialQueue reader{"slack reader"};
   const DeploymentConfiguration configuration = DeploymentConfiguration::builtIn();
   std::unique_ptr<SecureTokenStore> tokens;
   std::unique_ptr<SlackManager> slack;
@@ -223,6 +227,52 @@ TEST_F(SlackManagerTest, LookupsSeeTheOldDirectoryUntilEachListIsReplaced) {
   EXPECT_EQ(slack->resolveChannelMention(u"general"_s), std::nullopt);
   EXPECT_EQ(slack->resolveChannelMention(u"random"_s), u"#random"_s);
   EXPECT_EQ(result, true);
+}
+
+/// As long as `size` by white space alone.
+QByteArray padded(const QByteArray& answer, qsizetype size) {
+  return answer + QByteArray(size - answer.size(), ' ');
+}
+
+TEST_F(SlackManagerTest, AnAnswerFarLongerThanAPageIsReadOnAnotherThread) {
+  constexpr qsizetype longest = 1024 * 1024;
+  const QByteArray members = R"({"members":[{"id":"U1","name":"maria"}]})";
+  const QByteArray channels = R"({"channels":[{"id":"C1","name":"general"}]})";
+  http.answer(authTest, 200, R"({"team":"Ours"})");
+  http.answer(usersList, 200, padded(members, longest));
+  http.answer(conversationsList, 200, padded(channels, longest + 1));
+  std::binary_semaphore readerIsFree(0);
+  reader.post([&readerIsFree] { readerIsFree.acquire(); });
+  beginConnect(u"xoxp-1"_s);
+  EXPECT_THAT(slack->users(), SizeIs(1)) << "an answer of a mebibyte is read at once";
+  EXPECT_THAT(slack->channels(), IsEmpty());
+  EXPECT_TRUE(slack->isSyncing());
+  EXPECT_EQ(slack->resolveUserMention(u"maria"_s), u"@maria"_s);
+
+  readerIsFree.release();
+  reader.waitUntilIdle();
+  mainThread.drain();
+  EXPECT_EQ(result, true);
+  EXPECT_EQ(slack->resolveChannelMention(u"general"_s), u"#general"_s);
+}
+
+TEST_F(SlackManagerTest, AManagerThatGoesAwayWhileALongAnswerIsReadIsNotMissed) {
+  http.answer(authTest, 200, R"({"team":"Ours"})");
+  http.answer(usersList, 200, padded(R"({"members":[]})", 2 * 1024 * 1024));
+  std::binary_semaphore readerIsFree(0);
+  reader.post([&readerIsFree] { readerIsFree.acquire(); });
+  {
+    TaskScope shortLived(mainThread);
+    shortLived.start([this](std::stop_token stop) {
+      return keep(&result, slack->connect(u"xoxp-1"_s, std::move(stop)));
+    });
+    mainThread.drain();
+  }
+  slack.reset();
+  readerIsFree.release();
+  reader.waitUntilIdle();
+  mainThread.drain();
+  EXPECT_EQ(result, std::nullopt);
 }
 
 TEST_F(SlackManagerTest, TwoSyncsMayRunAtOnce) {
