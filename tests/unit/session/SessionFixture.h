@@ -1,4 +1,4 @@
-// A whole session on fakes: AppState with its real neighbours, over ports that a test drives.
+// A whole session on fakes, in a time that the test moves.
 #pragma once
 
 #include <gmock/gmock.h>
@@ -6,44 +6,13 @@
 
 #include <QDateTime>
 #include <cmath>
-#include <memory>
 #include <string>
 #include <vector>
 
-#include "account/AuthManager.h"
 #include "base/Json.h"
-#include "desktop/HotkeyManager.h"
-#include "desktop/PermissionsManager.h"
-#include "desktop/TextInjector.h"
-#include "fakes/FakeApplicationWindows.h"
-#include "fakes/FakeAudioInput.h"
-#include "fakes/FakeClipboard.h"
 #include "fakes/FakeClock.h"
-#include "fakes/FakeFileTagLookup.h"
-#include "fakes/FakeFocusedApplication.h"
-#include "fakes/FakeHaptics.h"
-#include "fakes/FakeHttpSession.h"
-#include "fakes/FakeInputDevice.h"
-#include "fakes/FakeKeyEventSource.h"
-#include "fakes/FakeKeyPoster.h"
-#include "fakes/FakeLoneModifier.h"
-#include "fakes/FakeRecordingIndicator.h"
-#include "fakes/FakeSecretBackend.h"
-#include "fakes/FakeSecureInput.h"
-#include "fakes/FakeSounds.h"
-#include "fakes/FakeSystemEvents.h"
-#include "fakes/FakeSystemPermissions.h"
-#include "fakes/TelemetryOnFakes.h"
-#include "fakes/TestStorage.h"
-#include "integrations/SlackManager.h"
-#include "ports/SystemInformation.h"
-#include "session/AppState.h"
 #include "session/DictationRemoteControl.h"
-#include "shaping/ContextProcessor.h"
-#include "storage/DeploymentConfiguration.h"
-#include "storage/SecureTokenStore.h"
-#include "storage/SettingsKeys.h"
-#include "transcription/TranscriptionClient.h"
+#include "session/SessionOnFakes.h"
 
 namespace vemo {
 
@@ -57,71 +26,19 @@ inline QByteArray success(const QString& text) {
   return compactJson(QJsonObject{{u"status"_s, u"success"_s}, {u"transcription"_s, text}});
 }
 
-class SessionFixture : public testing::Test {
+/// A base, so that it is there before the session.
+struct FakeTime {
+  FakeMainThread mainThread;
+  FakeClock clock{mainThread};
+};
+
+class SessionFixture : public testing::Test, protected FakeTime, protected SessionOnFakes {
  protected:
-  SessionFixture() {
-    secrets.add(u"brelmox.Vemo"_s, u"authToken"_s, "token");
-    inputDevice.setTransport(InputTransport::Usb);
-    sounds.resources = {u"vemo_start"_s, u"vemo_stop"_s};
-  }
+  SessionFixture() : SessionOnFakes(FakeTime::mainThread, FakeTime::clock) {}
 
   /// Makes the session; what a test sets up before counts as there at the start.
   void startUp() {
-    tokens =
-        std::make_unique<SecureTokenStore>(std::vector<SecretBackend*>{&secrets}, storage.debugLog);
-    auth = std::make_unique<AuthManager>(*tokens, storage.settings);
-    slack = std::make_unique<SlackManager>(SlackManager::Neighbours{
-        .tokens = *tokens,
-        .settings = storage.settings,
-        .debugLog = storage.debugLog,
-        .session = http,
-        .configuration = configuration,
-    });
-    contextProcessor = std::make_unique<ContextProcessor>(ContextProcessor::Neighbours{
-        .applications = applications,
-        .settings = storage.settings,
-        .files = files,
-        .directory = *slack,
-        .clock = clock,
-        .debugLog = storage.debugLog,
-    });
-    permissions = std::make_unique<PermissionsManager>(system, clock, mainThread, telemetry);
-    client = std::make_unique<TranscriptionClient>(TranscriptionClient::Neighbours{
-        .session = *dictationSession,
-        .hedgeSession = *dictationHedgeSession,
-        .clock = clock,
-        .mainThread = mainThread,
-        .telemetry = telemetry,
-        .debugLog = storage.debugLog,
-        .sources = {.settings = storage.settings,
-                    .tokens = *tokens,
-                    .configuration = configuration,
-                    .focusedApplication = applications,
-                    .inputDevice = inputDevice,
-                    .system = information},
-    });
-    appState = std::make_unique<AppState>(AppStateNeighbours{
-        .mainThread = mainThread,
-        .clock = clock,
-        .settings = storage.settings,
-        .debugLog = storage.debugLog,
-        .telemetry = telemetry,
-        .permissions = *permissions,
-        .auth = *auth,
-        .hotkey = hotkey,
-        .recorder = recorder,
-        .client = *client,
-        .contextProcessor = *contextProcessor,
-        .injector = injector,
-        .slack = *slack,
-        .hud = hud,
-        .clipboard = clipboard,
-        .sounds = sounds,
-        .haptics = haptics,
-        .windows = windows,
-        .systemEvents = systemEvents,
-    });
-    appState->bootstrap();
+    SessionOnFakes::startUp();
     mainThread.drain();
     hud.takeCalls();
     takeEvents();
@@ -180,47 +97,6 @@ class SessionFixture : public testing::Test {
     }
     return events;
   }
-
-  FakeMainThread mainThread;
-  FakeClock clock{mainThread};
-  TestStorage storage{clock};
-  TelemetryOnFakes telemetryOnFakes{mainThread, clock, storage};
-  Telemetry& telemetry = telemetryOnFakes.telemetry;
-  FakeSecretBackend secrets;
-  FakeSystemPermissions system;
-  FakeHttpSession http{mainThread, clock};
-  FakeHttpSession hedgeHttp{mainThread, clock};
-  /// What dictations go over; a test with a network of its own says so before startUp().
-  HttpSession* dictationSession = &http;
-  HttpSession* dictationHedgeSession = &hedgeHttp;
-  FakeFocusedApplication applications;
-  FakeInputDevice inputDevice;
-  FakeAudioInput audioInput;
-  FakeClipboard clipboard{clock};
-  FakeKeyPoster keyPoster{clock};
-  FakeSecureInput secureInput;
-  FakeSounds sounds;
-  FakeHaptics haptics;
-  FakeApplicationWindows windows;
-  FakeSystemEvents systemEvents;
-  FakeRecordingIndicator hud;
-  const SystemInformation information{u"12.8.0"_s, u"1.2.0"_s, u"34"_s};
-  const DeploymentConfiguration configuration = DeploymentConfiguration::builtIn();
-  FakeKeyEventSource keySource;
-  FakeLoneModifier loneModifier;
-  HotkeyManager hotkey{keySource,  loneModifier,     clock,
-                       mainThread, storage.settings, storage.debugLog};
-  AudioRecorder recorder{audioInput, mainThread, clock, storage.debugLog};
-  FakeFileTagLookup files;
-  TextInjector injector{clipboard, keyPoster,  secureInput,     system,
-                        clock,     mainThread, storage.debugLog};
-  std::unique_ptr<SecureTokenStore> tokens;
-  std::unique_ptr<AuthManager> auth;
-  std::unique_ptr<SlackManager> slack;
-  std::unique_ptr<ContextProcessor> contextProcessor;
-  std::unique_ptr<PermissionsManager> permissions;
-  std::unique_ptr<TranscriptionClient> client;
-  std::unique_ptr<AppState> appState;
 
  private:
   std::size_t m_seenEvents = 0;
