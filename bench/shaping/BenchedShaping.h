@@ -5,15 +5,14 @@
 #include <QJsonObject>
 #include <QTemporaryDir>
 #include <algorithm>
-#include <chrono>
 #include <optional>
 #include <vector>
 
+#include "Stopwatch.h"
 #include "base/Json.h"
 #include "fakes/FakeFocusedApplication.h"
-#include "integrations/FileTagLookup.h"
+#include "integrations/FolderFiles.h"
 #include "integrations/SlackDirectory.h"
-#include "integrations/WorkspaceFiles.h"
 #include "plain/PlainLookups.h"
 #include "platform/qt/QtClock.h"
 #include "platform/qt/QtMainThread.h"
@@ -25,14 +24,6 @@
 namespace vemo {
 
 using namespace Qt::Literals::StringLiterals;
-
-template <typename Work>
-double millisecondsFor(Work&& work) {
-  const auto start = std::chrono::steady_clock::now();
-  work();
-  return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start)
-      .count();
-}
 
 /// The shortest of many rounds: what a busy machine adds doesn't count.
 template <typename Work>
@@ -52,29 +43,18 @@ inline QByteArray entryList(qsizetype count, const QString& heardKey, const QStr
   return compactJson(array);
 }
 
-class IndexedFiles final : public FileTagLookup {
- public:
-  explicit IndexedFiles(const QStringList& names) : m_files(u"/project"_s) {
-    const auto folder = m_files.addFolder("/project");
-    for (const QString& name : names) m_files.addFile(folder, name.toStdString());
-    m_files.finish();
-  }
-
-  void refreshActiveWorkspace() override {}
-  std::optional<QString> resolveFileTag(const QString& spokenName,
-                                        const QString& spokenExtension) const override {
-    const auto place = m_files.find(spokenName, spokenExtension);
-    return place ? std::optional(u'@' + m_files.fileName(*place)) : std::nullopt;
-  }
-
- private:
-  WorkspaceFiles m_files;
-};
+inline WorkspaceFiles filesNamed(const QStringList& names) {
+  WorkspaceFiles files(u"/project"_s);
+  const auto folder = files.addFolder("/project");
+  for (const QString& name : names) files.addFile(folder, name.toStdString());
+  files.finish();
+  return files;
+}
 
 class BenchedShaping {
  public:
   BenchedShaping(const QStringList& fileNames, SlackUsers users, SlackChannels channels)
-      : files(fileNames), directory(std::move(users), std::move(channels)) {
+      : files(filesNamed(fileNames)), directory(std::move(users), std::move(channels)) {
     applications.setFrontmost(
         RunningApplication{.identifier = u"com.example.code"_s, .name = u"Code"_s});
   }
@@ -85,7 +65,7 @@ class BenchedShaping {
   DebugLog debugLog{clock, folder.path()};
   Settings settings{folder.filePath(u"settings.json"_s), debugLog};
   FakeFocusedApplication applications;
-  IndexedFiles files;
+  FolderFiles files;
   SlackDirectory directory;
   ContextProcessor processor{{.applications = applications,
                               .settings = settings,

@@ -142,6 +142,13 @@ std::optional<Place> WorkspaceFiles::find(const QString& spokenName,
   return exact ? exact : findLoose(query);
 }
 
+std::optional<QString> WorkspaceFiles::tagFor(const QString& spokenName,
+                                              const QString& spokenExtension) const {
+  const auto place = find(spokenName, spokenExtension);
+  if (!place) return std::nullopt;
+  return u'@' + fileName(*place);
+}
+
 bool WorkspaceFiles::isExact(const File& file, const Query& query) const {
   if (foldedName(nameOf(file)) == query.fileName) return true;
   if (foldedBaseOf(file) != query.name) return false;

@@ -47,6 +47,9 @@ class WorkspaceFiles {
   /// so, or else of those whose name has the spoken one in it.
   std::optional<Place> find(const QString& spokenName, const QString& spokenExtension) const;
 
+  /// "@" and that file's name.
+  std::optional<QString> tagFor(const QString& spokenName, const QString& spokenExtension) const;
+
   /// How many bytes it occupies.
   std::size_t memoryUsed() const;
 

@@ -63,9 +63,7 @@ void WorkspaceIndexer::refreshActiveWorkspace() {
 
 std::optional<QString> WorkspaceIndexer::resolveFileTag(const QString& spokenName,
                                                         const QString& spokenExtension) const {
-  const auto place = m_indexedFiles->find(spokenName, spokenExtension);
-  if (!place) return std::nullopt;
-  return u'@' + m_indexedFiles->fileName(*place);
+  return m_indexedFiles->tagFor(spokenName, spokenExtension);
 }
 
 void WorkspaceIndexer::chooseCustomWorkspace() {

@@ -6,9 +6,8 @@
 #include <stop_token>
 
 #include "ShapeOptions.h"
-#include "integrations/FileTagLookup.h"
+#include "integrations/FolderFiles.h"
 #include "integrations/SlackDirectory.h"
-#include "integrations/WorkspaceFiles.h"
 #include "integrations/WorkspaceScanner.h"
 #include "platform/qt/QtClock.h"
 #include "platform/qt/QtMainThread.h"
@@ -48,22 +47,6 @@ class NamedApplication final : public FocusedApplication {
 
  private:
   RunningApplication m_application;
-};
-
-/// The files that a folder had when the program started.
-class FolderFiles final : public FileTagLookup {
- public:
-  explicit FolderFiles(WorkspaceFiles files) : m_files(std::move(files)) {}
-
-  void refreshActiveWorkspace() override {}
-  std::optional<QString> resolveFileTag(const QString& spokenName,
-                                        const QString& spokenExtension) const override {
-    const auto place = m_files.find(spokenName, spokenExtension);
-    return place ? std::optional(u'@' + m_files.fileName(*place)) : std::nullopt;
-  }
-
- private:
-  WorkspaceFiles m_files;
 };
 
 }  // namespace

@@ -1,7 +1,7 @@
 // vemo-shape: shows what Vemo's rules, and the user's own lists, make of a transcript.
 //
 // Exit status: 0 the text is on standard output; 1 it couldn't be written; 2 something that was
-// given can't be used, and a line on standard error says what.
+// given can't be used. In both cases a line on standard error says what.
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -19,12 +19,18 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-constexpr int cantWrite = 1;
-constexpr int cantUse = 2;
+void complain(const QString& reason) {
+  std::fprintf(stderr, "vemo-shape: %s\n", qUtf8Printable(reason));
+}
 
 int refuse(const QString& reason) {
-  std::fprintf(stderr, "vemo-shape: %s\n", qUtf8Printable(reason));
-  return cantUse;
+  complain(reason);
+  return 2;
+}
+
+int cantWrite(const QString& reason) {
+  complain(u"standard output can't be written: "_s + reason);
+  return 1;
 }
 
 /// Standard output for the text alone: what parts of the program print elsewhere goes nowhere.
@@ -50,7 +56,7 @@ bool writeAll(QFile& output, const QByteArray& bytes) {
 int shapeWhole(vemo::TextShaper& shaper, QFile& input, QFile& output) {
   const auto text = decoded(input.readAll());
   if (!text) return refuse(u"standard input isn't UTF-8"_s);
-  return writeAll(output, shaper.shape(*text).toUtf8()) ? 0 : cantWrite;
+  return writeAll(output, shaper.shape(*text).toUtf8()) ? 0 : cantWrite(output.errorString());
 }
 
 int shapeLines(vemo::TextShaper& shaper, QFile& input, QFile& output) {
@@ -62,7 +68,8 @@ int shapeLines(vemo::TextShaper& shaper, QFile& input, QFile& output) {
     const auto text = vemo::parseJsonString(line);
     if (!text) return refuse(u"line %1 of standard input isn't a JSON string"_s.arg(number));
     const QByteArray shaped = vemo::jsonString(shaper.shape(*text));
-    if (!writeAll(output, hasLineEnd ? shaped + '\n' : shaped)) return cantWrite;
+    if (!writeAll(output, hasLineEnd ? shaped + '\n' : shaped))
+      return cantWrite(output.errorString());
   }
 }
 
@@ -82,7 +89,7 @@ int main(int argc, char* argv[]) {
   QFile output;
   if (!outputDescriptor ||
       !output.open(*outputDescriptor, QIODevice::WriteOnly, QFile::AutoCloseHandle))
-    return cantWrite;
+    return cantWrite(output.errorString());
   if (!input.open(STDIN_FILENO, QIODevice::ReadOnly)) return refuse(u"standard input is closed"_s);
   const auto shaper = vemo::TextShaper::create(*options);
   if (!shaper) return refuse(u"there is no place for temporary files"_s);

@@ -128,6 +128,14 @@ class ShapeTest(unittest.TestCase):
         self.refused("--set", "integrationSlack=maybe")
         self.refused("--set", "showInDock=false")
 
+    def test_a_text_that_cant_be_written_is_no_success(self):
+        for options in ([], ["--jsonl"]):
+            with open("/dev/full", "wb") as full:
+                done = subprocess.run([PROGRAM, *options], input=b'"memo"', stdout=full,
+                                      stderr=subprocess.PIPE, timeout=60)
+            self.assertEqual(done.returncode, 1)
+            self.assertEqual(done.stderr, b"vemo-shape: standard output can't be written: No space left on device\n")
+
     def test_help_names_every_option(self):
         usage = self.shaped("", "--help").decode()
         for option in ("--bundle-id", "--app-name", "--dictionary", "--snippets", "--slack",
