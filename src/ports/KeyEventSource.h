@@ -1,5 +1,5 @@
 // Every key event of the login session, heard and never held back: the application in front sees
-// each of them.
+// each of them. A held key that repeats is told once; keys that Vemo posts itself aren't told.
 //
 // Main thread only; the callbacks run on it. The owner sets them once, before start().
 #pragma once
@@ -40,7 +40,7 @@ class KeyEventSource {
   /// Ends it: no callback runs any more, from this call on. Harmless when nothing was started.
   virtual void stop() = 0;
 
-  /// What is held at this moment, on any keyboard.
+  /// What is held at this moment, on any keyboard. Nothing while the source isn't started.
   virtual ModifierFlags modifierFlags() const = 0;
 };
 

@@ -172,7 +172,13 @@ void X11Connection::readEvents() {
     m_events.emplace_back(event);
   if (!isAlive()) {
     // A dead socket stays readable for ever.
-    m_notifier->setEnabled(false);
+    if (m_notifier->isEnabled()) {
+      m_notifier->setEnabled(false);
+      const auto tell = [this] {
+        if (m_closedHandler) m_closedHandler();
+      };
+      QMetaObject::invokeMethod(m_notifier.get(), tell, Qt::QueuedConnection);
+    }
   } else if (!wereEvents && !m_events.empty()) {
     // What has been read no longer wakes the notifier.
     QMetaObject::invokeMethod(m_notifier.get(), [this] { processEvents(); }, Qt::QueuedConnection);

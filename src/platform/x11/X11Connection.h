@@ -83,6 +83,9 @@ class X11Connection {
                                       qsizetype maximumBytes);
 
   void setEventHandler(EventHandler handler) { m_handler = std::move(handler); }
+  /// Called once, from the event loop, when the server is found gone. The connection is still there
+  /// when the call returns.
+  void setClosedHandler(std::function<void()> handler) { m_closedHandler = std::move(handler); }
   /// Handles all events that have arrived, without waiting for more.
   void processEvents();
   /// Handles events until `isDone` or the time is up. Returns whether it was done.
@@ -106,6 +109,7 @@ class X11Connection {
   std::unique_ptr<QSocketNotifier> m_notifier;
   std::deque<X11Pointer<xcb_generic_event_t>> m_events;
   EventHandler m_handler;
+  std::function<void()> m_closedHandler;
   bool m_isStalled = false;  ///< a reply was waited for in vain, and nothing has come since
   QHash<QByteArray, xcb_atom_t> m_atoms;
   QHash<xcb_atom_t, QByteArray> m_atomNames;

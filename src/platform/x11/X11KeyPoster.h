@@ -19,6 +19,9 @@ class X11KeyPoster : public KeyPoster {
   std::unique_ptr<PasteKeystroke> makePaste() override;
   bool canPost() const override;
 
+  /// What it posts with; the keys are announced at its connection's window.
+  const std::shared_ptr<X11Keyboard>& keyboard() const { return m_keyboard; }
+
  private:
   explicit X11KeyPoster(std::shared_ptr<X11Keyboard> keyboard) : m_keyboard(std::move(keyboard)) {}
 

@@ -1,20 +1,17 @@
 #include "platform/x11/X11Keyboard.h"
 
-#include <xcb/xinput.h>
 #include <xcb/xtest.h>
 
 #include <ranges>
 #include <utility>
 
+#include "platform/x11/X11OwnKeys.h"
 #include "platform/x11/XcbXkb.h"
 
 namespace vemo {
 
 namespace {
 
-/// From 2.2 on raw events also come while another program has grabbed the keyboard.
-constexpr std::uint16_t inputMajorVersion = 2;
-constexpr std::uint16_t inputMinorVersion = 2;
 constexpr std::uint8_t allModifiers = 0xFF;
 
 }  // namespace
@@ -22,22 +19,17 @@ constexpr std::uint8_t allModifiers = 0xFF;
 std::shared_ptr<X11Keyboard> X11Keyboard::create(const QByteArray& displayName) {
   auto connection = X11Connection::create(displayName);
   if (!connection || !connection->extension(xcb_test_id)) return nullptr;
-  const auto input = connection->extension(xcb_input_id);
+  const auto input = X11RawInput::create(*connection);
   if (!input) return nullptr;
-  const auto version = connection->reply<xcb_input_xi_query_version_reply_t>(
-      xcb_input_xi_query_version(connection->xcb(), inputMajorVersion, inputMinorVersion).sequence);
-  if (!version || std::pair(version->major_version, version->minor_version) <
-                      std::pair(inputMajorVersion, inputMinorVersion))
-    return nullptr;
   auto keymap = X11Keymap::create(*connection);
   if (!keymap) return nullptr;
   return std::shared_ptr<X11Keyboard>(
-      new X11Keyboard(std::move(connection), std::move(keymap), input->major_opcode));
+      new X11Keyboard(std::move(connection), std::move(keymap), *input));
 }
 
 X11Keyboard::X11Keyboard(std::unique_ptr<X11Connection> connection,
-                         std::unique_ptr<X11Keymap> keymap, std::uint8_t inputOpcode)
-    : m_connection(std::move(connection)), m_keymap(std::move(keymap)), m_inputOpcode(inputOpcode) {
+                         std::unique_ptr<X11Keymap> keymap, X11RawInput input)
+    : m_connection(std::move(connection)), m_keymap(std::move(keymap)), m_input(input) {
   m_connection->setEventHandler([this](const xcb_generic_event_t& event) { handleEvent(event); });
   m_connection->synchronize();
 }
@@ -47,10 +39,10 @@ X11Keyboard::~X11Keyboard() {
   m_connection->setEventHandler({});
 }
 
-X11Keyboard::Keys X11Keyboard::pressedKeys() {
+X11Keys X11Keyboard::pressedKeys() {
   const auto request = xcb_query_keymap(m_connection->xcb());
   const auto answer = m_connection->reply<xcb_query_keymap_reply_t>(request.sequence);
-  Keys keys;
+  X11Keys keys;
   if (!answer) return keys;
   m_readAt = request.sequence;
   for (std::size_t code = 0; code < keys.size(); ++code)
@@ -60,7 +52,7 @@ X11Keyboard::Keys X11Keyboard::pressedKeys() {
 
 ModifierFlags X11Keyboard::heldModifiers() {
   m_connection->processEvents();
-  const Keys pressed = pressedKeys();
+  const X11Keys pressed = pressedKeys();
   ModifierFlags flags = 0;
   for (std::size_t code = 0; code < pressed.size(); ++code) {
     if (pressed[code]) flags |= m_keymap->modifierFlag(static_cast<xcb_keycode_t>(code));
@@ -126,13 +118,24 @@ void X11Keyboard::releaseChord(const KeyChord& chord) {
   stopWatchingWhenIdle();
 }
 
+void X11Keyboard::strikeMeaninglessKey() {
+  m_connection->processEvents();
+  const auto code = m_keymap->meaninglessKey();
+  if (!code) return;
+  post(Strike::Press, *code);
+  post(Strike::Release, *code);
+  if (!m_isWatching) m_posted.clear();
+  m_connection->flush();
+}
+
 void X11Keyboard::post(Strike strike, xcb_keycode_t code) {
   const std::uint8_t event = strike == Strike::Press ? XCB_KEY_PRESS : XCB_KEY_RELEASE;
+  X11OwnKeys::announce(*m_connection, strike, code);
   m_posted.insert(xcb_test_fake_input(m_connection->xcb(), event, code, XCB_CURRENT_TIME,
                                       m_connection->root(), 0, 0, 0)
                       .sequence);
-  // Moves the sequence on, so that no event of the user carries the number of one of ours.
-  xcb_no_operation(m_connection->xcb());
+  // Moves the sequence on, too, so that no event of the user carries the number of one of ours.
+  X11OwnKeys::conclude(*m_connection);
 }
 
 void X11Keyboard::lock(X11Keymap::Group group, std::uint8_t affectedModifiers,
@@ -143,27 +146,16 @@ void X11Keyboard::lock(X11Keymap::Group group, std::uint8_t affectedModifiers,
 
 void X11Keyboard::watchUsersKeys(bool isWatching) {
   m_isWatching = isWatching;
-  struct {
-    xcb_input_event_mask_t head{XCB_INPUT_DEVICE_ALL_MASTER, 1};
-    std::uint32_t mask = 0;
-  } selection;
-  if (isWatching) {
-    selection.mask =
-        XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE;
-  }
-  xcb_input_xi_select_events(m_connection->xcb(), m_connection->root(), 1, &selection.head);
+  m_input.selectKeys(isWatching);
 }
 
 void X11Keyboard::handleEvent(const xcb_generic_event_t& event) {
   m_keymap->handleEvent(event);
-  if (event.response_type != XCB_GE_GENERIC || !m_isWatching) return;
-  const auto& raw = reinterpret_cast<const xcb_input_raw_key_press_event_t&>(event);
-  if (raw.extension != m_inputOpcode || raw.detail > 255) return;
-  if (X11Connection::isBefore(raw.full_sequence, m_readAt) || m_posted.contains(raw.full_sequence))
+  const auto key = m_isWatching ? m_input.keyEvent(event) : std::nullopt;
+  if (!key || key->keyCode >= m_usersKeys.size()) return;
+  if (X11Connection::isBefore(key->fullSequence, m_readAt) || m_posted.contains(key->fullSequence))
     return;
-  const auto code = static_cast<xcb_keycode_t>(raw.detail);
-  if (raw.event_type == XCB_INPUT_RAW_KEY_PRESS) handleUsersKey(Strike::Press, code);
-  if (raw.event_type == XCB_INPUT_RAW_KEY_RELEASE) handleUsersKey(Strike::Release, code);
+  handleUsersKey(key->strike, static_cast<xcb_keycode_t>(key->keyCode));
 }
 
 void X11Keyboard::handleUsersKey(Strike strike, xcb_keycode_t code) {

@@ -3,11 +3,11 @@
 // Main thread only; shared by the X11KeyPoster and its keystrokes. Posted keys come from a keyboard
 // of their own, the server's virtual one, and merge with those of the user's keyboards. So for as
 // long as a chord is down, and while a modifier is held on the user's behalf afterwards, this class
-// listens to what the user's keys really do; it listens to nothing at any other time. When the
-// server goes, the calls do nothing.
+// listens to what the user's keys really do; it listens to nothing at any other time. Every posted
+// key is announced (X11OwnKeys) at the connection's window. When the server goes, the calls do
+// nothing.
 #pragma once
 
-#include <bitset>
 #include <cstdint>
 #include <memory>
 #include <set>
@@ -15,6 +15,7 @@
 
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11Keymap.h"
+#include "platform/x11/X11RawInput.h"
 
 namespace vemo {
 
@@ -49,14 +50,14 @@ class X11Keyboard {
   /// Lifts the chord, and presses the modifiers again that the user still holds.
   void releaseChord(const KeyChord& chord);
 
+  /// Presses and releases a key that has no symbol; none when every key has one.
+  void strikeMeaninglessKey();
+
  private:
-  using Keys = std::bitset<256>;
-  enum class Strike { Press, Release };
-
   X11Keyboard(std::unique_ptr<X11Connection> connection, std::unique_ptr<X11Keymap> keymap,
-              std::uint8_t inputOpcode);
+              X11RawInput input);
 
-  Keys pressedKeys();
+  X11Keys pressedKeys();
   void post(Strike strike, xcb_keycode_t code);
   void lock(X11Keymap::Group group, std::uint8_t affectedModifiers, std::uint8_t modifiers);
   void watchUsersKeys(bool isWatching);
@@ -66,10 +67,10 @@ class X11Keyboard {
 
   std::unique_ptr<X11Connection> m_connection;
   std::unique_ptr<X11Keymap> m_keymap;
-  const std::uint8_t m_inputOpcode;
+  X11RawInput m_input;
   bool m_isChordDown = false;
   bool m_isWatching = false;
-  Keys m_usersKeys;                    ///< what the user holds, kept while watching
+  X11Keys m_usersKeys;                 ///< what the user holds, kept while watching
   std::uint32_t m_readAt = 0;          ///< sequence of the request that m_usersKeys began with
   std::set<std::uint32_t> m_posted;    ///< sequences of our own key events, kept while watching
   std::set<xcb_keycode_t> m_lifted;    ///< keys that the chord took from the user, or used itself

@@ -96,23 +96,27 @@ std::optional<X11Keymap::Key> X11Keymap::findKey(xkb_keysym_t symbol, Group grou
   return std::nullopt;
 }
 
-std::optional<X11Keymap::Key> X11Keymap::lendKey(xkb_keysym_t symbol, xkb_keysym_t shiftedSymbol,
-                                                 Group group) {
+std::optional<xcb_keycode_t> X11Keymap::meaninglessKey() {
   xkb_keymap* keymap = current();
   if (!keymap) return std::nullopt;
   for (unsigned int code = std::min<xkb_keycode_t>(xkb_keymap_max_keycode(keymap), 255);
        code >= xkb_keymap_min_keycode(keymap); --code) {
-    if (xkb_keymap_num_layouts_for_key(keymap, code) > 0) continue;
-    const auto key = static_cast<xcb_keycode_t>(code);
-    const std::array<xcb_keysym_t, 2> symbols{symbol, shiftedSymbol};
-    xcb_change_keyboard_mapping(m_connection.xcb(), 1, key, symbols.size(), symbols.data());
-    m_connection.synchronize();
-    m_connection.processEvents();
-    m_lentKey = key;
-    m_lentSymbol = symbol;
-    return Key{key, group};
+    if (xkb_keymap_num_layouts_for_key(keymap, code) == 0) return static_cast<xcb_keycode_t>(code);
   }
   return std::nullopt;
+}
+
+std::optional<X11Keymap::Key> X11Keymap::lendKey(xkb_keysym_t symbol, xkb_keysym_t shiftedSymbol,
+                                                 Group group) {
+  const auto key = meaninglessKey();
+  if (!key) return std::nullopt;
+  const std::array<xcb_keysym_t, 2> symbols{symbol, shiftedSymbol};
+  xcb_change_keyboard_mapping(m_connection.xcb(), 1, *key, symbols.size(), symbols.data());
+  m_connection.synchronize();
+  m_connection.processEvents();
+  m_lentKey = key;
+  m_lentSymbol = symbol;
+  return Key{*key, group};
 }
 
 X11Keymap::Group X11Keymap::groupCount() {

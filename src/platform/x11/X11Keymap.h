@@ -38,6 +38,9 @@ class X11Keymap {
   /// target may look the symbol up long after the key has gone up. Absent when no key is free.
   std::optional<Key> lendKey(xkb_keysym_t symbol, xkb_keysym_t shiftedSymbol, Group group);
 
+  /// A key that has no symbol, whatever else is held. Absent when every key has one.
+  std::optional<xcb_keycode_t> meaninglessKey();
+
   Group groupCount();
   /// Whether the key acts while it's held, and only then: Shift, Control, Alt, AltGr, not Caps
   /// Lock.

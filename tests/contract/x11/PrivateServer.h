@@ -2,20 +2,19 @@
 #pragma once
 
 #include <signal.h>
+#include <xcb/xtest.h>
 
 #include <QProcess>
 
 #include "contract/x11/EventLoop.h"
+#include "platform/x11/X11Connection.h"
 
 namespace vemo {
 
 class PrivateServer {
  public:
   PrivateServer() {
-    using namespace Qt::Literals::StringLiterals;
-    m_process.start(u"Xvfb"_s, {u"-displayfd"_s, u"1"_s, u"-nolisten"_s, u"tcp"_s, u"-screen"_s,
-                                u"0"_s, u"640x480x24"_s});
-    EventLoop::runUntil([this] { return m_process.canReadLine(); });
+    launch({});
     m_display = ":" + m_process.readLine().trimmed();
   }
   ~PrivateServer() {
@@ -29,6 +28,18 @@ class PrivateServer {
     m_process.kill();
     EventLoop::runUntil([this] { return m_process.state() == QProcess::NotRunning; });
   }
+  /// Another server on the same display.
+  void restart() { launch({QString::fromUtf8(m_display)}); }
+
+  /// Presses and releases a key by XTest.
+  void strikeKey(xcb_keycode_t code) {
+    const auto connection = X11Connection::create(m_display);
+    if (!connection) return;
+    for (const std::uint8_t event : {XCB_KEY_PRESS, XCB_KEY_RELEASE})
+      xcb_test_fake_input(connection->xcb(), event, code, 0, connection->root(), 0, 0, 0);
+    connection->synchronize();
+  }
+
   /// While stopped, the server takes requests and answers none.
   void stopAnswering(bool isStopped = true) {
     if (m_process.processId() > 0)
@@ -36,6 +47,14 @@ class PrivateServer {
   }
 
  private:
+  void launch(const QStringList& display) {
+    using namespace Qt::Literals::StringLiterals;
+    m_process.start(u"Xvfb"_s,
+                    display + QStringList{u"-displayfd"_s, u"1"_s, u"-nolisten"_s, u"tcp"_s,
+                                          u"-screen"_s, u"0"_s, u"640x480x24"_s});
+    EventLoop::runUntil([this] { return m_process.canReadLine(); });
+  }
+
   QProcess m_process;
   QByteArray m_display;
 };

@@ -40,16 +40,27 @@ void VirtualUser::chooseGroup(unsigned int group) {
 }
 
 void VirtualUser::press(xkb_keysym_t key) {
-  const xcb_keycode_t code = codeOf(key);
+  pressPlace(codeOf(key));
+}
+
+void VirtualUser::release(xkb_keysym_t key) {
+  releasePlace(codeOf(key));
+}
+
+void VirtualUser::pressPlace(xcb_keycode_t code) {
   m_held.insert(code);
   xcb_test_fake_input(m_connection->xcb(), XCB_KEY_PRESS, code, 0, m_connection->root(), 0, 0, 0);
   m_connection->synchronize();
 }
 
-void VirtualUser::release(xkb_keysym_t key) {
-  const xcb_keycode_t code = codeOf(key);
+void VirtualUser::releasePlace(xcb_keycode_t code) {
   m_held.erase(code);
   xcb_test_fake_input(m_connection->xcb(), XCB_KEY_RELEASE, code, 0, m_connection->root(), 0, 0, 0);
+  m_connection->synchronize();
+}
+
+void VirtualUser::giveSymbol(xcb_keycode_t code, xkb_keysym_t symbol) {
+  xcb_change_keyboard_mapping(m_connection->xcb(), 1, code, 1, &symbol);
   m_connection->synchronize();
 }
 

@@ -28,6 +28,11 @@ class VirtualUser {
   void press(xkb_keysym_t key);
   void release(xkb_keysym_t key);
   xcb_keycode_t codeOf(xkb_keysym_t key);
+  /// The key with that code, whatever it gives.
+  void pressPlace(xcb_keycode_t code);
+  void releasePlace(xcb_keycode_t code);
+  /// Until the next chooseLayout().
+  void giveSymbol(xcb_keycode_t code, xkb_keysym_t symbol);
 
   /// The codes of the keys that are down, by the server's word.
   std::set<xcb_keycode_t> keysDown();
