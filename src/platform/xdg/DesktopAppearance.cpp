@@ -12,26 +12,31 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-// org.freedesktop.portal.Settings, and the key that it has for all desktops.
-const QString service = u"org.freedesktop.portal.Desktop"_s;
-const QString path = u"/org/freedesktop/portal/desktop"_s;
-const QString interface = u"org.freedesktop.portal.Settings"_s;
-const QString appearanceGroup = u"org.freedesktop.appearance"_s;
-const QString colorSchemeKey = u"color-scheme"_s;
 constexpr uint prefersDark = 1;
+
+/// org.freedesktop.portal.Settings, and the key of it that all desktops share.
+QDBusMessage questionForColorScheme() {
+  auto question = QDBusMessage::createMethodCall(u"org.freedesktop.portal.Desktop"_s,
+                                                 u"/org/freedesktop/portal/desktop"_s,
+                                                 u"org.freedesktop.portal.Settings"_s, u"Read"_s);
+  question << u"org.freedesktop.appearance"_s << u"color-scheme"_s;
+  return question;
+}
 
 }  // namespace
 
 DesktopAppearance::DesktopAppearance() {
-  QDBusConnection::sessionBus().connect(service, path, interface, u"SettingChanged"_s, this,
-                                        SLOT(settingChanged(QString, QString, QDBusVariant)));
   ask();
 }
 
+std::optional<QString> DesktopAppearance::read() {
+  ask();
+  return m_name;
+}
+
 void DesktopAppearance::ask() {
-  auto call = QDBusMessage::createMethodCall(service, path, interface, u"Read"_s);
-  call << appearanceGroup << colorSchemeKey;
-  auto* watcher = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call), this);
+  const auto call = QDBusConnection::sessionBus().asyncCall(questionForColorScheme());
+  auto* watcher = new QDBusPendingCallWatcher(call, this);
   connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
     watcher->deleteLater();
     const QDBusPendingReply<QDBusVariant> reply = *watcher;
@@ -40,11 +45,6 @@ void DesktopAppearance::ask() {
     const QVariant value = reply.value().variant();
     take(value.canConvert<QDBusVariant>() ? value.value<QDBusVariant>().variant() : value);
   });
-}
-
-void DesktopAppearance::settingChanged(const QString& group, const QString& key,
-                                       const QDBusVariant& value) {
-  if (group == appearanceGroup && key == colorSchemeKey) take(value.variant());
 }
 
 void DesktopAppearance::take(const QVariant& colorScheme) {

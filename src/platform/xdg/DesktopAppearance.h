@@ -1,29 +1,22 @@
 // Whether the desktop is light or dark, as its settings portal tells.
 //
-// Asks once and then listens, so that reading costs nothing and nobody waits for a portal that
-// doesn't answer. Main thread only.
+// Nobody waits for a portal: reading gives what it answered last, and asks it again for the next
+// time. Main thread only.
 #pragma once
 
 #include <QObject>
 #include <QString>
+#include <QVariant>
 #include <optional>
-
-class QDBusMessage;
-class QDBusVariant;
 
 namespace vemo {
 
 class DesktopAppearance : public QObject {
-  Q_OBJECT
-
  public:
   DesktopAppearance();
 
   /// "light" or "dark"; nothing while it isn't known. A desktop without a preference is light.
-  const std::optional<QString>& name() const { return m_name; }
-
- private Q_SLOTS:
-  void settingChanged(const QString& group, const QString& key, const QDBusVariant& value);
+  std::optional<QString> read();
 
  private:
   void ask();

@@ -8,6 +8,8 @@
 #include <array>
 #include <utility>
 
+#include "platform/xdg/DesktopAppearance.h"
+
 namespace vemo {
 
 using namespace Qt::Literals::StringLiterals;
@@ -43,14 +45,18 @@ std::optional<QString> sizeOf(const QScreen* screen) {
 
 LinuxDeviceInformation::LinuxDeviceInformation(const InputDevice& inputDevice,
                                                std::function<QStringList()> inputSources)
-    : m_inputDevice(inputDevice), m_inputSources(std::move(inputSources)) {}
+    : m_inputDevice(inputDevice),
+      m_inputSources(std::move(inputSources)),
+      m_appearance(std::make_unique<DesktopAppearance>()) {}
+
+LinuxDeviceInformation::~LinuxDeviceInformation() = default;
 
 DeviceFacts LinuxDeviceInformation::read() const {
   const QLocale locale = QLocale::system();
   const QString identifier = locale.name();
   return {.displayCount = int(QGuiApplication::screens().size()),
           .mainDisplay = sizeOf(QGuiApplication::primaryScreen()),
-          .appearance = m_appearance.name(),
+          .appearance = m_appearance->read(),
           .inApplicationsFolder = isInApplicationsFolder(QCoreApplication::applicationFilePath()),
           .languages = preferredLanguages(locale),
           .localeIdentifier = identifier,

@@ -1,0 +1,75 @@
+#include "platform/qt/QtLastRequest.h"
+
+#include <gtest/gtest.h>
+
+#include <QElapsedTimer>
+#include <QTcpServer>
+
+#include "TestHttpServer.h"
+#include "fakes/QtTestLoop.h"
+
+namespace vemo {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
+
+class QtLastRequestTest : public testing::Test {
+ protected:
+  static constexpr auto limit = 300ms;
+  /// What a busy machine may add.
+  static constexpr auto allowance = 700ms;
+
+  std::chrono::milliseconds timeToSend(const QUrl& url, std::chrono::milliseconds longest = limit) {
+    QElapsedTimer timer;
+    timer.start();
+    lastRequest.sendAndWait({.method = "POST"_ba,
+                             .url = url,
+                             .headers = {{"Content-Type"_ba, "application/json"_ba}},
+                             .body = "{}"_ba,
+                             .timeout = 15s},
+                            longest);
+    return std::chrono::milliseconds(timer.elapsed());
+  }
+
+  void expectAWaitOf(std::chrono::milliseconds longest, const QUrl& url) {
+    const auto time = timeToSend(url, longest);
+    EXPECT_GE(time, longest);
+    EXPECT_LT(time, longest + allowance);
+  }
+
+  QtTestLoop loop;
+  TestHttpServer server;
+  QtLastRequest lastRequest;
+};
+
+TEST_F(QtLastRequestTest, AnAnswerEndsTheWait) {
+  EXPECT_LT(timeToSend(server.url(u"/status/200"_s), 20s), 10s);
+  ASSERT_EQ(server.requests().size(), 1);
+  EXPECT_TRUE(server.requests()[0].head.contains("Content-Type: application/json\r\n"));
+  EXPECT_EQ(server.requests()[0].body, "{}");
+}
+
+TEST_F(QtLastRequestTest, AFailureEndsTheWait) {
+  EXPECT_LT(timeToSend(server.url(u"/reset-before-answer"_s), 20s), 10s);
+  EXPECT_LT(timeToSend(QUrl(u"http://nobody.invalid/"_s), 20s), 10s);
+  QTcpServer closed;
+  ASSERT_TRUE(closed.listen(QHostAddress::LocalHost));
+  const QUrl refusing(u"http://127.0.0.1:%1/"_s.arg(closed.serverPort()));
+  closed.close();
+  EXPECT_LT(timeToSend(refusing, 20s), 10s);
+}
+
+TEST_F(QtLastRequestTest, AServerThatStallsAtAnyStageIsWaitedForNoLongerThanAsked) {
+  TestHttpServer deaf(TestHttpServer::Manner::NeverReads);
+  for (const QUrl& url : {server.url(u"/never"_s), server.url(u"/silent-in-body"_s),
+                          server.url(u"/trickle"_s), deaf.url(u"/status/200"_s)})
+    expectAWaitOf(limit, url);
+}
+
+TEST_F(QtLastRequestTest, TwoSecondsAreTwoSeconds) {
+  expectAWaitOf(2000ms, server.url(u"/trickle"_s));
+}
+
+}  // namespace
+}  // namespace vemo
