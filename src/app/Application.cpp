@@ -30,14 +30,15 @@
 #include "platform/x11/X11FloatingPanel.h"
 #include "platform/x11/X11FocusedApplication.h"
 #include "platform/x11/X11InputSources.h"
+#include "platform/x11/X11KeyEventSource.h"
 #include "platform/x11/X11KeyPoster.h"
+#include "platform/x11/X11LoneModifier.h"
 #include "platform/x11/X11Screens.h"
 #include "platform/xdg/AbsentHaptics.h"
 #include "platform/xdg/BusRemoteControl.h"
 #include "platform/xdg/LinuxDeviceInformation.h"
 #include "platform/xdg/LinuxPermissions.h"
 #include "platform/xdg/UnknownSecureInput.h"
-#include "ports/LoneModifier.h"
 #include "session/AppState.h"
 #include "session/DictationRemoteControl.h"
 #include "shaping/ContextProcessor.h"
@@ -79,20 +80,6 @@ void awaitKeyring() {
 }
 
 }  // namespace
-
-/// Nothing on this desktop tells of keys.
-class AbsentKeyEventSource : public KeyEventSource {
- public:
-  bool start() override { return false; }
-  void stop() override {}
-  ModifierFlags modifierFlags() const override { return 0; }
-};
-
-/// Posts nothing: bare modifiers trigger nothing as long as no keys are heard.
-class AbsentLoneModifier : public LoneModifier {
- public:
-  void accompany() override {}
-};
 
 /// Time, the main queue, and the program's files.
 struct Application::Base {
@@ -140,8 +127,8 @@ struct Application::Desktop {
   QtApplicationWindows windows;
   QtSystemEvents systemEvents;
   UnknownSecureInput secureInput;
-  AbsentKeyEventSource keyEvents;
-  AbsentLoneModifier loneModifier;
+  X11KeyEventSource keyEvents{keyPoster->keyboard()->connection().window()};
+  X11LoneModifier loneModifier{keyPoster->keyboard()};
   AbsentHaptics haptics;
   LinuxDeviceInformation deviceInformation{inputDevice, [] { return readX11InputSources(); }};
 };
