@@ -12,7 +12,10 @@
 #include "desktop/TextInjector.h"
 #include "integrations/SlackManager.h"
 #include "integrations/WorkspaceIndexer.h"
+#include "platform/atspi/AtspiSecureInput.h"
 #include "platform/canberra/CanberraSounds.h"
+#include "platform/gio/GioThread.h"
+#include "platform/logind/LogindSleep.h"
 #include "platform/posix/SignalCrashRecorder.h"
 #include "platform/pulse/PulseAudioInput.h"
 #include "platform/pulse/PulseInputDevice.h"
@@ -38,7 +41,6 @@
 #include "platform/xdg/BusRemoteControl.h"
 #include "platform/xdg/LinuxDeviceInformation.h"
 #include "platform/xdg/LinuxPermissions.h"
-#include "platform/xdg/UnknownSecureInput.h"
 #include "session/AppState.h"
 #include "session/DictationRemoteControl.h"
 #include "shaping/ContextProcessor.h"
@@ -114,6 +116,7 @@ struct Application::Desktop {
                                      std::move(focusedApplication), std::move(screens));
   }
 
+  GioThread gio;
   PulseServer pulse{"Vemo", "brelmox.Vemo"};
   PulseMicrophoneAccess microphoneAccess{pulse};
   PulseAudioInput audioInput{pulse};
@@ -126,7 +129,7 @@ struct Application::Desktop {
   std::unique_ptr<X11Screens> screens;
   QtApplicationWindows windows;
   QtSystemEvents systemEvents;
-  UnknownSecureInput secureInput;
+  AtspiSecureInput secureInput{gio};
   X11KeyEventSource keyEvents{keyPoster->keyboard()->connection().window()};
   X11LoneModifier loneModifier{keyPoster->keyboard()};
   AbsentHaptics haptics;
@@ -219,6 +222,10 @@ struct Application::Program {
                   .haptics = desktop.haptics,
                   .windows = desktop.windows,
                   .systemEvents = desktop.systemEvents}),
+        machineSleep(desktop.gio, mainThread,
+                     [&desktop] {
+                       if (desktop.systemEvents.onDidWake) desktop.systemEvents.onDidWake();
+                     }),
         ending(mainThread),
         remoteControl(appState, std::move(quit)) {}
 
@@ -241,6 +248,7 @@ struct Application::Program {
   TextInjector injector;
   HUDWindowController hud;
   AppState appState;
+  LogindSleep machineSleep;
   TaskScope ending;
   DictationRemoteControl remoteControl;
 };

@@ -1,5 +1,5 @@
 // Tells when this program comes to the front, by Qt's application state. Qt doesn't know of the
-// machine's sleep, so onDidWake is never called from here.
+// machine's sleep, so onDidWake is left to be called by whoever does.
 //
 // Made after the application object, on the main thread.
 #pragma once

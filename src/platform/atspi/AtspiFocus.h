@@ -1,0 +1,46 @@
+// Follows the keyboard focus of all programs over the accessibility bus, and tells what has it.
+//
+// Programs report each change of the focus; in between nothing is asked and nothing wakes up. A bus
+// that isn't there or has been lost is looked for once, and again at each question. On the
+// GioThread.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+#include "platform/atspi/AtspiFocusSearch.h"
+#include "platform/atspi/AtspiObjects.h"
+
+namespace vemo {
+
+class GioBus;
+class GioThread;
+
+class AtspiFocus {
+ public:
+  explicit AtspiFocus(GioThread& thread);
+  ~AtspiFocus();
+
+  /// Whether a password field in the window in front has the focus, false when it can't be told.
+  /// No answer comes when the programs asked give none, or this object goes first.
+  void askForPassword(std::function<void(bool)> answer);
+
+ private:
+  void findBus();
+  void connectTo(const std::string& address);
+  void loseBus();
+  void listen();
+  void requestEvents();
+  void handleStateChange(AtspiObject object, bool isFocused);
+  void askForWindowInFront(const AtspiObject& object, int depth, std::function<void(bool)> answer);
+
+  GioThread& m_thread;
+  std::unique_ptr<GioBus> m_sessionBus;  ///< while it is asked for the accessibility bus
+  std::unique_ptr<GioBus> m_bus;
+  std::optional<AtspiObjects> m_objects;  ///< once m_bus is open
+  std::unique_ptr<AtspiFocusSearch> m_search;
+  std::optional<AtspiObject> m_focused;
+};
+
+}  // namespace vemo
