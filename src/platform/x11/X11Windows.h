@@ -30,11 +30,12 @@ class X11Windows {
   std::optional<X11WindowClass> windowClass(xcb_window_t window);
   std::optional<QString> text(xcb_window_t window, const QByteArray& property);
   std::vector<xcb_atom_t> atoms(xcb_window_t window, const QByteArray& property);
+  /// The values of a property of 32-bit values; none when there's no such property of that type.
+  std::vector<uint32_t> numbers(xcb_window_t window, const QByteArray& property, xcb_atom_t type);
   /// The process that made the window; absent when it's unknown or runs on another machine.
   std::optional<qint64> localProcess(xcb_window_t window);
 
  private:
-  std::vector<uint32_t> numbers(xcb_window_t window, const QByteArray& property, xcb_atom_t type);
   xcb_window_t focusedTopLevel();
 
   X11Connection& m_connection;
