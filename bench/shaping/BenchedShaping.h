@@ -4,7 +4,6 @@
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QTemporaryDir>
-#include <algorithm>
 #include <optional>
 #include <vector>
 
@@ -25,12 +24,12 @@ namespace vemo {
 
 using namespace Qt::Literals::StringLiterals;
 
-/// The shortest of many rounds: what a busy machine adds doesn't count.
+/// The shortest of many rounds, in the processor's time: what a busy machine adds doesn't count.
 template <typename Work>
 double bestOf(int rounds, Work&& work) {
-  double best = millisecondsFor(work);
-  for (int round = 1; round < rounds; ++round) best = std::min(best, millisecondsFor(work));
-  return best;
+  Rounds times;
+  for (int round = 0; round < rounds; ++round) times.add(processorMillisecondsFor(work));
+  return times.best();
 }
 
 inline QByteArray entryList(qsizetype count, const QString& heardKey, const QString& writtenKey,
