@@ -62,6 +62,12 @@ TEST_F(QtHttpSessionTlsTest, ACertificateOfTheFutureIsRefused) {
             UrlError::ServerCertificateNotYetValid);
 }
 
+TEST_F(QtHttpSessionTlsTest, TheSeventeenthCertificateIsAsGoodAsTheFirst) {
+  TestCertificates many;
+  for (int i = 1; i < 17; ++i) many.server(u"trusted"_s, u"localhost"_s);
+  EXPECT_FALSE(many.server(u"trusted"_s, u"localhost"_s).localCertificate().isNull());
+}
+
 TEST_F(QtHttpSessionTlsTest, AServerThatSpeaksNoTlsGivesNoSecureConnection) {
   const TestHttpServer plain;
   QUrl url = plain.url(u"/status/200"_s);

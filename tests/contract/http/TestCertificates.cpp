@@ -40,9 +40,10 @@ void TestCertificates::makeAuthority(const QString& name) {
 
 QSslConfiguration TestCertificates::server(const QString& authority, const QString& hostName,
                                            const QString& validFrom, const QString& validUntil) {
-  const QString name = u"server%1"_s.arg(m_nextSerial++);
+  const QString name = u"server%1"_s.arg(++m_lastSerial);
   write(path(u"index"_s), {});
-  write(path(u"serial"_s), "0" + QByteArray::number(m_nextSerial) + "\n");
+  // Hexadecimal, with an even number of digits.
+  write(path(u"serial"_s), QByteArray::number(m_lastSerial, 16).rightJustified(4, '0') + "\n");
   write(path(u"ca.conf"_s),
         u"[ca]\ndefault_ca=here\n[here]\ndatabase=%1\nserial=%2\nnew_certs_dir=%3\n"
         "default_md=sha256\npolicy=any\nx509_extensions=names\n"

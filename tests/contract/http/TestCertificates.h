@@ -31,7 +31,7 @@ class TestCertificates {
   QSslConfiguration configuration(const QString& name) const;
 
   QTemporaryDir m_folder;
-  int m_nextSerial = 1;
+  int m_lastSerial = 0;
 };
 
 }  // namespace vemo
