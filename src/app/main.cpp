@@ -1,6 +1,7 @@
 // The program: the resident one, or the command line that reaches it.
 
 #include <fcntl.h>
+#include <malloc.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -36,6 +37,12 @@ void forbidCoreFiles() {
   setrlimit(RLIMIT_CORE, &cores);
 }
 
+/// Recordings get pages of their own, which go back to the system as soon as they are done with.
+void returnLargeMemory() {
+  constexpr int large = 128 * 1024;
+  mallopt(M_MMAP_THRESHOLD, large);
+}
+
 /// A standard descriptor that the caller left closed would be taken by the next file opened, and
 /// what is printed would go there.
 void openStandardDescriptors() {
@@ -46,6 +53,7 @@ void openStandardDescriptors() {
 
 int runResident(int argc, char** argv) {
   forbidCoreFiles();
+  returnLargeMemory();
   TerminationSignals::block();
   auto configuration = DeploymentConfiguration::load(places::deploymentConfigurationCandidates());
   if (!configuration) return complain(configuration.error(), usageError);

@@ -96,6 +96,8 @@ std::optional<AudioStopResult> AudioRecorder::stop() {
   result.isChunked = m_hasEmittedChunks;
   result.nextChunkIndex = m_chunkIndex;
   result.totalDuration = static_cast<double>(length) / speechFormat::bytesPerSecond;
+  // Nothing of what was said is kept while nobody speaks.
+  m_pcmData.clear();
   return result;
 }
 
