@@ -149,9 +149,10 @@ struct Application::Program {
       : session(mainThread),
         hedgeSession(mainThread),
         sharedSession(mainThread),
-        permissionsOfSystem([&desktop] { return desktop.microphoneAccess.authorization(); },
-                            [&desktop] { return desktop.keyPoster->canPost(); }, theClock,
-                            mainThread),
+        permissionsOfSystem(
+            [&desktop] { return desktop.microphoneAccess.authorization(); },
+            [&desktop] { return desktop.keyEvents.canListen() && desktop.keyPoster->canPost(); },
+            theClock, mainThread),
         tokens({&desktop.keyring}, debugLog),
         telemetry({.clock = theClock,
                    .mainThread = mainThread,

@@ -40,6 +40,14 @@ X11KeyEventSource::~X11KeyEventSource() = default;
 
 // Listening
 
+bool X11KeyEventSource::canListen() {
+  const bool isAlive = m_link && m_link->connection->isAlive();
+  // While it is started, a connection is made again by what makes it listen again as well.
+  if (isAlive || m_isStarted) return isAlive;
+  m_link.reset();
+  return connect();
+}
+
 bool X11KeyEventSource::start() {
   if (m_link && !m_link->connection->isAlive()) loseConnection();
   const bool isListening = m_isStarted && m_link;

@@ -36,6 +36,10 @@ class X11KeyEventSource : public KeyEventSource {
                              QByteArray displayName = {});
   ~X11KeyEventSource() override;
 
+  /// Whether start() would have something to listen to. Connects where it isn't connected, and
+  /// asks the server nothing where it is.
+  bool canListen();
+
   bool start() override;
   void stop() override;
   ModifierFlags modifierFlags() const override;

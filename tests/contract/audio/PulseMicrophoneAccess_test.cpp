@@ -2,6 +2,9 @@
 
 #include <gmock/gmock.h>
 
+#include <QFile>
+#include <QTcpServer>
+#include <QTemporaryDir>
 #include <chrono>
 
 #include "SoundServer.h"
@@ -21,6 +24,20 @@ class PulseMicrophoneAccessTest : public testing::Test {
       std::this_thread::yield();
     }
     return true;
+  }
+
+  /// A secret of the size that PulseAudio asks for; returns where it stands.
+  static QByteArray writeCookie(const QString& path, char filling) {
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(QByteArray(256, filling));
+    return QFile::encodeName(path);
+  }
+
+  static QString freePort() {
+    QTcpServer probe;
+    EXPECT_TRUE(probe.listen(QHostAddress::LocalHost));
+    return QString::number(probe.serverPort());
   }
 
   PulseServer server{"Vemo", "brelmox.Vemo"};
@@ -51,6 +68,48 @@ TEST_F(PulseMicrophoneAccessTest, AMicrophoneThatComesAndGoesIsNoticed) {
   EXPECT_TRUE(becomes(MicrophoneAuthorization::Granted));
   soundServer.control({u"unload-module"_s, module});
   EXPECT_TRUE(becomes(MicrophoneAuthorization::Denied));
+}
+
+TEST_F(PulseMicrophoneAccessTest, AMicrophoneMadeByRemappingCounts) {
+  SoundServer soundServer({u"module-null-sink sink_name=speakers norewinds=1"_s,
+                           u"module-remap-source master=speakers.monitor source_name=virtmic"_s});
+  soundServer.start();
+  EXPECT_TRUE(becomes(MicrophoneAuthorization::Granted));
+}
+
+TEST_F(PulseMicrophoneAccessTest, AServerThatRefusesTheClientDeniesUntilItLetsItIn) {
+  SoundServer soundServer;
+  soundServer.start();
+  const QTemporaryDir folder;
+  const QByteArray itsCookie = writeCookie(folder.filePath(u"its"_s), 'a');
+  const QByteArray anotherCookie = writeCookie(folder.filePath(u"another"_s), 'b');
+  // By its socket it lets in everybody who runs as the same user.
+  const QString port = freePort();
+  ASSERT_FALSE(
+      soundServer
+          .load(u"module-native-protocol-tcp listen=127.0.0.1 port=%1 auth-cookie=%2"_s.arg(
+              port, QString::fromUtf8(itsCookie)))
+          .isEmpty());
+  qputenv("PULSE_SERVER", "tcp:127.0.0.1:" + port.toUtf8());
+
+  qputenv("PULSE_COOKIE", anotherCookie);
+  EXPECT_TRUE(becomes(MicrophoneAuthorization::Denied));
+  for (int i = 0; i < 20; ++i) EXPECT_NE(access.authorization(), MicrophoneAuthorization::Granted);
+  qputenv("PULSE_COOKIE", itsCookie);
+  EXPECT_TRUE(becomes(MicrophoneAuthorization::Granted));
+  qunsetenv("PULSE_COOKIE");
+}
+
+TEST_F(PulseMicrophoneAccessTest, AskingAgainAndAgainCostsNoMeasurableTime) {
+  SoundServer soundServer;
+  soundServer.start();
+  ASSERT_TRUE(becomes(MicrophoneAuthorization::Granted));
+  constexpr int polls = 1000;
+  const auto start = std::chrono::steady_clock::now();
+  for (int i = 0; i < polls; ++i) static_cast<void>(access.authorization());
+  const auto each = (std::chrono::steady_clock::now() - start) / polls;
+  RecordProperty("nanosecondsPerPoll", static_cast<int>(each / std::chrono::nanoseconds(1)));
+  EXPECT_LT(each, std::chrono::microseconds(100));
 }
 
 TEST_F(PulseMicrophoneAccessTest, WithoutAServerAccessIsDeniedUntilThereIsOne) {

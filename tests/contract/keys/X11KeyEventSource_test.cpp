@@ -200,8 +200,24 @@ TEST_F(X11KeyEventSourceTest, AStoppedSourceTellsOfNoInterruption) {
   EXPECT_EQ(ear.interruptions, 0);
 }
 
+TEST_F(X11KeyEventSourceTest, ItCanListenAsLongAsThereIsAServer) {
+  PrivateServer server;
+  X11KeyEventSource doomed(XCB_WINDOW_NONE, server.display());
+  KeyListener ear(doomed);
+  EXPECT_TRUE(doomed.canListen());
+  server.kill();
+  EXPECT_TRUE(EventLoop::runUntil([&] { return !doomed.canListen(); }));
+  server.restart();
+  EXPECT_TRUE(EventLoop::runUntil([&] { return doomed.canListen(); }));
+  ASSERT_TRUE(doomed.start());
+  EXPECT_TRUE(doomed.canListen());
+  server.strikeKey(letterA);
+  EXPECT_TRUE(EventLoop::runUntil([&] { return ear.events.size() == 2; }));
+}
+
 TEST_F(X11KeyEventSourceTest, WithoutAServerItDoesNotStart) {
   X11KeyEventSource nowhere(XCB_WINDOW_NONE, ":9876");
+  EXPECT_FALSE(nowhere.canListen());
   EXPECT_FALSE(nowhere.start());
   EXPECT_EQ(nowhere.modifierFlags(), 0U);
   nowhere.stop();
