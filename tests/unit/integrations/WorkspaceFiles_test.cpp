@@ -139,6 +139,13 @@ TEST(WorkspaceFilesTest, AFinalSigmaIsLowerCasedInItsPlaceInTheWholeNameAndInThe
     EXPECT_EQ(files.find(name, u"ts"_s), plain::findFile(records, name, u"ts"_s));
 }
 
+TEST(WorkspaceFilesTest, OfAFinalSigmaAndAnotherTheFirstInTheListIsFound) {
+  EXPECT_EQ(filesNamed({u"ΟΔΟΣ.ts"_s, u"οδοσ.ts"_s}).find(u"οδοσ"_s, u"ts"_s), 0U);
+  EXPECT_EQ(filesNamed({u"οδοσ.ts"_s, u"ΟΔΟΣ.ts"_s}).find(u"οδοσ"_s, u"ts"_s), 0U);
+  EXPECT_EQ(filesNamed({u"a-ΟΔΟΣ.ts"_s, u"a_οδος.ts"_s}).find(u"a οδος"_s, u"ts"_s), 0U);
+  EXPECT_EQ(filesNamed({u"a_οδος.ts"_s, u"a-ΟΔΟΣ.ts"_s}).find(u"a οδος"_s, u"ts"_s), 0U);
+}
+
 class WorkspaceFilesProperty : public testing::Test {
  protected:
   QString anyOf(const QStringList& parts, int longest) {
