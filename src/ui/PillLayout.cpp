@@ -1,6 +1,7 @@
 #include "ui/PillLayout.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace vemo {
 
@@ -13,6 +14,11 @@ constexpr double verticalPadding = 10;
 constexpr double stackSpacing = 6;
 constexpr double rowSpacing = 8;
 
+/// Even, so that the sides of a pill in the middle of its panel lie between pixels.
+double evenWidth(double width) {
+  return 2 * std::ceil(width / 2);
+}
+
 PillLayout waveformLayout(const QString& liveText, const PillTextMetrics& metrics) {
   PillSize content = waveformSize;
   PillSize text;
@@ -23,7 +29,8 @@ PillLayout waveformLayout(const QString& liveText, const PillTextMetrics& metric
   }
   const double middle = horizontalPadding + content.width / 2;
   PillLayout layout;
-  layout.size = {content.width + 2 * horizontalPadding, content.height + 2 * verticalPadding};
+  layout.size = {evenWidth(content.width + 2 * horizontalPadding),
+                 content.height + 2 * verticalPadding};
   layout.waveform = {middle - waveformSize.width / 2, verticalPadding, waveformSize.width,
                      waveformSize.height};
   if (!liveText.isEmpty())
@@ -38,7 +45,7 @@ PillLayout errorLayout(const QString& message, const PillTextMetrics& metrics) {
   const double height = std::max(symbolSize.height, text.height);
   const double middle = verticalPadding + height / 2;
   PillLayout layout;
-  layout.size = {symbolSize.width + rowSpacing + text.width + 2 * horizontalPadding,
+  layout.size = {evenWidth(symbolSize.width + rowSpacing + text.width + 2 * horizontalPadding),
                  height + 2 * verticalPadding};
   layout.symbol = {horizontalPadding, middle - symbolSize.height / 2, symbolSize.width,
                    symbolSize.height};

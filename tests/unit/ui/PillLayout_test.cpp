@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "FixedTextMetrics.h"
 #include "ui/PillColors.h"
 
@@ -36,9 +38,16 @@ TEST(PillLayoutTest, LiveTextStandsCentred6PointsBelowTheWaveform) {
 
 TEST(PillLayoutTest, AnErrorIsASymbolAndAMessage8PointsApartVerticallyCentred) {
   const auto layout = layoutOf(Kind::Error, u"0123456789"_s);
-  EXPECT_EQ(layout.size, (PillSize{16 + 15 + 8 + 60 + 16, 34}));
+  EXPECT_EQ(layout.size, (PillSize{16 + 15 + 8 + 60 + 16 + 1, 34}));
   EXPECT_EQ(layout.symbol, (ScreenRect{16, 10.5, 15, 13}));
   EXPECT_EQ(layout.message, (ScreenRect{39, 10, 60, 14}));
+}
+
+TEST(PillLayoutTest, ThePillIsAnEvenNumberOfPointsWide) {
+  for (const int length : {1, 2, 17, 33, 50, 80})
+    for (const auto& layout : {layoutOf(Kind::Error, QString(length, u'x')),
+                               layoutOf(Kind::Recording, {}, QString(length, u'x'))})
+      EXPECT_EQ(std::fmod(layout.size.width, 2), 0);
 }
 
 TEST(PillLayoutTest, IdleNothingStandsInThePill) {

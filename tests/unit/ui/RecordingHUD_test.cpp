@@ -137,7 +137,7 @@ TEST_F(RecordingHUDTest, AnotherStateResizesThePillAndExchangesItsContentsAlongT
   clock.advance(100ms);
   const double part = 1 - springAt({0.3, 0.8}, 0, 0.1).value;
   const auto picture = hud.picture();
-  EXPECT_NEAR(picture.pill.width, 104 + (115 - 104) * part, 1e-9);
+  EXPECT_NEAR(picture.pill.width, 104 + (116 - 104) * part, 1e-9);
   EXPECT_NEAR(picture.pill.height, 38 + (34 - 38) * part, 1e-9);
   EXPECT_NEAR(picture.pill.midX(), 230, 1e-9);
   ASSERT_EQ(picture.contents.size(), 2U);
@@ -152,7 +152,7 @@ TEST_F(RecordingHUDTest, ContentStandsInTheMiddleOfAPillThatIsStillResizing) {
   set(Kind::Error, u"0123456789"_s);
   const auto picture = hud.picture();
   const auto& layout = picture.contents[1].layout;
-  EXPECT_EQ(layout.symbol.x, 230 - 115 / 2.0 + 16);
+  EXPECT_EQ(layout.symbol.x, 230 - 116 / 2.0 + 16);
   EXPECT_EQ(layout.message.y, picture.pill.y + (38 - 34) / 2.0 + 10);
 }
 
@@ -164,7 +164,7 @@ TEST_F(RecordingHUDTest, AStateThatIsSetWhileHiddenIsThereWholeAtTheNextShow) {
   set(Kind::Error, u"0123456789"_s);
   present(true);
   const auto picture = hud.picture();
-  EXPECT_EQ(picture.pill.width, 115);
+  EXPECT_EQ(picture.pill.width, 116);
   ASSERT_EQ(picture.contents.size(), 1U);
   EXPECT_EQ(picture.contents[0].opacity, 1);
 }

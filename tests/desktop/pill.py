@@ -1,0 +1,79 @@
+"""The recording pill, looked at from outside: its window, and what of it is on the screen."""
+
+import pathlib
+import subprocess
+import tempfile
+
+from vemo_program import program
+
+PANEL_WIDTH, PANEL_HEIGHT = 460, 160
+
+
+def output(*command):
+    result = subprocess.run(command, capture_output=True, stdin=subprocess.DEVNULL, timeout=60, check=False)
+    return result.stdout.decode(errors="replace").strip() if result.returncode == 0 else ""
+
+
+def screenshot(path, x, y, width, height):
+    subprocess.run(["import", "-silent", "-window", "root", "-crop", f"{width}x{height}+{x}+{y}", "+repage",
+                    str(path)], check=True, timeout=60)
+
+
+def differing_pixels(picture, other, tolerance_percent):
+    """How many pixels of two pictures of one size differ by more than that part of full scale."""
+    result = subprocess.run(["compare", "-metric", "AE", "-fuzz", f"{tolerance_percent}%", str(picture), str(other),
+                             "null:"], capture_output=True, timeout=60, check=False)
+    if result.returncode not in (0, 1):
+        raise AssertionError(result.stderr.decode(errors="replace"))
+    return float(result.stderr.decode().split()[0])
+
+
+class Pill:
+    """`wait_until(lambda: pill.shows("Please sign in to dictate"), …)`"""
+
+    def __init__(self):
+        self._folder = pathlib.Path(tempfile.mkdtemp(prefix="pill-"))
+
+    def window(self):
+        """The identifier of the pill's window while it's on the screen, or None."""
+        for window in output("xdotool", "search", "--onlyvisible", "--class", "^Vemo$").split():
+            if "Override Redirect State: yes" in output("xwininfo", "-id", window):
+                return window
+        return None
+
+    def is_visible(self):
+        return self.window() is not None
+
+    def place(self):
+        """x and y of the panel's top left corner, or None while it's hidden."""
+        window = self.window()
+        values = dict(line.split("=", 1) for line in
+                      output("xdotool", "getwindowgeometry", "--shell", window).splitlines()) if window else {}
+        return (int(values["X"]), int(values["Y"])) if "Y" in values else None
+
+    def shows(self, message, color="dark", top_inset=0):
+        """Whether the pill on the screen, which stands still, holds this message.
+
+        It looks at the pill's inside, through which little of what lies below shines.
+        """
+        place = self.place()
+        if not place:
+            return False
+        expected, actual = self._folder / "expected.png", self._folder / "actual.png"
+        drawn = output(program("pill_picture"), message, expected, color)
+        x, y, width, height = map(int, drawn.split())
+        subprocess.run(["mogrify", "-background", "#808080", "-flatten", "-crop", f"{width}x{height}+{x}+{y}",
+                        "+repage", str(expected)], check=True, timeout=60)
+        screenshot(actual, place[0] + x, place[1] + y + top_inset, width, height)
+        return differing_pixels(expected, actual, 12) < width * height * 0.03
+
+    def shows_waveform(self):
+        """Whether the pill is up in the shape that it has while recording and processing."""
+        place = self.place()
+        if not place:
+            return False
+        actual = self._folder / "waveform.png"
+        # The bars stand in the middle; left and right of a pill of 104 there's no other pill.
+        screenshot(actual, place[0] + PANEL_WIDTH // 2 - 52, place[1] + 10, 104, 38)
+        bars = output("convert", str(actual), "-crop", "72x2+16+18", "+repage", "-format", "%k", "info:")
+        return int(bars or 0) > 8
