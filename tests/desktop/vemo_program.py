@@ -136,8 +136,9 @@ class Vemo:
         wait_until(lambda: self.logged(words) >= times, lambda: f"{times} log lines with “{words}”; {self.story()}")
 
     def story(self):
-        """How it stands and what it has printed, for a test that fails."""
-        return f"the status is “{self.status()}”, the output:\n{self.output.read_text(errors='replace')}"
+        """How it stands and what it has printed last, for a test that fails."""
+        last_lines = "\n".join(self.output.read_text(errors="replace").splitlines()[-60:])
+        return f"the status is “{self.status()}”, the output:\n{last_lines}"
 
     def start(self):
         """Begins a dictation. A start that follows a stop too closely is dropped, so it asks again."""
