@@ -3,6 +3,7 @@
 #include <xcb/xtest.h>
 
 #include <QProcess>
+#include <array>
 
 #include "platform/x11/XcbXkb.h"
 
@@ -20,6 +21,7 @@ VirtualUser::~VirtualUser() {
   for (const xcb_keycode_t code : m_held)
     xcb_test_fake_input(m_connection->xcb(), XCB_KEY_RELEASE, code, 0, m_connection->root(), 0, 0,
                         0);
+  if (m_hasSlowKeys) useSlowKeys(false);
   setLockedModifiers(0xFF, 0);
   chooseLayout(u"us"_s);
 }
@@ -68,6 +70,18 @@ xcb_keycode_t VirtualUser::codeOf(xkb_keysym_t key) {
   m_connection->processEvents();
   const auto found = m_keymap->findKey(key, 0);
   return found ? found->code : 0;
+}
+
+void VirtualUser::useSlowKeys(bool isOn) {
+  constexpr std::uint16_t delayMilliseconds = 60'000;
+  constexpr std::uint32_t slowKeys = XCB_XKB_BOOL_CTRL_SLOW_KEYS;
+  const std::array<std::uint8_t, 32> noKeys{};
+  xcb_xkb_set_controls(m_connection->xcb(), XCB_XKB_ID_USE_CORE_KBD, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,
+                       0, slowKeys, isOn ? slowKeys : 0,
+                       slowKeys | XCB_XKB_CONTROL_CONTROLS_ENABLED, 0, 0, delayMilliseconds, 0, 0,
+                       0, 0, 0, 0, 0, 0, 0, 0, 0, noKeys.data());
+  m_connection->synchronize();
+  m_hasSlowKeys = isOn;
 }
 
 std::set<xcb_keycode_t> VirtualUser::keysDown() {

@@ -16,7 +16,7 @@ namespace vemo {
 class VirtualUser {
  public:
   VirtualUser();
-  /// Lets go of what is still held and gives the keyboard its usual layout and locks again.
+  /// Lets go of what is still held and gives the keyboard its usual layout, locks and speed again.
   ~VirtualUser();
 
   /// Runs setxkbmap; the first of several layouts is then in force.
@@ -34,6 +34,9 @@ class VirtualUser {
   /// Until the next chooseLayout().
   void giveSymbol(xcb_keycode_t code, xkb_keysym_t symbol);
 
+  /// With slow keys the server doesn't count a key as down before it has been held for long.
+  void useSlowKeys(bool isOn);
+
   /// The codes of the keys that are down, by the server's word.
   std::set<xcb_keycode_t> keysDown();
   /// The real modifiers in force: held, latched and locked.
@@ -45,6 +48,7 @@ class VirtualUser {
   std::unique_ptr<X11Connection> m_connection;
   std::unique_ptr<X11Keymap> m_keymap;
   std::set<xcb_keycode_t> m_held;
+  bool m_hasSlowKeys = false;
 };
 
 }  // namespace vemo
