@@ -224,8 +224,9 @@ struct Application::Program {
                   .windows = desktop.windows,
                   .systemEvents = desktop.systemEvents}),
         machineSleep(desktop.gio, mainThread,
-                     [&desktop] {
+                     [this, &desktop] {
                        if (desktop.systemEvents.onDidWake) desktop.systemEvents.onDidWake();
+                       telemetry.sendDeviceReport(Urgency::IfDue);
                      }),
         ending(mainThread),
         remoteControl(appState, std::move(quit)) {}

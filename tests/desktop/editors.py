@@ -158,6 +158,14 @@ PAGE = b"""<!doctype html><meta charset="utf-8"><title>text area</title>
 </script>"""
 
 
+def chromium_command(profile, address):
+    """Starts Chromium with nothing but a page, and without the services that a test has no use for."""
+    return ["chromium", "--no-sandbox", "--disable-gpu", "--disable-quic", "--no-first-run",
+            "--no-default-browser-check", "--disable-background-networking",
+            "--disable-component-update", "--disable-sync", "--disable-dev-shm-usage",
+            "--password-store=basic", f"--user-data-dir={profile}", f"--app={address}"]
+
+
 class Chromium(Editor):
     """A text area in a page that tells this program its text after every change."""
 
@@ -200,11 +208,7 @@ class Chromium(Editor):
         self._server.server_close()
 
     def command(self):
-        return ["chromium", "--no-sandbox", "--disable-gpu", "--disable-quic", "--no-first-run",
-                "--no-default-browser-check", "--disable-background-networking",
-                "--disable-component-update", "--disable-sync", "--disable-dev-shm-usage",
-                "--password-store=basic", f"--user-data-dir={self.folder}",
-                f"--app=http://127.0.0.1:{self._server.server_port}/"]
+        return chromium_command(self.folder, f"http://127.0.0.1:{self._server.server_port}/")
 
     def has_focus(self):
         return self._focused

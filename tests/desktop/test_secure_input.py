@@ -1,0 +1,115 @@
+#!/usr/bin/python3
+"""A dictation into a password field of each toolkit: refused before the clipboard is touched."""
+
+import pathlib
+import subprocess
+import tempfile
+import unittest
+
+import editors
+import keyboard
+from clipboard import ClipboardOwner, contents
+from dictation_server import DictationServer, transcription
+from vemo_program import Vemo, store_token
+from virtual_desktop import wait_until
+
+MESSAGE = "Can't paste here (secure input active) — use Copy Last Transcript"
+PINENTRY_DIALOG = b"OPTION no-grab\nSETPROMPT Secret\nGETPIN\n"
+
+
+class PasswordFieldTest(unittest.TestCase):
+    def setUp(self):
+        store_token("token-of-the-desktop-tests")
+        self.server = self.enterContext(DictationServer())
+
+    def start_vemo(self):
+        self.vemo = self.enterContext(Vemo(self.server.address))
+
+    def open(self, window_class, *command, stdin=b""):
+        program = subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+        self.addCleanup(self.close, program)
+        program.stdin.write(stdin)
+        program.stdin.flush()
+        wait_until(lambda: window_class in editors.window_class(editors.active_window() or "0").lower(),
+                   f"{window_class} to come to the front")
+        return program
+
+    @staticmethod
+    def close(program):
+        program.terminate()
+        try:
+            program.communicate(timeout=10)
+        except subprocess.TimeoutExpired:
+            program.kill()
+            program.communicate()
+
+    def assert_refused(self):
+        with ClipboardOwner([("UTF8_STRING", b"untouched")]) as owner:
+            self.server.answers = [transcription("not for this field")]
+            self.vemo.dictate()
+            wait_until(lambda: self.vemo.status() == f"error: {MESSAGE}",
+                       lambda: f"the paste to be refused; {self.vemo.story()}")
+            self.assertFalse(owner.has_lost_it())
+            self.assertEqual(contents(), [("UTF8_STRING", b"untouched")])
+        self.assertEqual(self.vemo.logged("inject: blocked — secure input is active"), 1)
+        self.assertEqual(self.vemo.logged("inject: pasteboard set"), 0)
+
+    def test_a_gtk_password_entry_is_left_alone(self):
+        self.start_vemo()
+        dialog = self.open("zenity", "zenity", "--password")
+        self.assert_refused()
+        keyboard.type_text("own")
+        keyboard.strike("Return")
+        self.assertEqual(dialog.stdout.read().strip(), b"own")
+
+    def test_a_field_that_had_the_focus_before_vemo_came_is_left_alone(self):
+        dialog = self.open("zenity", "zenity", "--password")
+        self.start_vemo()
+        self.assert_refused()
+        keyboard.type_text("own")
+        keyboard.strike("Return")
+        self.assertEqual(dialog.stdout.read().strip(), b"own")
+
+    def test_a_qt_password_entry_is_left_alone(self):
+        self.start_vemo()
+        dialog = self.open("pinentry", "pinentry-qt", stdin=PINENTRY_DIALOG)
+        self.assert_refused()
+        keyboard.type_text("own")
+        keyboard.strike("Return")
+        wait_until(lambda: b"D own\n" in dialog.stdout.readline(), "the secret that was typed, and no more")
+
+    def test_a_password_field_in_chromium_is_left_alone(self):
+        self.start_vemo()
+        folder = self.enterContext(tempfile.TemporaryDirectory(ignore_cleanup_errors=True))
+        page = pathlib.Path(folder, "page.html")
+        page.write_text("<!doctype html><title>starting</title>"
+                        "<input type=password autofocus oninput='document.title = `typed ${value}`'>"
+                        "<script>const tell = () => document.hasFocus() ? document.title = 'ready' : setTimeout(tell, 20);"
+                        "tell();</script>")
+        # Unless it is told to, Chromium lets nobody see into its pages.
+        self.open("chromium", *editors.chromium_command(folder, f"file://{page}"), "--force-renderer-accessibility")
+        wait_until(lambda: self.title() == "ready", "the field to have the focus")
+        keyboard.type_text("ow")
+        wait_until(lambda: self.title() == "typed ow", "the page to take what is typed")
+        self.assert_refused()
+        keyboard.type_text("n")
+        wait_until(lambda: self.title() == "typed own", "what was typed, and no more")
+
+    @staticmethod
+    def title():
+        result = subprocess.run(["xdotool", "getactivewindow", "getwindowname"], capture_output=True, check=False)
+        return result.stdout.decode().strip()
+
+    def test_behind_another_window_a_password_field_bars_nothing(self):
+        self.start_vemo()
+        self.open("zenity", "zenity", "--password")
+        self.assert_refused()
+        wait_until(self.vemo.is_idle, "Vemo to be idle again")
+        with editors.Mousepad() as editor:
+            self.server.answers = [transcription("For the editor.")]
+            self.vemo.dictate()
+            wait_until(lambda: editor.text() == "For the editor.", "the text to arrive")
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)
