@@ -58,9 +58,12 @@ QNetworkRequest networkRequest(const HttpRequest& request) {
   return converted;
 }
 
-/// Whether the failure is nothing but Qt's word for a status of 400 or above.
+/// Whether the failure is nothing but Qt's word for the status.
 bool isJustTheStatus(QNetworkReply::NetworkError error, int status) {
-  if (status < 400 || error == QNetworkReply::ContentReSendError) return false;
+  // These two ask for the body to be sent to another address, and it can't be started over.
+  if (error == QNetworkReply::ContentReSendError) return status == 307 || status == 308;
+  if (error == QNetworkReply::ProxyAuthenticationRequiredError) return status == 407;
+  if (status < 400) return false;
   const bool isContentError =
       error > QNetworkReply::UnknownProxyError && error <= QNetworkReply::UnknownContentError;
   const bool isServerError = error >= QNetworkReply::InternalServerError;

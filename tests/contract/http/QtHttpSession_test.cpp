@@ -189,6 +189,17 @@ TEST_F(QtHttpSessionTest, AnAnswerThatIsNoHttpIsAFailure) {
   EXPECT_EQ(server.requests().size(), 3u);
 }
 
+TEST_F(QtHttpSessionTest, EveryStatusIsAnAnswerWithItsBody) {
+  const TestHttpServer server;
+  for (int status = 200; status < 600; ++status) {
+    const auto exchange = send(post(server.url(u"/status/%1"_s.arg(status))));
+    EXPECT_EQ(exchange.status(), status)
+        << static_cast<int>(exchange.error().value_or(UrlError::Unknown));
+    const bool isBodiless = status == 204 || status == 304;
+    EXPECT_EQ(exchange.body(), isBodiless ? ""_ba : "body of " + QByteArray::number(status));
+  }
+}
+
 TEST_F(QtHttpSessionTest, ABodyWhoseChunksMakeNoSenseHoldsNothing) {
   EXPECT_EQ(send(post(server.url(u"/bad-chunks"_s))).body(), "");
 }

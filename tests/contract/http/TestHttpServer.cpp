@@ -168,7 +168,9 @@ void TestHttpServer::answer(QTcpSocket* socket, const QString& path) {
   if (path.startsWith(u"/status/"_s)) {
     const int status = path.section(u'/', 2, 2).toInt();
     const QByteArray location = status == 302 ? "Location: /status/200\r\n"_ba : ""_ba;
-    socket->write(reply(status, "body of " + QByteArray::number(status), location));
+    const bool isBodiless = status == 204 || status == 304;
+    socket->write(
+        reply(status, isBodiless ? ""_ba : "body of " + QByteArray::number(status), location));
   } else if (path == u"/cookie"_s) {
     socket->write(reply(200, "ok", "Set-Cookie: a=b\r\nCache-Control: max-age=1000\r\n"));
   } else if (path == u"/unauthorized"_s) {
