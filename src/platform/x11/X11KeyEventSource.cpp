@@ -78,7 +78,9 @@ bool X11KeyEventSource::connect() {
   if (!m_link) return false;
   m_link->connection->setEventHandler(
       [this](const xcb_generic_event_t& event) { handleEvent(event); });
-  m_link->connection->setClosedHandler([this] { m_recovery.start(0); });
+  m_link->connection->setClosedHandler([this] {
+    if (m_isStarted) m_recovery.start(0);
+  });
   return true;
 }
 

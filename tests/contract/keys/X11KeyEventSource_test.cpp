@@ -1,6 +1,9 @@
 // The X server's keys: several keyboards, keyboards that go, grabs, and Vemo's own keys.
 #include <xkbcommon/xkbcommon-keysyms.h>
 
+#include <algorithm>
+#include <span>
+
 #include "KeyListener.h"
 #include "contract/x11/PrivateServer.h"
 #include "contract/x11/TestKeyboard.h"
@@ -221,6 +224,50 @@ TEST_F(X11KeyEventSourceTest, AStoppedSourceTellsOfNoInterruption) {
   server.kill();
   EXPECT_TRUE(EventLoop::runUntil([&] { return !doomed.start(); }));
   EXPECT_EQ(ear.interruptions, 0);
+}
+
+/// Breaks the connection that made the newest window, as a desktop may do with a client.
+void breakNewestConnection() {
+  const auto connection = X11Connection::create();
+  const auto tree = connection->reply<xcb_query_tree_reply_t>(
+      xcb_query_tree(connection->xcb(), connection->root()).sequence);
+  ASSERT_TRUE(tree);
+  const std::span windows(xcb_query_tree_children(tree.get()), tree->children_len);
+  const auto newest = std::ranges::find(windows, connection->window()) - 1;
+  xcb_kill_client(connection->xcb(), *newest);
+  connection->synchronize();
+}
+
+TEST_F(X11KeyEventSourceTest, AConnectionThatAloneIsBrokenIsMadeAgain) {
+  X11KeyEventSource second;
+  KeyListener ear(second);
+  ASSERT_TRUE(second.start());
+  user.press(XKB_KEY_Alt_L);
+  ASSERT_EQ(second.modifierFlags(), OptionFlag);
+  breakNewestConnection();
+  ASSERT_TRUE(ear.waitForInterruptions(1));
+  ASSERT_TRUE(EventLoop::runUntil([&] { return second.modifierFlags() == OptionFlag; }));
+  user.release(XKB_KEY_Alt_L);
+  EXPECT_THAT(ear.takeEvents(), ElementsAre(flagsChanged(58, OptionFlag), flagsChanged(58, 0)));
+  EXPECT_EQ(ear.interruptions, 1);
+  EXPECT_EQ(listener.interruptions, 0);
+}
+
+TEST_F(X11KeyEventSourceTest, AStoppedSourceStaysStoppedThoughItsConnectionBreak) {
+  X11KeyEventSource second;
+  KeyListener ear(second);
+  ASSERT_TRUE(second.start());
+  second.stop();
+  breakNewestConnection();
+  tap(XKB_KEY_a);
+  ear.catchUp();
+  ear.catchUp();
+  EXPECT_THAT(listener.takeEvents(), ElementsAre(keyDown(0), keyUp(0)));
+  EXPECT_THAT(ear.events, IsEmpty());
+  EXPECT_EQ(ear.interruptions, 0);
+  ASSERT_TRUE(second.start());
+  tap(XKB_KEY_a);
+  EXPECT_THAT(ear.takeEvents(), ElementsAre(keyDown(0), keyUp(0)));
 }
 
 TEST_F(X11KeyEventSourceTest, ItCanListenAsLongAsThereIsAServer) {
