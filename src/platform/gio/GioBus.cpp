@@ -55,8 +55,7 @@ GioBus::GioBus(GioThread& thread, const std::string& address, Handlers handlers)
       address.c_str(), flags, nullptr, m_cancellable,
       [](GObject*, GAsyncResult* result, gpointer data) {
         const auto request = Request::end(data);
-        GDBusConnection* connection =
-            g_dbus_connection_new_for_address_finish(result, nullptr);
+        GDBusConnection* connection = g_dbus_connection_new_for_address_finish(result, nullptr);
         if (const auto bus = request->bus.lock())
           (*bus)->takeConnection(connection);
         else

@@ -175,6 +175,18 @@ TEST_F(AppStateTriggersTest, AMissingMicrophoneIsPromptedForOnceIn30sAndToldEach
   EXPECT_TRUE(storage.hasLogged(u"recording blocked — missing permissions"_s));
 }
 
+TEST_F(AppStateTriggersTest, WithoutMicrophoneAndTrustTheMicrophoneAloneIsAskedFor) {
+  startUp();
+  system.microphoneAuthorization = MicrophoneAuthorization::NotDetermined;
+  system.isTrusted = false;
+  permissions->refresh();
+  appState->handleToggleTrigger();
+  EXPECT_THAT(hud.takeCalls(), ElementsAre("showError(Microphone access needed)"));
+  EXPECT_EQ(system.microphoneRequests.size(), 1u);
+  EXPECT_EQ(system.accessibilityPrompts, 0);
+  EXPECT_EQ(system.openedPanes.size(), 1u);
+}
+
 TEST_F(AppStateTriggersTest, MissingTrustOpensItsPromptAndPane) {
   startUp();
   system.isTrusted = false;
