@@ -123,9 +123,10 @@ void TestKeyboard::strike(std::uint8_t eventOffset, xcb_keycode_t code) {
 }
 
 void TestKeyboard::switchOn(bool isOn) {
-  const std::uint8_t value = isOn;
+  // Padded, as the library sends whole words.
+  const std::uint8_t value[4] = {isOn};
   xcb_input_xi_change_property(m_connection->xcb(), m_id, XCB_PROP_MODE_REPLACE, 8,
-                               m_connection->atom("Device Enabled"), XCB_ATOM_INTEGER, 1, &value);
+                               m_connection->atom("Device Enabled"), XCB_ATOM_INTEGER, 1, value);
   m_connection->synchronize();
 }
 
