@@ -2,12 +2,14 @@
 
 #include "storage/SecureTokenStore.h"
 #include "storage/SettingsKeys.h"
+#include "telemetry/Telemetry.h"
 
 namespace vemo {
 
-AuthManager::AuthManager(SecureTokenStore& tokens, Settings& settings)
+AuthManager::AuthManager(SecureTokenStore& tokens, Settings& settings, Telemetry& telemetry)
     : m_tokens(tokens),
       m_settings(settings),
+      m_telemetry(telemetry),
       m_isSignedIn(tokens.read(QString::fromUtf16(authTokenAccount)).has_value()) {}
 
 void AuthManager::setLastError(std::optional<QString> message) {
@@ -16,6 +18,7 @@ void AuthManager::setLastError(std::optional<QString> message) {
 }
 
 void AuthManager::signOut() {
+  m_telemetry.drainForAccountChange();
   m_tokens.remove(QString::fromUtf16(authTokenAccount));
   m_settings.remove(keys::authEmail);
   m_settings.remove(keys::authDisplayName);

@@ -14,11 +14,12 @@ namespace vemo {
 
 class SecureTokenStore;
 class Settings;
+class Telemetry;
 
 class AuthManager {
  public:
   /// Signed in from the start when the token store holds a session token.
-  AuthManager(SecureTokenStore& tokens, Settings& settings);
+  AuthManager(SecureTokenStore& tokens, Settings& settings, Telemetry& telemetry);
 
   bool isSignedIn() const { return m_isSignedIn; }
 
@@ -38,6 +39,7 @@ class AuthManager {
  private:
   SecureTokenStore& m_tokens;
   Settings& m_settings;
+  Telemetry& m_telemetry;
   bool m_isSignedIn = false;
   std::optional<QString> m_lastError;
 };

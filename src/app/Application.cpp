@@ -89,7 +89,7 @@ struct Application::Base {
 
   TerminationSignals terminationSignals;
   SystemInformation information = readSystemInformation();
-  SignalCrashRecorder crashes{crashFileInItsFolder(), information.versionLabel().toUtf8()};
+  SignalCrashRecorder crashes{crashFileInItsFolder(), information.applicationBuild.toUtf8()};
   QtMainThread mainThread;
   QtClock clock{mainThread};
   DebugLog debugLog{clock, places::logFolder()};
@@ -164,7 +164,7 @@ struct Application::Program {
                    .system = base.information,
                    .device = desktop.deviceInformation,
                    .crashes = base.crashes}),
-        auth(tokens, settings),
+        auth(tokens, settings, telemetry),
         slack({.tokens = tokens,
                .settings = settings,
                .debugLog = debugLog,

@@ -53,7 +53,7 @@ class SessionOnFakes {
   void startUp() {
     tokens =
         std::make_unique<SecureTokenStore>(std::vector<SecretBackend*>{&secrets}, storage.debugLog);
-    auth = std::make_unique<AuthManager>(*tokens, storage.settings);
+    auth = std::make_unique<AuthManager>(*tokens, storage.settings, telemetry);
     slack = std::make_unique<SlackManager>(SlackManager::Neighbours{
         .tokens = *tokens,
         .settings = storage.settings,
