@@ -4,6 +4,10 @@ namespace vemo {
 
 namespace {
 
+/// A frame is drawn for the moment at which the display shows it, a frame's time later. So the
+/// first of a pill that fades in is one in which something can be seen.
+constexpr std::chrono::nanoseconds untilShown{1'000'000'000 / 60};
+
 PillPicture withoutWaveforms(PillPicture picture) {
   for (auto& content : picture.contents) content.waveform = {};
   return picture;
@@ -16,17 +20,23 @@ PixelRect toPixelRect(const QRect& rect) {
 }  // namespace
 
 HUDView::HUDView(FloatingPanel& panel, HUDModel& model, Settings& settings, Clock& clock)
-    : m_panel(panel), m_hud(model, settings, clock, m_text) {
+    : m_panel(panel), m_clock(clock), m_hud(model, settings, clock, m_text) {
   m_panel.onFrame = [this] { drawFrame(); };
   m_panel.onRedrawNeeded = [this] {
     m_drawnSize.reset();
     m_panel.setAnimating(Animating::Yes);
   };
-  m_observation = m_hud.changed.observe([this] { m_panel.setAnimating(Animating::Yes); });
+  m_observation = m_hud.changed.observe([this] {
+    // What has gone is not to be seen for a frame when the panel is shown the next time.
+    if (m_hud.isGone())
+      drawFrame();
+    else
+      m_panel.setAnimating(Animating::Yes);
+  });
 }
 
 void HUDView::drawFrame() {
-  const PillPicture picture = m_hud.picture();
+  const PillPicture picture = m_hud.picture(m_clock.monotonicTime() + untilShown);
   const PanelPixels pixels = m_panel.pixels();
   const QRect all(0, 0, pixels.width, pixels.height);
   const QRect changed = m_drawnSize == all.size() ? changedSince(picture, pixels.scale) & all : all;

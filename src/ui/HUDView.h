@@ -20,6 +20,7 @@ class HUDView {
   QRect changedSince(const PillPicture& picture, double scale) const;
 
   FloatingPanel& m_panel;
+  Clock& m_clock;
   PillText m_text;
   RecordingHUD m_hud;
   PillPainter m_painter{m_text};

@@ -123,8 +123,8 @@ void RecordingHUD::followColor() {
   }
 }
 
-bool RecordingHUD::isVisible(Clock::MonotonicTime now) const {
-  return m_presence.target() == 1 || m_presence.isMoving(now);
+bool RecordingHUD::isVisible(Clock::MonotonicTime moment) const {
+  return m_presence.target() == 1 || m_presence.isMoving(moment);
 }
 
 bool RecordingHUD::needsFrames() const {
@@ -137,33 +137,32 @@ bool RecordingHUD::needsFrames() const {
          std::ranges::any_of(m_leaving, moves, &Shown::opacity);
 }
 
-PillPicture RecordingHUD::picture() const {
-  const auto now = m_clock.monotonicTime();
+PillPicture RecordingHUD::picture(Clock::MonotonicTime moment) const {
   PillPicture picture;
-  if (!isVisible(now)) return picture;
-  const double width = m_width.at(now);
+  if (!isVisible(moment)) return picture;
+  const double width = m_width.at(moment);
   picture.pill = {panelSize.width / 2 - width / 2,
-                  pillTopPadding(m_model.topInset, m_model.hasNotch), width, m_height.at(now)};
-  picture.cornerRadius = m_cornerRadius.at(now);
-  const double presence = m_presence.at(now);
+                  pillTopPadding(m_model.topInset, m_model.hasNotch), width, m_height.at(moment)};
+  picture.cornerRadius = m_cornerRadius.at(moment);
+  const double presence = m_presence.at(moment);
   picture.scale = mixed(m_transition.scale, 1, presence);
   picture.offset = mixed(m_transition.offset, 0, presence);
   picture.opacity = std::clamp(presence, 0.0, 1.0);
   picture.isLeaving = !m_model.isPresented;
-  picture.colors = colorsAt(now);
+  picture.colors = colorsAt(moment);
   for (const Shown& shown : m_leaving) {
-    if (shown.opacity.isMoving(now))
-      picture.contents.push_back(contentOf(shown, picture.pill, now));
+    if (shown.opacity.isMoving(moment))
+      picture.contents.push_back(contentOf(shown, picture.pill, moment));
   }
-  picture.contents.push_back(contentOf(m_current, picture.pill, now));
+  picture.contents.push_back(contentOf(m_current, picture.pill, moment));
   return picture;
 }
 
 PillPicture::Content RecordingHUD::contentOf(const Shown& shown, const ScreenRect& pill,
-                                             Clock::MonotonicTime now) const {
-  const double liveTextOpacity = std::clamp(m_liveTextOpacity.at(now), 0.0, 1.0);
+                                             Clock::MonotonicTime moment) const {
+  const double liveTextOpacity = std::clamp(m_liveTextOpacity.at(moment), 0.0, 1.0);
   PillPicture::Content content{
-      .opacity = std::clamp(shown.opacity.at(now), 0.0, 1.0),
+      .opacity = std::clamp(shown.opacity.at(moment), 0.0, 1.0),
       .layout =
           pillLayout(shown.state, liveTextOpacity > 0 ? m_lastLiveText : QString(), m_metrics),
       .waveform = {},
@@ -188,9 +187,9 @@ PillPicture::Content RecordingHUD::contentOf(const Shown& shown, const ScreenRec
   return content;
 }
 
-PillColors RecordingHUD::colorsAt(Clock::MonotonicTime now) const {
+PillColors RecordingHUD::colorsAt(Clock::MonotonicTime moment) const {
   const PillColors& colors = pillTheme(m_pillColor).pill;
-  const double part = m_colorChange.at(now);
+  const double part = m_colorChange.at(moment);
   if (part == 1) return colors;
   return {.fill = mixed(m_formerColors.fill, colors.fill, part),
           .stroke = mixed(m_formerColors.stroke, colors.stroke, part),

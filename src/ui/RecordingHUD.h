@@ -43,8 +43,10 @@ class RecordingHUD {
  public:
   RecordingHUD(HUDModel& model, Settings& settings, Clock& clock, const PillTextMetrics& metrics);
 
-  /// The pill now.
-  PillPicture picture() const;
+  /// The pill at that moment, which no change has come before.
+  PillPicture picture(Clock::MonotonicTime moment) const;
+  /// Whether there's nothing to be seen of the pill.
+  bool isGone() const { return !isVisible(m_clock.monotonicTime()); }
   /// Whether the pill looks different at the next frame.
   bool needsFrames() const;
 
@@ -62,10 +64,10 @@ class RecordingHUD {
   void followContent(Clock::MonotonicTime now);
   void followSize(const Motion& motion, Clock::MonotonicTime now);
   void followColor();
-  bool isVisible(Clock::MonotonicTime now) const;
+  bool isVisible(Clock::MonotonicTime moment) const;
   PillPicture::Content contentOf(const Shown& shown, const ScreenRect& pill,
-                                 Clock::MonotonicTime now) const;
-  PillColors colorsAt(Clock::MonotonicTime now) const;
+                                 Clock::MonotonicTime moment) const;
+  PillColors colorsAt(Clock::MonotonicTime moment) const;
 
   HUDModel& m_model;
   Settings& m_settings;

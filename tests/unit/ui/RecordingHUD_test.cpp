@@ -29,6 +29,8 @@ class RecordingHUDTest : public testing::Test {
     clock.advance(5s);
   }
 
+  PillPicture picture() const { return hud.picture(clock.monotonicTime()); }
+
   FakeMainThread mainThread;
   FakeClock clock{mainThread};
   TestStorage storage{clock};
@@ -38,57 +40,57 @@ class RecordingHUDTest : public testing::Test {
 };
 
 TEST_F(RecordingHUDTest, HiddenThereIsNothingToShowAndNoFrameIsNeeded) {
-  EXPECT_TRUE(hud.picture().isEmpty());
+  EXPECT_TRUE(picture().isEmpty());
   EXPECT_FALSE(hud.needsFrames());
   set(Kind::Recording);
-  EXPECT_TRUE(hud.picture().isEmpty());
+  EXPECT_TRUE(picture().isEmpty());
   EXPECT_FALSE(hud.needsFrames());
 }
 
 TEST_F(RecordingHUDTest, ThePillStandsInTheMiddleBelowTheStrip) {
   model.topInset = 24;
   showSettled(Kind::Recording);
-  const auto picture = hud.picture();
-  EXPECT_EQ(picture.pill, (ScreenRect{178, 34, 104, 38}));
-  EXPECT_EQ(picture.cornerRadius, 100);
-  EXPECT_NEAR(picture.scale, 1, 1e-6);
-  EXPECT_NEAR(picture.offset, 0, 1e-4);
-  EXPECT_NEAR(picture.opacity, 1, 1e-6);
-  ASSERT_EQ(picture.contents.size(), 1U);
-  EXPECT_EQ(picture.contents[0].layout.waveform, (ScreenRect{194, 44, 72, 18}));
-  EXPECT_EQ(picture.contents[0].opacity, 1);
+  const auto seen = picture();
+  EXPECT_EQ(seen.pill, (ScreenRect{178, 34, 104, 38}));
+  EXPECT_EQ(seen.cornerRadius, 100);
+  EXPECT_NEAR(seen.scale, 1, 1e-6);
+  EXPECT_NEAR(seen.offset, 0, 1e-4);
+  EXPECT_NEAR(seen.opacity, 1, 1e-6);
+  ASSERT_EQ(seen.contents.size(), 1U);
+  EXPECT_EQ(seen.contents[0].layout.waveform, (ScreenRect{194, 44, 72, 18}));
+  EXPECT_EQ(seen.contents[0].opacity, 1);
 }
 
 TEST_F(RecordingHUDTest, InsertionComesFromAboveSmallAndTransparentAlongTheGivenSpring) {
   set(Kind::Recording);
   const Spring spring{.response = 0.36, .dampingFraction = 0.74};
   present(true, spring);
-  auto picture = hud.picture();
-  EXPECT_EQ(picture.scale, 0.88);
-  EXPECT_EQ(picture.offset, -12);
-  EXPECT_EQ(picture.opacity, 0);
+  auto seen = picture();
+  EXPECT_EQ(seen.scale, 0.88);
+  EXPECT_EQ(seen.offset, -12);
+  EXPECT_EQ(seen.opacity, 0);
   clock.advance(100ms);
-  picture = hud.picture();
+  seen = picture();
   const double presence = 1 - springAt(spring, 0, 0.1).value;
-  EXPECT_NEAR(picture.opacity, presence, 1e-9);
-  EXPECT_NEAR(picture.scale, 0.88 + 0.12 * presence, 1e-9);
-  EXPECT_NEAR(picture.offset, -12 + 12 * presence, 1e-9);
-  EXPECT_FALSE(picture.isLeaving);
+  EXPECT_NEAR(seen.opacity, presence, 1e-9);
+  EXPECT_NEAR(seen.scale, 0.88 + 0.12 * presence, 1e-9);
+  EXPECT_NEAR(seen.offset, -12 + 12 * presence, 1e-9);
+  EXPECT_FALSE(seen.isLeaving);
 }
 
 TEST_F(RecordingHUDTest, OvershootingThePillIsLargerThanAtRestButNotMoreThanOpaque) {
   set(Kind::Recording);
   present(true);
   clock.advance(250ms);
-  EXPECT_GT(hud.picture().scale, 1);
-  EXPECT_EQ(hud.picture().opacity, 1);
+  EXPECT_GT(picture().scale, 1);
+  EXPECT_EQ(picture().opacity, 1);
 }
 
 TEST_F(RecordingHUDTest, WithoutAnAnimationOfTheChangeTheViewsOwnSpringPresentsThePill) {
   set(Kind::Transcribing);
   present(true);
   clock.advance(100ms);
-  EXPECT_NEAR(hud.picture().opacity, 1 - springAt({0.36, 0.74}, 0, 0.1).value, 1e-9);
+  EXPECT_NEAR(picture().opacity, 1 - springAt({0.36, 0.74}, 0, 0.1).value, 1e-9);
 }
 
 TEST_F(RecordingHUDTest, RemovalGoesTheSameWayBackUntilNothingIsLeft) {
@@ -96,10 +98,10 @@ TEST_F(RecordingHUDTest, RemovalGoesTheSameWayBackUntilNothingIsLeft) {
   const Spring spring{.response = 0.32, .dampingFraction = 0.8};
   present(false, spring);
   clock.advance(100ms);
-  EXPECT_NEAR(hud.picture().opacity, springAt(spring, 0, 0.1).value, 1e-9);
-  EXPECT_TRUE(hud.picture().isLeaving);
+  EXPECT_NEAR(picture().opacity, springAt(spring, 0, 0.1).value, 1e-9);
+  EXPECT_TRUE(picture().isLeaving);
   clock.advance(5s);
-  EXPECT_TRUE(hud.picture().isEmpty());
+  EXPECT_TRUE(picture().isEmpty());
   EXPECT_FALSE(hud.needsFrames());
 }
 
@@ -110,7 +112,7 @@ TEST_F(RecordingHUDTest, IdleAndNotPresentedNothingIsLeftAtOnce) {
   model.state = {};
   model.isPresented = false;
   model.changed.notify({});
-  EXPECT_TRUE(hud.picture().isEmpty());
+  EXPECT_TRUE(picture().isEmpty());
   EXPECT_EQ(changes, 1);
 }
 
@@ -121,14 +123,14 @@ TEST_F(RecordingHUDTest, ANotchChangesThePaddingAtOnceAndTheNextTransition) {
   model.hasNotch = true;
   model.topInset = 32;
   model.changed.notify({});
-  EXPECT_EQ(hud.picture().pill.y, 36);
-  EXPECT_EQ(hud.picture().scale, 0.88);
+  EXPECT_EQ(picture().pill.y, 36);
+  EXPECT_EQ(picture().scale, 0.88);
   clock.advance(5s);
   present(false);
   clock.advance(100ms);
-  const double left = hud.picture().opacity;
-  EXPECT_NEAR(hud.picture().scale, 0.75 + 0.25 * left, 1e-9);
-  EXPECT_NEAR(hud.picture().offset, -40 + 40 * left, 1e-9);
+  const double left = picture().opacity;
+  EXPECT_NEAR(picture().scale, 0.75 + 0.25 * left, 1e-9);
+  EXPECT_NEAR(picture().offset, -40 + 40 * left, 1e-9);
 }
 
 TEST_F(RecordingHUDTest, AnotherStateResizesThePillAndExchangesItsContentsAlongTheStatesSpring) {
@@ -136,24 +138,24 @@ TEST_F(RecordingHUDTest, AnotherStateResizesThePillAndExchangesItsContentsAlongT
   set(Kind::Error, u"0123456789"_s);
   clock.advance(100ms);
   const double part = 1 - springAt({0.3, 0.8}, 0, 0.1).value;
-  const auto picture = hud.picture();
-  EXPECT_NEAR(picture.pill.width, 104 + (116 - 104) * part, 1e-9);
-  EXPECT_NEAR(picture.pill.height, 38 + (34 - 38) * part, 1e-9);
-  EXPECT_NEAR(picture.pill.midX(), 230, 1e-9);
-  ASSERT_EQ(picture.contents.size(), 2U);
-  EXPECT_NEAR(picture.contents[0].opacity, 1 - part, 1e-9);
-  EXPECT_FALSE(picture.contents[0].waveform.bars.empty());
-  EXPECT_NEAR(picture.contents[1].opacity, part, 1e-9);
-  EXPECT_EQ(picture.contents[1].message, u"0123456789"_s);
+  const auto seen = picture();
+  EXPECT_NEAR(seen.pill.width, 104 + (116 - 104) * part, 1e-9);
+  EXPECT_NEAR(seen.pill.height, 38 + (34 - 38) * part, 1e-9);
+  EXPECT_NEAR(seen.pill.midX(), 230, 1e-9);
+  ASSERT_EQ(seen.contents.size(), 2U);
+  EXPECT_NEAR(seen.contents[0].opacity, 1 - part, 1e-9);
+  EXPECT_FALSE(seen.contents[0].waveform.bars.empty());
+  EXPECT_NEAR(seen.contents[1].opacity, part, 1e-9);
+  EXPECT_EQ(seen.contents[1].message, u"0123456789"_s);
 }
 
 TEST_F(RecordingHUDTest, ContentStandsInTheMiddleOfAPillThatIsStillResizing) {
   showSettled(Kind::Recording);
   set(Kind::Error, u"0123456789"_s);
-  const auto picture = hud.picture();
-  const auto& layout = picture.contents[1].layout;
+  const auto seen = picture();
+  const auto& layout = seen.contents[1].layout;
   EXPECT_EQ(layout.symbol.x, 230 - 116 / 2.0 + 16);
-  EXPECT_EQ(layout.message.y, picture.pill.y + (38 - 34) / 2.0 + 10);
+  EXPECT_EQ(layout.message.y, seen.pill.y + (38 - 34) / 2.0 + 10);
 }
 
 TEST_F(RecordingHUDTest, AStateThatIsSetWhileHiddenIsThereWholeAtTheNextShow) {
@@ -163,10 +165,10 @@ TEST_F(RecordingHUDTest, AStateThatIsSetWhileHiddenIsThereWholeAtTheNextShow) {
   model.changed.notify({});
   set(Kind::Error, u"0123456789"_s);
   present(true);
-  const auto picture = hud.picture();
-  EXPECT_EQ(picture.pill.width, 116);
-  ASSERT_EQ(picture.contents.size(), 1U);
-  EXPECT_EQ(picture.contents[0].opacity, 1);
+  const auto seen = picture();
+  EXPECT_EQ(seen.pill.width, 116);
+  ASSERT_EQ(seen.contents.size(), 1U);
+  EXPECT_EQ(seen.contents[0].opacity, 1);
 }
 
 TEST_F(RecordingHUDTest, ManyQuickChangesLeaveFewContentsFading) {
@@ -175,7 +177,7 @@ TEST_F(RecordingHUDTest, ManyQuickChangesLeaveFewContentsFading) {
     set(Kind::Error, QString::number(i));
     clock.advance(1ms);
   }
-  EXPECT_LE(hud.picture().contents.size(), 3U);
+  EXPECT_LE(picture().contents.size(), 3U);
 }
 
 TEST_F(RecordingHUDTest, LiveTextEasesInFor150msAndMakesTheCapsuleARoundedRectangle) {
@@ -183,16 +185,16 @@ TEST_F(RecordingHUDTest, LiveTextEasesInFor150msAndMakesTheCapsuleARoundedRectan
   model.liveText = QString(40, u'x');
   model.changed.notify({});
   clock.advance(75ms);
-  auto picture = hud.picture();
-  EXPECT_NEAR(picture.cornerRadius, 58, 0.1);
-  EXPECT_NEAR(picture.pill.width, (104 + 252) / 2.0, 0.2);
-  EXPECT_NEAR(picture.contents[0].liveTextOpacity, 0.5, 1e-3);
+  auto seen = picture();
+  EXPECT_NEAR(seen.cornerRadius, 58, 0.1);
+  EXPECT_NEAR(seen.pill.width, (104 + 252) / 2.0, 0.2);
+  EXPECT_NEAR(seen.contents[0].liveTextOpacity, 0.5, 1e-3);
   clock.advance(75ms);
-  picture = hud.picture();
-  EXPECT_EQ(picture.cornerRadius, 16);
-  EXPECT_EQ(picture.pill.width, 252);
-  EXPECT_EQ(picture.contents[0].liveTextOpacity, 1);
-  EXPECT_EQ(picture.contents[0].liveText, model.liveText);
+  seen = picture();
+  EXPECT_EQ(seen.cornerRadius, 16);
+  EXPECT_EQ(seen.pill.width, 252);
+  EXPECT_EQ(seen.contents[0].liveTextOpacity, 1);
+  EXPECT_EQ(seen.contents[0].liveText, model.liveText);
 }
 
 TEST_F(RecordingHUDTest, LiveTextFadesOutAsItWasWhenItGoes) {
@@ -203,11 +205,11 @@ TEST_F(RecordingHUDTest, LiveTextFadesOutAsItWasWhenItGoes) {
   model.liveText.clear();
   model.changed.notify({});
   clock.advance(75ms);
-  EXPECT_EQ(hud.picture().contents[0].liveText, u"so far"_s);
-  EXPECT_NEAR(hud.picture().contents[0].liveTextOpacity, 0.5, 1e-3);
+  EXPECT_EQ(picture().contents[0].liveText, u"so far"_s);
+  EXPECT_NEAR(picture().contents[0].liveTextOpacity, 0.5, 1e-3);
   clock.advance(75ms);
-  EXPECT_EQ(hud.picture().contents[0].liveText, QString());
-  EXPECT_EQ(hud.picture().pill.width, 104);
+  EXPECT_EQ(picture().contents[0].liveText, QString());
+  EXPECT_EQ(picture().pill.width, 104);
 }
 
 TEST_F(RecordingHUDTest, MoreLiveTextResizesThePillAtOnce) {
@@ -217,7 +219,7 @@ TEST_F(RecordingHUDTest, MoreLiveTextResizesThePillAtOnce) {
   clock.advance(5s);
   model.liveText += QString(4, u'x');
   model.changed.notify({});
-  EXPECT_EQ(hud.picture().pill.width, 44 * 5.5 + 32);
+  EXPECT_EQ(picture().pill.width, 44 * 5.5 + 32);
 }
 
 TEST_F(RecordingHUDTest, TheWaveformFollowsTheLevelAndTheTimeSince2001) {
@@ -229,30 +231,30 @@ TEST_F(RecordingHUDTest, TheWaveformFollowsTheLevelAndTheTimeSince2001) {
                                     std::chrono::sys_days{std::chrono::year{2001} / 1 / 1})
           .count();
   const VemoWaveform waveform{.mode = VemoWaveform::Active{0.4F}, .theme = u"dark"_s};
-  EXPECT_EQ(hud.picture().contents[0].waveform, waveform.drawing(72, 18, seconds));
+  EXPECT_EQ(picture().contents[0].waveform, waveform.drawing(72, 18, seconds));
   set(Kind::Transcribing);
   clock.advance(5s);
   const VemoWaveform sweep{.mode = VemoWaveform::Processing{}, .theme = u"dark"_s};
-  EXPECT_EQ(hud.picture().contents[0].waveform, sweep.drawing(72, 18, seconds + 5));
+  EXPECT_EQ(picture().contents[0].waveform, sweep.drawing(72, 18, seconds + 5));
 }
 
 TEST_F(RecordingHUDTest, AChangeOfThePillColourRecoloursAnOpenPillWithin200ms) {
   showSettled(Kind::Recording);
-  const PillColors dark = hud.picture().colors;
+  const PillColors dark = picture().colors;
   storage.settings.set(keys::dictationPillColor, u"light"_s);
-  EXPECT_EQ(hud.picture().colors, dark);
+  EXPECT_EQ(picture().colors, dark);
   clock.advance(100ms);
   const PillColors& light = pillTheme(u"light"_s).pill;
-  EXPECT_NEAR(hud.picture().colors.fill.red, (dark.fill.red + light.fill.red) / 2, 1e-3);
-  EXPECT_NEAR(hud.picture().colors.text.green, (1 + light.text.green) / 2, 1e-3);
+  EXPECT_NEAR(picture().colors.fill.red, (dark.fill.red + light.fill.red) / 2, 1e-3);
+  EXPECT_NEAR(picture().colors.text.green, (1 + light.text.green) / 2, 1e-3);
   clock.advance(100ms);
-  EXPECT_EQ(hud.picture().colors, light);
+  EXPECT_EQ(picture().colors, light);
 }
 
 TEST_F(RecordingHUDTest, AnUnknownDictationPillColorValueDrawsAsDark) {
   storage.settings.set(keys::dictationPillColor, u"ultraviolet"_s);
   showSettled(Kind::Recording);
-  EXPECT_EQ(hud.picture().colors, pillTheme(u"dark"_s).pill);
+  EXPECT_EQ(picture().colors, pillTheme(u"dark"_s).pill);
 }
 
 TEST_F(RecordingHUDTest, FramesAreNeededForAsLongAsAWaveformIsShownOrSomethingMoves) {
