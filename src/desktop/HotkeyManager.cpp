@@ -30,6 +30,15 @@ bool isHeldAlone(std::int64_t modifierKey, ModifierFlags flags) {
   return flag && (flags & allModifierFlags) == flag;
 }
 
+/// Another key's event tells that the shortcut's modifier is up: its key came up earlier, while the
+/// other side's still held the flag.
+bool isGone(const CustomKeyShortcut& shortcut, const KeyEvent& event) {
+  if (!shortcut.isModifierOnly || !shortcut.keyCode || event.type != Type::FlagsChanged)
+    return false;
+  const ModifierFlags flag = ownFlag(*shortcut.keyCode);
+  return event.keyCode != shortcut.keyCode && flag && !(event.flags & flag);
+}
+
 }  // namespace
 
 HotkeyManager::HotkeyManager(KeyEventSource& source, LoneModifier& loneModifier, Clock& clock,
@@ -130,6 +139,7 @@ void HotkeyManager::triggerToggle(const CustomKeyShortcut& shortcut) {
 // Push-to-talk
 
 void HotkeyManager::processPushToTalk(const CustomKeyShortcut& shortcut, const KeyEvent& event) {
+  if (isGone(shortcut, event)) return release();
   if (shortcut.presetId == u"eitherOption") {
     processEitherOption(event);
   } else if (shortcut.presetId == u"leftOption") {
@@ -164,8 +174,9 @@ void HotkeyManager::processLeftOption(const KeyEvent& event) {
 Task<> HotkeyManager::pressAfterHold(std::stop_token stop) {
   if (co_await m_clock.sleep(leftOptionHoldThreshold, stop) == SleepEnd::Cancelled) co_return;
   if (stop.stop_requested() || m_isPushToTalkKeyDown) co_return;
-  // Another modifier that went down meanwhile makes it a combination.
-  if (m_source.modifierFlags() & allModifierFlags & ~OptionFlag) co_return;
+  // Another modifier that went down meanwhile makes it a combination. And Option may be up by now
+  // without an event that ended the hold: when the right side came up last.
+  if (!isHeldAlone(kLeftOption, m_source.modifierFlags())) co_return;
   m_debugLog(u"HotkeyManager: Left Option PTT DOWN (held)"_s);
   press(kLeftOption);
 }

@@ -159,6 +159,39 @@ TEST_F(HotkeyPushToTalkTest, RightOptionPressedWhileLeftIsDownIsReleasedOnlyWhen
   EXPECT_THAT(takeCalls(), ElementsAre("up"));
 }
 
+TEST_F(HotkeyPushToTalkTest, BothOptionsTappedTogetherPressAndReleaseAndNoHoldFollows) {
+  flags(kLeftOption, OptionFlag);
+  flags(kRightOption, OptionFlag);
+  flags(kLeftOption, OptionFlag);
+  flags(kRightOption, 0);
+  clock.advance(1h);
+  EXPECT_THAT(takeCalls(), ElementsAre("down", "up"));
+}
+
+TEST_F(HotkeyPushToTalkTest, AModifierLetGoBeforeItsOtherSideIsReleasedWhenThatComesUpToo) {
+  for (const ModifierKey& key : modifierKeys) {
+    for (const ModifierKey& other : modifierKeys) {
+      if (other.flag != key.flag || other.keyCode == key.keyCode) continue;
+      choosePushToTalk(
+          {.keyCode = key.keyCode, .modifierFlagsRaw = key.flag, .isModifierOnly = true});
+      flags(key.keyCode, key.flag);
+      flags(other.keyCode, key.flag);
+      flags(key.keyCode, key.flag);
+      EXPECT_THAT(takeCalls(), ElementsAre("down")) << key.keyCode;
+      flags(other.keyCode, 0);
+      EXPECT_THAT(takeCalls(), ElementsAre("up")) << key.keyCode;
+    }
+  }
+  choose(u"leftOption"_s);
+  flags(kLeftOption, OptionFlag);
+  clock.advance(200ms);
+  flags(kRightOption, OptionFlag);
+  flags(kLeftOption, OptionFlag);
+  EXPECT_THAT(takeCalls(), ElementsAre("down"));
+  flags(kRightOption, 0);
+  EXPECT_THAT(takeCalls(), ElementsAre("up"));
+}
+
 TEST_F(HotkeyPushToTalkTest, OtherKeysDoNothingToEitherOption) {
   flags(kRightOption, OptionFlag);
   keyDown(0, OptionFlag);
