@@ -1,6 +1,7 @@
 """Vemo as a person has it: the real program with a home of its own, driven by its commands."""
 
 import array
+import json
 import math
 import os
 import pathlib
@@ -59,6 +60,18 @@ class Humming:
         subprocess.run(["pactl", "unload-module", self._module], check=False)
 
 
+def with_settings(**settings):
+    """For Vemo's prepare_home: it starts with these in its settings file."""
+    def prepare(vemo):
+        (vemo.configuration / "settings.json").write_text(json.dumps(settings))
+    return prepare
+
+
+def namespaces_of_its_own(*kinds):
+    """The front of a command that runs in them, with the rights to set them up."""
+    return ["unshare", *kinds, *([] if os.geteuid() == 0 else ["--user", "--map-current-user", "--keep-caps"])]
+
+
 class Vemo:
     """`with Vemo(server.address) as vemo: vemo.dictate()`"""
 
@@ -82,8 +95,13 @@ class Vemo:
         write_tone(self.tone)
         if self._prepare_home:
             self._prepare_home(self)
+        self.launch()
+        return self
+
+    def launch(self):
+        """Starts the program; once more, when it has ended."""
         self.output = self.home / "output"
-        with open(self.output, "wb") as output:
+        with open(self.output, "ab") as output:
             os.fchmod(output.fileno(), 0o600)
             self.process = subprocess.Popen([*self.wrapper, program("vemo")], env=self.environment,
                                             stdin=subprocess.DEVNULL, stdout=output, stderr=subprocess.STDOUT)
@@ -92,7 +110,6 @@ class Vemo:
         except BaseException:
             self.__exit__()
             raise
-        return self
 
     def __exit__(self, *_):
         self.command("quit")

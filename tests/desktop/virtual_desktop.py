@@ -54,6 +54,10 @@ WINDOW_MANAGER_CONFIGURATION = """<?xml version="1.0"?>
   <focus><focusNew>yes</focusNew><focusLast>yes</focusLast></focus>
   <placement><policy>Smart</policy></placement>
   <desktops><number>1</number></desktops>
+  <keyboard>
+    <keybind key="A-Tab"><action name="NextWindow"/></keybind>
+    <keybind key="A-F4"><action name="Close"/></keybind>
+  </keyboard>
   <mouse>
     <context name="Client"><mousebind button="Left" action="Press">
       <action name="Focus"/><action name="Raise"/>
