@@ -4,6 +4,7 @@
 #include <QFileInfo>
 
 #include "account/AuthManager.h"
+#include "account/GoogleSignIn.h"
 #include "app/TerminationSignals.h"
 #include "audio/AudioRecorder.h"
 #include "base/SerialQueue.h"
@@ -17,6 +18,7 @@
 #include "platform/gio/GioThread.h"
 #include "platform/logind/LogindSleep.h"
 #include "platform/posix/SignalCrashRecorder.h"
+#include "platform/posix/SystemRandom.h"
 #include "platform/pulse/PulseAudioInput.h"
 #include "platform/pulse/PulseInputDevice.h"
 #include "platform/pulse/PulseMicrophoneAccess.h"
@@ -38,6 +40,7 @@
 #include "platform/x11/X11LoneModifier.h"
 #include "platform/x11/X11Screens.h"
 #include "platform/xdg/AbsentHaptics.h"
+#include "platform/xdg/BrowserSignIn.h"
 #include "platform/xdg/BusRemoteControl.h"
 #include "platform/xdg/LinuxDeviceInformation.h"
 #include "platform/xdg/LinuxPermissions.h"
@@ -89,7 +92,7 @@ struct Application::Base {
 
   TerminationSignals terminationSignals;
   SystemInformation information = readSystemInformation();
-  SignalCrashRecorder crashes{crashFileInItsFolder(), information.applicationBuild.toUtf8()};
+  SignalCrashRecorder crashes{crashFileInItsFolder(), information.versionLabel().toUtf8()};
   QtMainThread mainThread;
   QtClock clock{mainThread};
   DebugLog debugLog{clock, places::logFolder()};
@@ -139,13 +142,13 @@ struct Application::Desktop {
 /// The logic, on those adapters.
 struct Application::Program {
   Program(Base& base, Desktop& desktop, const DeploymentConfiguration& configuration,
-          std::function<void()> quit)
+          DictationRemoteControl::Program remotely)
       : Program(base, base.mainThread, base.clock, base.debugLog, base.settings, desktop,
-                configuration, std::move(quit)) {}
+                configuration, std::move(remotely)) {}
 
   Program(Base& base, QtMainThread& mainThread, QtClock& theClock, DebugLog& debugLog,
           Settings& settings, Desktop& desktop, const DeploymentConfiguration& configuration,
-          std::function<void()> quit)
+          DictationRemoteControl::Program remotely)
       : session(mainThread),
         hedgeSession(mainThread),
         sharedSession(mainThread),
@@ -164,7 +167,21 @@ struct Application::Program {
                    .system = base.information,
                    .device = desktop.deviceInformation,
                    .crashes = base.crashes}),
-        auth(tokens, settings, telemetry),
+        browserSignIn(mainThread, QCoreApplication::applicationFilePath()),
+        googleSignIn({.browser = browserSignIn,
+                      .session = sharedSession,
+                      .random = random,
+                      .configuration = configuration}),
+        auth({.mainThread = mainThread,
+              .clock = theClock,
+              .tokens = tokens,
+              .settings = settings,
+              .debugLog = debugLog,
+              .telemetry = telemetry,
+              .session = sharedSession,
+              .googleSignIn = googleSignIn,
+              .configuration = configuration,
+              .system = base.information}),
         slack({.tokens = tokens,
                .settings = settings,
                .debugLog = debugLog,
@@ -228,8 +245,8 @@ struct Application::Program {
                        if (desktop.systemEvents.onDidWake) desktop.systemEvents.onDidWake();
                        telemetry.sendDeviceReport(Urgency::IfDue);
                      }),
-        ending(mainThread),
-        remoteControl(appState, std::move(quit)) {}
+        tasks(mainThread),
+        remoteControl(appState, std::move(remotely)) {}
 
   QtHttpSession session;
   QtHttpSession hedgeSession;
@@ -238,9 +255,12 @@ struct Application::Program {
   SecureTokenStore tokens;
   QtLastRequest lastRequest;
   Telemetry telemetry;
+  SystemRandom random;
+  BrowserSignIn browserSignIn;
+  GoogleSignIn googleSignIn;
   AuthManager auth;
-  SlackManager slack;
   SerialQueue diskReader{"vemo.workspace"};
+  SlackManager slack;
   WorkspaceIndexer workspace;
   PermissionsManager permissions;
   HotkeyManager hotkey;
@@ -251,7 +271,7 @@ struct Application::Program {
   HUDWindowController hud;
   AppState appState;
   LogindSleep machineSleep;
-  TaskScope ending;
+  TaskScope tasks;
   DictationRemoteControl remoteControl;
 };
 
@@ -261,7 +281,18 @@ Application::Application(DeploymentConfiguration configuration)
 Application::~Application() = default;
 
 void Application::quit() {
-  m_program->ending.start([this](std::stop_token) { return quitWithoutLoss(); });
+  m_program->tasks.start([this](std::stop_token) { return quitWithoutLoss(); });
+}
+
+/// The redirect of a sign-in carries secrets in its query, so the log holds no query at all.
+void Application::open(const QString& address) {
+  const QUrl url(address);
+  if (m_program->browserSignIn.deliver(url)) return;
+  m_base->debugLog(u"appDelegate: opened URL "_s +
+                   url.toString(QUrl::RemoveQuery | QUrl::RemoveFragment));
+  if (url.scheme() != u"vemo") return;
+  m_program->tasks.start(
+      [this](std::stop_token stop) { return m_program->auth.refreshProfile(std::move(stop)); });
 }
 
 /// A target may still be reading the text that was pasted a moment ago.
@@ -295,7 +326,10 @@ std::optional<QString> Application::start() {
   awaitKeyring();
   m_desktop = Desktop::create(m_base->mainThread);
   if (!m_desktop) return u"Vemo needs an X server with XFixes, XTest, XInput 2 and RandR 1.5."_s;
-  m_program = std::make_unique<Program>(*m_base, *m_desktop, m_configuration, [this] { quit(); });
+  m_program = std::make_unique<Program>(
+      *m_base, *m_desktop, m_configuration,
+      DictationRemoteControl::Program{.quit = [this] { quit(); },
+                                      .open = [this](const QString& address) { open(address); }});
   m_program->appState.bootstrap();
   m_program->telemetry.start(false);
   m_bus->serve(m_program->remoteControl);

@@ -35,6 +35,7 @@ class Application {
   std::optional<QString> start();
 
   void quit();
+  void open(const QString& address);
   Task<> quitWithoutLoss();
 
   const DeploymentConfiguration m_configuration;

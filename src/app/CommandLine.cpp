@@ -1,5 +1,7 @@
 #include "app/CommandLine.h"
 
+#include <map>
+
 #include "platform/qt/QtSystemInformation.h"
 
 namespace vemo {
@@ -16,12 +18,18 @@ const QString usage =
     u"  start    start a dictation\n"
     u"  stop     end the dictation and paste its text\n"
     u"  status   say how the dictation stands\n"
-    u"  quit     end Vemo\n\n"
+    u"  quit     end Vemo\n"
+    u"  sign-in  open the page on which you sign in\n"
+    u"  sign-out forget the account on this machine\n\n"
     u"Options:\n"
     u"  --help     show this text\n"
     u"  --version  show the version\n"_s;
 
-const QStringList remoteCommands{u"toggle"_s, u"start"_s, u"stop"_s, u"status"_s, u"quit"_s};
+/// What is typed, and the operation of RemoteControl that it means.
+const std::map<QString, QString> remoteCommands{
+    {u"toggle"_s, u"toggle"_s},   {u"start"_s, u"start"_s}, {u"stop"_s, u"stop"_s},
+    {u"status"_s, u"status"_s},   {u"quit"_s, u"quit"_s},   {u"sign-in"_s, u"signIn"_s},
+    {u"sign-out"_s, u"signOut"_s}};
 
 }  // namespace
 
@@ -29,7 +37,8 @@ std::expected<CommandLine, QString> parseCommandLine(const QStringList& argument
   if (arguments.isEmpty()) return RunCommand{};
   const QString& first = arguments.front();
   if (arguments.size() == 1) {
-    if (remoteCommands.contains(first)) return RemoteCommand{first};
+    if (const auto command = remoteCommands.find(first); command != remoteCommands.end())
+      return RemoteCommand{command->second, {}};
     if (first == u"--help" || first == u"-h") return PrintCommand{usage};
     if (first == u"--version") {
       const auto information = readSystemInformation();
@@ -37,6 +46,8 @@ std::expected<CommandLine, QString> parseCommandLine(const QStringList& argument
           u"Vemo %1 (%2)\n"_s.arg(information.applicationVersion, information.applicationBuild)};
     }
   }
+  // For the desktop, which starts it with the address that a browser was sent to.
+  if (arguments.size() == 2 && first == u"open") return RemoteCommand{u"open"_s, {arguments[1]}};
   return std::unexpected(
       u"vemo: '%1' is not understood; see vemo --help"_s.arg(arguments.join(u' ')));
 }

@@ -11,10 +11,10 @@ namespace vemo {
 /// Run as the resident program.
 struct RunCommand {};
 
-/// Reach the running program with one of its commands ("toggle", "start", "stop", "status",
-/// "quit").
+/// Reach the running program with an operation of RemoteControl.
 struct RemoteCommand {
   QString name;
+  QStringList arguments;
 };
 
 /// Print a text and end.

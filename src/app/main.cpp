@@ -69,9 +69,9 @@ int runResident(int argc, char** argv) {
   return QGuiApplication::exec();
 }
 
-int runRemote(int argc, char** argv, const QString& command) {
+int runRemote(int argc, char** argv, const RemoteCommand& command) {
   const QCoreApplication qtApplication(argc, argv);
-  const auto answer = sendCommand(command);
+  const auto answer = sendCommand(command.name, command.arguments);
   if (!answer) return complain(answer.error(), failure);
   if (!answer->isEmpty()) std::printf("%s\n", qUtf8Printable(*answer));
   return 0;
@@ -90,6 +90,6 @@ int main(int argc, char** argv) {
     return 0;
   }
   if (const auto* remote = std::get_if<RemoteCommand>(&*commandLine))
-    return runRemote(argc, argv, remote->name);
+    return runRemote(argc, argv, *remote);
   return runResident(argc, argv);
 }

@@ -18,6 +18,12 @@ class RemoteControl {
   virtual QString stop() = 0;
   virtual QString status() const = 0;
   virtual void quit() = 0;
+
+  /// Opens the page on which the user signs in. The line says how the account stands.
+  virtual QString signIn() = 0;
+  virtual QString signOut() = 0;
+  /// An address that the desktop opens with this program.
+  virtual void open(const QString& address) = 0;
 };
 
 }  // namespace vemo

@@ -168,6 +168,16 @@ void AppState::copyTranscript(const QString& text) {
     m_with.debugLog(u"copy: the clipboard can't be written"_s);
 }
 
+void AppState::signIn() {
+  cancelSignIn();
+  m_signInTask = m_tasks.start(
+      [&](std::stop_token stop) { return m_with.auth.signInWithGoogle(std::move(stop)); });
+}
+
+void AppState::cancelSignIn() {
+  m_signInTask.cancel();
+}
+
 void AppState::clearLocalUserData() {
   m_with.auth.signOut();
   m_history.clear();

@@ -108,6 +108,11 @@ class AppState {
   /// The explicit sign-out, with everything that this machine holds of the user's words.
   void clearLocalUserData();
 
+  /// Begins a sign-in, in place of one that is under way.
+  void signIn();
+  /// Ends the wait for the user, who has nothing else to close it with.
+  void cancelSignIn();
+
   void installHotkeyIfNeeded();
 
   /// Fills the streaming slot for the recording that is about to start or has just started: its
@@ -177,6 +182,7 @@ class AppState {
   std::vector<StartedTask> m_chunkTasks;
   StartedTask m_recordingCapTask;
   StartedTask m_transcriptionTask;
+  StartedTask m_signInTask;
   std::shared_ptr<StreamingDictationSession> m_stream;
   std::vector<std::pair<QByteArray, int>> m_deferredChunks;
 

@@ -6,8 +6,8 @@ namespace vemo {
 
 using namespace Qt::Literals::StringLiterals;
 
-DictationRemoteControl::DictationRemoteControl(AppState& appState, std::function<void()> quit)
-    : m_appState(appState), m_quit(std::move(quit)) {}
+DictationRemoteControl::DictationRemoteControl(AppState& appState, Program program)
+    : m_appState(appState), m_program(std::move(program)) {}
 
 QString DictationRemoteControl::toggle() {
   m_appState.handleToggleTrigger();
@@ -33,7 +33,21 @@ QString DictationRemoteControl::status() const {
 }
 
 void DictationRemoteControl::quit() {
-  m_quit();
+  m_program.quit();
+}
+
+QString DictationRemoteControl::signIn() {
+  m_appState.signIn();
+  return u"The sign-in page is on its way to your browser."_s;
+}
+
+QString DictationRemoteControl::signOut() {
+  m_appState.clearLocalUserData();
+  return status();
+}
+
+void DictationRemoteControl::open(const QString& address) {
+  m_program.open(address);
 }
 
 }  // namespace vemo

@@ -1,4 +1,4 @@
-// What `vemo toggle`, `vemo start` and `vemo stop` do to the running program. Main thread only.
+// What `vemo toggle` and the other commands do to the running program. Main thread only.
 #pragma once
 
 #include <functional>
@@ -11,7 +11,13 @@ class AppState;
 
 class DictationRemoteControl : public RemoteControl {
  public:
-  DictationRemoteControl(AppState& appState, std::function<void()> quit);
+  /// What the program as a whole does.
+  struct Program {
+    std::function<void()> quit;
+    std::function<void(const QString& address)> open;
+  };
+
+  DictationRemoteControl(AppState& appState, Program program);
 
   /// As the toggle key.
   QString toggle() override;
@@ -22,10 +28,13 @@ class DictationRemoteControl : public RemoteControl {
   /// The phase; an idle program that can't dictate says why behind it.
   QString status() const override;
   void quit() override;
+  QString signIn() override;
+  QString signOut() override;
+  void open(const QString& address) override;
 
  private:
   AppState& m_appState;
-  std::function<void()> m_quit;
+  const Program m_program;
 };
 
 }  // namespace vemo

@@ -68,17 +68,12 @@ bool Telemetry::sharesUsage() const {
 }
 
 void Telemetry::track(TelemetryEvent event) {
-  if (isWelcome(event)) {
-    enqueue(std::move(event));
-    if (m_queue.size() >= flushThreshold) flush();
-  }
-}
-
-bool Telemetry::isWelcome(const TelemetryEvent& event) const {
-  return event.eventClass() == EventClass::Essential || sharesUsage();
+  enqueue(std::move(event));
+  if (m_queue.size() >= flushThreshold) flush();
 }
 
 void Telemetry::enqueue(TelemetryEvent event) {
+  if (event.eventClass() == EventClass::Optional && !sharesUsage()) return;
   m_queue.push_back({std::move(event), m_with.clock.wallTime()});
   dropOldest();
   armFlushTimer();
@@ -163,11 +158,9 @@ std::vector<EventRecord> Telemetry::takeBatch() {
 }
 
 Task<> Telemetry::deliver(std::vector<EventRecord> batch, QString token, std::stop_token stop) {
-  const int accountChanges = m_accountChanges;
   const auto answer =
       co_await m_with.session.send(m_requests.events(batch, token), std::move(stop));
-  const bool isOver = isSuccess(answer) || isRefusal(answer);
-  if (!isOver && accountChanges == m_accountChanges) restore(std::move(batch));
+  if (!isSuccess(answer) && !isRefusal(answer)) restore(std::move(batch));
   m_isFlushing = false;
 }
 
@@ -180,10 +173,9 @@ void Telemetry::restore(std::vector<EventRecord> batch) {
 
 void Telemetry::endSession() {
   const auto sinceStart = m_with.clock.monotonicTime() - m_sessionStart;
-  auto ended = TelemetryEvent::sessionEnded(
-      std::chrono::duration_cast<std::chrono::seconds>(sinceStart).count());
   // Not track(): a flush that nobody waits for would take the events along.
-  if (isWelcome(ended)) enqueue(std::move(ended));
+  enqueue(TelemetryEvent::sessionEnded(
+      std::chrono::duration_cast<std::chrono::seconds>(sinceStart).count()));
   const QString token = sessionToken();
   if (token.isEmpty() || m_queue.empty()) return;
   const auto batch = takeBatch();
@@ -192,7 +184,6 @@ void Telemetry::endSession() {
 }
 
 void Telemetry::drainForAccountChange() {
-  ++m_accountChanges;
   const auto batch = takeBatch();
   m_queue.clear();
   const QString token = sessionToken();
@@ -217,8 +208,7 @@ void Telemetry::recordFirstDictation() {
 void Telemetry::reportRequestResult(const QString& endpoint, std::optional<int> status,
                                     Clock::MonotonicTime startedAt,
                                     const std::optional<HttpError>& error) {
-  const auto elapsed = m_with.clock.monotonicTime() - startedAt;
-  const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(elapsed).count();
+  const auto ms = millisecondsSince(startedAt);
   if (error) {
     track(TelemetryEvent::requestBroken(endpoint, ms, static_cast<int>(error->code)));
   } else if (status && *status >= 400 && *status != 401) {
@@ -226,6 +216,15 @@ void Telemetry::reportRequestResult(const QString& endpoint, std::optional<int> 
   } else if (ms >= slowRequestMs) {
     track(TelemetryEvent::requestSlow(endpoint, ms));
   }
+}
+
+void Telemetry::reportUnreadableAnswer(const QString& endpoint, Clock::MonotonicTime startedAt) {
+  track(TelemetryEvent::requestBroken(endpoint, millisecondsSince(startedAt), {}));
+}
+
+std::int64_t Telemetry::millisecondsSince(Clock::MonotonicTime startedAt) const {
+  const auto elapsed = m_with.clock.monotonicTime() - startedAt;
+  return std::chrono::duration_cast<std::chrono::milliseconds>(elapsed).count();
 }
 
 void Telemetry::setShareUsageStatistics(bool enabled) {

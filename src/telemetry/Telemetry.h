@@ -74,6 +74,9 @@ class Telemetry {
   void reportRequestResult(const QString& endpoint, std::optional<int> status,
                            Clock::MonotonicTime startedAt, const std::optional<HttpError>& error);
 
+  /// After an answer that can't be understood.
+  void reportUnreadableAnswer(const QString& endpoint, Clock::MonotonicTime startedAt);
+
   /// The user's switch. Off also drops what already waits and isn't essential.
   void setShareUsageStatistics(bool enabled);
 
@@ -90,8 +93,8 @@ class Telemetry {
   QString sessionToken() const;
   bool sharesUsage() const;
 
-  bool isWelcome(const TelemetryEvent& event) const;
   void enqueue(TelemetryEvent event);
+  std::int64_t millisecondsSince(Clock::MonotonicTime startedAt) const;
   std::vector<EventRecord> takeBatch();
   void restore(std::vector<EventRecord> batch);
   void dropOldest();
@@ -111,7 +114,6 @@ class Telemetry {
   const Clock::MonotonicTime m_sessionStart;
   std::deque<EventRecord> m_queue;
   bool m_isFlushing = false;
-  int m_accountChanges = 0;  ///< a batch of an earlier account doesn't come back
   std::optional<Clock::MonotonicTime> m_startedAt;  ///< the flush timer ticks each minute from here
   SettingsSnapshot m_settingsSnapshot;
   Observation m_settingsObservation;

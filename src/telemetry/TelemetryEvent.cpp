@@ -118,10 +118,11 @@ TelemetryEvent TelemetryEvent::requestFailed(const QString& endpoint, std::int64
                    {{u"endpoint"_s, endpoint}, {u"status"_s, status}, {u"ms"_s, qint64{ms}}});
 }
 
-TelemetryEvent TelemetryEvent::requestBroken(const QString& endpoint, std::int64_t ms, int error) {
-  return essential(
-      u"request_failed",
-      {{u"endpoint"_s, endpoint}, {u"error"_s, u"url_%1"_s.arg(error)}, {u"ms"_s, qint64{ms}}});
+TelemetryEvent TelemetryEvent::requestBroken(const QString& endpoint, std::int64_t ms,
+                                             std::optional<int> error) {
+  return essential(u"request_failed", {{u"endpoint"_s, endpoint},
+                                       {u"error"_s, error ? u"url_%1"_s.arg(*error) : u"error"_s},
+                                       {u"ms"_s, qint64{ms}}});
 }
 
 TelemetryEvent TelemetryEvent::requestSlow(const QString& endpoint, std::int64_t ms) {

@@ -53,9 +53,10 @@ class TelemetryEvent {
   static TelemetryEvent textInsertionFailed(Literal reason);
   static TelemetryEvent transcriptCopied();
 
-  // Requests. `error` is the number of a UrlError.
+  // Requests. `error` is the number of a UrlError, absent for a failure of another kind.
   static TelemetryEvent requestFailed(const QString& endpoint, std::int64_t ms, int status);
-  static TelemetryEvent requestBroken(const QString& endpoint, std::int64_t ms, int error);
+  static TelemetryEvent requestBroken(const QString& endpoint, std::int64_t ms,
+                                      std::optional<int> error);
   static TelemetryEvent requestSlow(const QString& endpoint, std::int64_t ms);
 
   // Account.

@@ -23,10 +23,6 @@ void insertIfKnown(QJsonObject& report, const QString& key, const std::optional<
   if (fact) report.insert(key, *fact);
 }
 
-void insertIfKnown(QJsonObject& report, const QString& key, const QStringList& facts) {
-  if (!facts.isEmpty()) report.insert(key, QJsonArray::fromStringList(facts));
-}
-
 }  // namespace
 
 HttpRequest TelemetryRequests::events(std::span<const EventRecord> batch,
@@ -50,7 +46,7 @@ HttpRequest TelemetryRequests::installReport(const DeviceFacts& device) const {
   };
   add("x-device-model"_ba, m_system.deviceModel.value_or(u"unknown"_s));
   if (m_settings.get(keys::shareUsageStatistics, true)) {
-    if (!device.localeIdentifier.isEmpty()) add("x-locale"_ba, device.localeIdentifier);
+    add("x-locale"_ba, device.localeIdentifier);
     if (device.timeZone) add("x-timezone"_ba, *device.timeZone);
   }
   return request;
@@ -75,10 +71,10 @@ QJsonObject TelemetryRequests::deviceReport(const DeviceFacts& device) const {
   insertIfKnown(report, u"appearance"_s, device.appearance);
   report.insert(u"launchAtLogin"_s, m_settings.get(keys::launchAtLogin, true));
   report.insert(u"inApplicationsFolder"_s, device.inApplicationsFolder);
-  insertIfKnown(report, u"languages"_s, device.languages);
+  report.insert(u"languages"_s, QJsonArray::fromStringList(device.languages));
   insertIfKnown(report, u"localeRegion"_s, device.localeRegion);
   insertIfKnown(report, u"timeZone"_s, device.timeZone);
-  insertIfKnown(report, u"inputSources"_s, device.inputSources);
+  report.insert(u"inputSources"_s, QJsonArray::fromStringList(device.inputSources));
   insertIfKnown(report, u"micType"_s, device.microphoneType);
   return report;
 }

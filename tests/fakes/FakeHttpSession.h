@@ -29,6 +29,11 @@ class FakeHttpSession : public HttpSession {
     m_scripts[path].push_back({delay, HttpResponse{.status = status, .body = body}});
   }
 
+  /// The answer to every request that has no script of its own left.
+  void answerAlways(const QString& path, int status, const QByteArray& body = {}) {
+    m_standingAnswers[path] = {Clock::Duration(), HttpResponse{.status = status, .body = body}};
+  }
+
   /// Something that doesn't speak HTTP answers.
   void answerWithoutStatus(const QString& path, Clock::Duration delay = {}) {
     m_scripts[path].push_back({delay, HttpResponse{}});
@@ -51,6 +56,8 @@ class FakeHttpSession : public HttpSession {
     m_requests.push_back(request);
     m_sendTimes.push_back(m_clock.monotonicTime());
     auto& script = m_scripts[request.url.path()];
+    const auto standing = m_standingAnswers.find(request.url.path());
+    if (script.empty() && standing != m_standingAnswers.end()) script.push_back(standing->second);
     if (script.empty()) {
       ADD_FAILURE() << "nobody scripted an answer to " << request.url.toString().toStdString();
       co_return std::unexpected(HttpError{UrlError::Unknown, QStringLiteral("not scripted")});
@@ -118,6 +125,7 @@ class FakeHttpSession : public HttpSession {
   Clock& m_clock;
   const HttpSessionLimits m_limits;
   std::map<QString, std::deque<Entry>> m_scripts;
+  std::map<QString, Entry> m_standingAnswers;
   std::vector<HttpRequest> m_requests;
   std::vector<Clock::MonotonicTime> m_sendTimes;
   int m_cancellations = 0;

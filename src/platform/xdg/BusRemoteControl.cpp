@@ -30,6 +30,9 @@ class BusRemoteControl::Adaptor : public QObject {
   QString stop() { return m_control.stop(); }
   QString status() { return m_control.status(); }
   void quit() { m_control.quit(); }
+  QString signIn() { return m_control.signIn(); }
+  QString signOut() { return m_control.signOut(); }
+  void open(const QString& address) { m_control.open(address); }
 
  private:
   RemoteControl& m_control;
@@ -56,10 +59,11 @@ void BusRemoteControl::serve(RemoteControl& control) {
                                                QDBusConnection::ExportAllSlots);
 }
 
-std::expected<QString, QString> sendCommand(const QString& command) {
+std::expected<QString, QString> sendCommand(const QString& command, const QStringList& arguments) {
   const auto bus = QDBusConnection::sessionBus();
   if (!bus.isConnected()) return std::unexpected(u"There is no session bus to reach Vemo on."_s);
-  const auto call = QDBusMessage::createMethodCall(busName, objectPath, busName, command);
+  auto call = QDBusMessage::createMethodCall(busName, objectPath, busName, command);
+  for (const QString& argument : arguments) call << argument;
   const auto answer = bus.call(call, QDBus::Block, answerTimeoutMs);
   if (answer.type() == QDBusMessage::ErrorMessage) {
     if (answer.errorName() == u"org.freedesktop.DBus.Error.ServiceUnknown")

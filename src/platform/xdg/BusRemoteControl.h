@@ -5,6 +5,7 @@
 
 #include <QObject>
 #include <QString>
+#include <QStringList>
 #include <expected>
 #include <memory>
 
@@ -34,8 +35,9 @@ class BusRemoteControl {
   std::unique_ptr<Adaptor> m_adaptor;
 };
 
-/// Sends "toggle", "start", "stop", "status" or "quit" to the running program. The answer, or why
+/// Calls an operation of RemoteControl, by its name, in the running program. The answer, or why
 /// there is none, is one line for the person at the terminal.
-std::expected<QString, QString> sendCommand(const QString& command);
+std::expected<QString, QString> sendCommand(const QString& command,
+                                            const QStringList& arguments = {});
 
 }  // namespace vemo

@@ -26,6 +26,9 @@ class RecordingRemoteControl : public RemoteControl {
   QString stop() override { return note("stop"); }
   QString status() const override { return u"idle: Sign in to connect"_s; }
   void quit() override { note("quit"); }
+  QString signIn() override { return note("signIn"); }
+  QString signOut() override { return note("signOut"); }
+  void open(const QString& address) override { note(("open " + address.toUtf8()).constData()); }
 
   std::vector<std::string> calls;
 
@@ -39,8 +42,9 @@ class RecordingRemoteControl : public RemoteControl {
 class BusRemoteControlTest : public testing::Test {
  protected:
   /// Sends as another process would, while this one's event loop runs.
-  std::expected<QString, QString> send(const QString& command) {
-    auto answer = std::async(std::launch::async, [command] { return sendCommand(command); });
+  std::expected<QString, QString> send(const QString& command, const QStringList& arguments = {}) {
+    auto answer = std::async(std::launch::async,
+                             [command, arguments] { return sendCommand(command, arguments); });
     while (answer.wait_for(std::chrono::seconds(0)) != std::future_status::ready)
       QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
     return answer.get();
@@ -69,7 +73,11 @@ TEST_F(BusRemoteControlTest, CommandsReachTheProgramAndBringItsAnswerBack) {
   EXPECT_EQ(send(u"stop"_s), u"stop done"_s);
   EXPECT_EQ(send(u"status"_s), u"idle: Sign in to connect"_s);
   EXPECT_EQ(send(u"quit"_s), QString());
-  EXPECT_THAT(control.calls, ElementsAre("toggle", "start", "stop", "quit"));
+  EXPECT_EQ(send(u"signIn"_s), u"signIn done"_s);
+  EXPECT_EQ(send(u"signOut"_s), u"signOut done"_s);
+  EXPECT_EQ(send(u"open"_s, {u"vemo://a?b=c"_s}), QString());
+  EXPECT_THAT(control.calls, ElementsAre("toggle", "start", "stop", "quit", "signIn", "signOut",
+                                         "open vemo://a?b=c"));
 }
 
 TEST_F(BusRemoteControlTest, ACommandThatDoesNotExistIsAnErrorAndNoCall) {

@@ -21,6 +21,18 @@ TEST(CommandLineTest, EachRemoteCommandIsTakenAsItStands) {
   }
 }
 
+TEST(CommandLineTest, WordsWithAHyphenAreOneOperation) {
+  EXPECT_EQ(std::get<RemoteCommand>(*parseCommandLine({u"sign-in"_s})).name, u"signIn"_s);
+  EXPECT_EQ(std::get<RemoteCommand>(*parseCommandLine({u"sign-out"_s})).name, u"signOut"_s);
+}
+
+TEST(CommandLineTest, AnAddressIsOpened) {
+  const auto command = std::get<RemoteCommand>(*parseCommandLine({u"open"_s, u"vemo://a b"_s}));
+  EXPECT_EQ(command.name, u"open"_s);
+  EXPECT_EQ(command.arguments, QStringList{u"vemo://a b"_s});
+  EXPECT_FALSE(parseCommandLine({u"open"_s}));
+}
+
 TEST(CommandLineTest, HelpNamesEveryCommandAndTheVersionHasItsBuild) {
   const QString help = std::get<PrintCommand>(*parseCommandLine({u"--help"_s})).text;
   for (const auto& name : {u"toggle"_s, u"start"_s, u"stop"_s, u"status"_s, u"quit"_s})

@@ -26,9 +26,11 @@
 #include "fakes/FakeRecordingIndicator.h"
 #include "fakes/FakeSecretBackend.h"
 #include "fakes/FakeSecureInput.h"
+#include "fakes/FakeSecureRandom.h"
 #include "fakes/FakeSounds.h"
 #include "fakes/FakeSystemEvents.h"
 #include "fakes/FakeSystemPermissions.h"
+#include "fakes/FakeWebAuthentication.h"
 #include "fakes/TelemetryOnFakes.h"
 #include "fakes/TestStorage.h"
 #include "integrations/SlackManager.h"
@@ -47,13 +49,25 @@ class SessionOnFakes {
   SessionOnFakes(MainThread& mainThread, Clock& clock) : m_mainThread(mainThread), m_clock(clock) {
     secrets.add(u"brelmox.Vemo"_s, u"authToken"_s, "token");
     inputDevice.setTransport(InputTransport::Usb);
+    accountHttp.answerAlways(u"/desktop/auth/profile"_s, 500);
+    accountHttp.answerAlways(u"/languages"_s, 500);
     sounds.resources = {u"vemo_start"_s, u"vemo_stop"_s};
   }
 
   void startUp() {
     tokens =
         std::make_unique<SecureTokenStore>(std::vector<SecretBackend*>{&secrets}, storage.debugLog);
-    auth = std::make_unique<AuthManager>(*tokens, storage.settings, telemetry);
+    auth = std::make_unique<AuthManager>(
+        AuthManager::Neighbours{.mainThread = m_mainThread,
+                                .clock = m_clock,
+                                .tokens = *tokens,
+                                .settings = storage.settings,
+                                .debugLog = storage.debugLog,
+                                .telemetry = accountTelemetry.telemetry,
+                                .session = accountHttp,
+                                .googleSignIn = googleSignIn,
+                                .configuration = configuration,
+                                .system = information});
     slack = std::make_unique<SlackManager>(SlackManager::Neighbours{
         .tokens = *tokens,
         .settings = storage.settings,
@@ -116,10 +130,13 @@ class SessionOnFakes {
   TestStorage storage{m_clock};
   TelemetryOnFakes telemetryOnFakes{m_mainThread, m_clock, storage};
   Telemetry& telemetry = telemetryOnFakes.telemetry;
+  /// Apart from the session's, so that signing out drops no event that a test asks for.
+  TelemetryOnFakes accountTelemetry{m_mainThread, m_clock, storage};
   FakeSecretBackend secrets;
   FakeSystemPermissions system;
   FakeHttpSession http{m_mainThread, m_clock};
   FakeHttpSession hedgeHttp{m_mainThread, m_clock};
+  FakeHttpSession accountHttp{m_mainThread, m_clock};
   /// What dictations go over; a test with a network of its own says so before startUp().
   HttpSession* dictationSession = &http;
   HttpSession* dictationHedgeSession = &hedgeHttp;
@@ -136,6 +153,12 @@ class SessionOnFakes {
   FakeRecordingIndicator hud;
   const SystemInformation information{u"12.8.0"_s, u"1.2.0"_s, u"34"_s};
   DeploymentConfiguration configuration = DeploymentConfiguration::builtIn();
+  FakeWebAuthentication browser{m_mainThread};
+  FakeSecureRandom random;
+  GoogleSignIn googleSignIn{{.browser = browser,
+                             .session = accountHttp,
+                             .random = random,
+                             .configuration = configuration}};
   FakeKeyEventSource keySource;
   FakeLoneModifier loneModifier;
   HotkeyManager hotkey{keySource,    loneModifier,     m_clock,

@@ -210,23 +210,6 @@ TEST_F(TelemetryDeliveryTest, DrainingSendsFiftyDropsTheRestAndIgnoresTheAnswer)
   EXPECT_THAT(telemetry.queue(), IsEmpty());
 }
 
-TEST_F(TelemetryDeliveryTest, ABatchUnderWayWhenTheAccountChangesDoesNotComeBackForTheNextOne) {
-  with.http.answer(eventsPath, 500, {}, 1s);
-  trackNumbered(1, 10);
-  telemetry.flush();
-  settle();
-  telemetry.drainForAccountChange();
-  trackNumbered(11, 11);
-  clock.advance(1s);
-  ASSERT_THAT(telemetry.queue(), SizeIs(1));
-  EXPECT_EQ(firstNumber(), 11);
-
-  with.http.answer(eventsPath, 500);
-  telemetry.flush();
-  settle();
-  EXPECT_THAT(telemetry.queue(), SizeIs(1)) << "a batch of the account that is signed in does";
-}
-
 TEST_F(TelemetryDeliveryTest, DrainingWhileSignedOutDropsEverything) {
   signOut();
   trackNumbered(1, 30);

@@ -87,6 +87,8 @@ TEST(TelemetryEventTest, EventsOfRequests) {
             R"(!request_failed {"endpoint":"dictate","ms":12,"status":503})");
   EXPECT_EQ(text(TelemetryEvent::requestBroken(u"auth/google"_s, 12, -1005)),
             R"(!request_failed {"endpoint":"auth/google","error":"url_-1005","ms":12})");
+  EXPECT_EQ(text(TelemetryEvent::requestBroken(u"auth/google"_s, 12, {})),
+            R"(!request_failed {"endpoint":"auth/google","error":"error","ms":12})");
   EXPECT_EQ(text(TelemetryEvent::requestSlow(u"dictate/chunk"_s, 5001)),
             R"(!request_slow {"endpoint":"dictate/chunk","ms":5001})");
 }

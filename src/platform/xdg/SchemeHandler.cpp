@@ -1,0 +1,74 @@
+#include "platform/xdg/SchemeHandler.h"
+
+#undef signals  // gio names a field so
+#include <gio/gdesktopappinfo.h>
+
+#include <QDir>
+#include <QFile>
+#include <QSaveFile>
+#include <QStandardPaths>
+#include <memory>
+
+namespace vemo {
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+const QString entryName = u"brelmox.Vemo.sign-in.desktop"_s;
+
+struct Unref {
+  void operator()(gpointer object) const { g_object_unref(object); }
+};
+
+/// A quoted argument of an Exec line, by the rules of desktop entries.
+QString quoted(const QString& argument) {
+  QString text = argument;
+  // Once for the quotes of the command, and once more as any string of the file.
+  for (const auto& special : {u"\\"_s, u"\""_s, u"`"_s, u"$"_s})
+    text.replace(special, u"\\"_s + special);
+  text.replace(u"\\"_s, u"\\\\"_s);
+  return u'"' + text + u'"';
+}
+
+QByteArray entryFor(const QString& scheme, const QString& program) {
+  return u"[Desktop Entry]\n"
+         u"Type=Application\n"
+         u"Name=Vemo\n"
+         u"Comment=Takes you back to Vemo after signing in\n"
+         u"Exec=%1 open %u\n"
+         u"NoDisplay=true\n"
+         u"MimeType=x-scheme-handler/%2;\n"_s.arg(quoted(program), scheme)
+             .toUtf8();
+}
+
+bool writeIfDifferent(const QString& path, const QByteArray& content) {
+  QFile existing(path);
+  if (existing.open(QIODevice::ReadOnly) && existing.readAll() == content) return true;
+  QSaveFile file(path);
+  return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.commit();
+}
+
+bool isDefaultFor(const QByteArray& mimeType) {
+  const std::unique_ptr<GAppInfo, Unref> current(
+      g_app_info_get_default_for_type(mimeType.constData(), FALSE));
+  return current && entryName == QString::fromUtf8(g_app_info_get_id(current.get()));
+}
+
+}  // namespace
+
+bool claimScheme(const QString& scheme, const QString& program) {
+  const QString folder = QStandardPaths::writableLocation(QStandardPaths::ApplicationsLocation);
+  if (folder.isEmpty() || !QDir().mkpath(folder)) return false;
+  const QString path = folder + u'/' + entryName;
+  if (!writeIfDifferent(path, entryFor(scheme, program))) return false;
+
+  const QByteArray mimeType = "x-scheme-handler/" + scheme.toUtf8();
+  if (isDefaultFor(mimeType)) return true;
+  const std::unique_ptr<GDesktopAppInfo, Unref> entry(
+      g_desktop_app_info_new(entryName.toUtf8().constData()));
+  return entry &&
+         g_app_info_set_as_default_for_type(G_APP_INFO(entry.get()), mimeType.constData(), nullptr);
+}
+
+}  // namespace vemo

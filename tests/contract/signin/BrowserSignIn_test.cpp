@@ -1,0 +1,174 @@
+// The way to the user's browser and back, with a browser of the test's own: a script that notes the
+// page, and the desktop's own tool that opens the redirect.
+#include "platform/xdg/BrowserSignIn.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QGuiApplication>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <optional>
+
+#include "base/TaskScope.h"
+#include "fakes/FakeMainThread.h"
+#include "fakes/QtTestLoop.h"
+#include "platform/xdg/SchemeHandler.h"
+
+namespace vemo {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+using Kind = WebAuthenticationError::Kind;
+
+class BrowserSignInTest : public testing::Test {
+ protected:
+  /// One home for all tests: GLib reads these variables once.
+  static const QTemporaryDir& home() {
+    static const QTemporaryDir folder;
+    return folder;
+  }
+
+  BrowserSignInTest() {
+    static int argumentCount = 1;
+    static char name[] = "test";
+    static char* arguments[] = {name, nullptr};
+    if (!QCoreApplication::instance()) new QGuiApplication(argumentCount, arguments);
+    for (const auto& notes : {u"opened"_s, u"redirected"_s}) QFile::remove(folder.filePath(notes));
+    qputenv("HOME", folder.path().toUtf8());
+    qputenv("XDG_DATA_HOME", folder.filePath(u"data"_s).toUtf8());
+    qputenv("XDG_CONFIG_HOME", folder.filePath(u"config"_s).toUtf8());
+    installScript(u"browser"_s, u"opened"_s);
+    installScript(u"vemo $ \"`x`\""_s, u"redirected"_s);
+    write(u"data/applications/browser.desktop"_s,
+          "[Desktop Entry]\nType=Application\nName=Browser\nExec=" +
+              folder.filePath(u"browser"_s).toUtf8() + " %u\n");
+    write(u"config/mimeapps.list"_s,
+          "[Default Applications]\nx-scheme-handler/https=browser.desktop\n");
+  }
+
+  void write(const QString& name, const QByteArray& content) const {
+    const QString path = folder.filePath(name);
+    QDir().mkpath(QFileInfo(path).path());
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(content);
+  }
+
+  /// A program that notes its arguments in a file.
+  void installScript(const QString& name, const QString& notes) const {
+    QFile script(folder.filePath(name));
+    ASSERT_TRUE(script.open(QIODevice::WriteOnly));
+    script.write(u"#!/bin/sh\nprintf '%s ' \"$@\" > '%1.new'\nmv '%1.new' '%1'\n"_s
+                     .replace(u"%1"_s, folder.filePath(notes))
+                     .toUtf8());
+    script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+  }
+
+  QString program() const { return folder.filePath(u"vemo $ \"`x`\""_s); }
+
+  QString noted(const QString& notes) const {
+    QFile file(folder.filePath(notes));
+    QtTestLoop::runUntil([&] { return file.exists(); });
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()).trimmed() : QString();
+  }
+
+  StartedTask begin(std::optional<WebAuthentication::Redirect>& end,
+                    const QString& scheme = u"example.test"_s) {
+    auto task = scope.start([&](std::stop_token stop) {
+      return keep(signIn.authenticate(QUrl(u"https://accounts.example/auth?x=1&y=a%20b"_s), scheme,
+                                      std::move(stop)),
+                  &end);
+    });
+    mainThread.drain();
+    return task;
+  }
+
+  const QTemporaryDir& folder = home();
+  FakeMainThread mainThread;
+  BrowserSignIn signIn{mainThread, program()};
+  TaskScope scope{mainThread};
+
+ private:
+  static Task<> keep(Task<WebAuthentication::Redirect> waiting,
+                     std::optional<WebAuthentication::Redirect>* end) {
+    *end = co_await std::move(waiting);
+  }
+};
+
+TEST_F(BrowserSignInTest, ThePageOpensInTheUsersBrowserAsItIs) {
+  std::optional<WebAuthentication::Redirect> end;
+  begin(end);
+  EXPECT_EQ(noted(u"opened"_s), u"https://accounts.example/auth?x=1&y=a%20b"_s);
+  EXPECT_FALSE(end);
+}
+
+TEST_F(BrowserSignInTest, TheDesktopOpensARedirectWithTheProgramWhateverItsName) {
+  std::optional<WebAuthentication::Redirect> end;
+  begin(end);
+  const QString redirect = u"example.test:/oauth2redirect?code=4%2Fa&state=b"_s;
+  ASSERT_EQ(QProcess::execute(u"gio"_s, {u"open"_s, redirect}), 0);
+  EXPECT_EQ(noted(u"redirected"_s), u"open "_s + redirect);
+}
+
+TEST_F(BrowserSignInTest, ARedirectEndsTheWaitOfItsScheme) {
+  std::optional<WebAuthentication::Redirect> end;
+  begin(end);
+  EXPECT_FALSE(signIn.deliver(QUrl(u"other.test:/oauth2redirect?code=c"_s)));
+  EXPECT_TRUE(signIn.deliver(QUrl(u"EXAMPLE.test:/oauth2redirect?code=c"_s)));
+  mainThread.drain();
+  ASSERT_TRUE(end && *end);
+  EXPECT_EQ(**end, QUrl(u"example.test:/oauth2redirect?code=c"_s));
+}
+
+TEST_F(BrowserSignInTest, WhenNobodyWaitsARedirectIsNobodys) {
+  EXPECT_FALSE(signIn.deliver(QUrl(u"example.test:/oauth2redirect?code=c"_s)));
+  std::optional<WebAuthentication::Redirect> end;
+  begin(end);
+  signIn.deliver(QUrl(u"example.test:/"_s));
+  mainThread.drain();
+  EXPECT_FALSE(signIn.deliver(QUrl(u"example.test:/"_s)));
+}
+
+TEST_F(BrowserSignInTest, OfTwoWaitsTheLatestGetsTheRedirect) {
+  std::optional<WebAuthentication::Redirect> first;
+  std::optional<WebAuthentication::Redirect> second;
+  begin(first);
+  begin(second);
+  EXPECT_TRUE(signIn.deliver(QUrl(u"example.test:/"_s)));
+  mainThread.drain();
+  EXPECT_FALSE(first);
+  EXPECT_TRUE(second);
+}
+
+TEST_F(BrowserSignInTest, StoppingIsCancelling) {
+  std::optional<WebAuthentication::Redirect> end;
+  begin(end).cancel();
+  mainThread.drain();
+  ASSERT_TRUE(end && !*end);
+  EXPECT_EQ(end->error().kind, Kind::Cancelled);
+}
+
+TEST_F(BrowserSignInTest, ADesktopThatTakesNoClaimIsToldBeforeAPageOpens) {
+  qputenv("XDG_DATA_HOME", "/proc/nowhere");
+  std::optional<WebAuthentication::Redirect> end;
+  begin(end);
+  ASSERT_TRUE(end && !*end);
+  EXPECT_EQ(end->error().kind, Kind::Failed);
+  EXPECT_FALSE(QFile::exists(folder.filePath(u"opened"_s)));
+}
+
+TEST_F(BrowserSignInTest, AClaimIsRenewedForAnotherProgramAndKeepsOtherClaims) {
+  QFile list(folder.filePath(u"config/mimeapps.list"_s));
+  EXPECT_TRUE(claimScheme(u"example.test"_s, u"/bin/true"_s));
+  EXPECT_TRUE(claimScheme(u"example.test"_s, u"/bin/false"_s));
+  ASSERT_TRUE(list.open(QIODevice::ReadOnly));
+  EXPECT_TRUE(list.readAll().contains("x-scheme-handler/https=browser.desktop"));
+  QFile entry(folder.filePath(u"data/applications/brelmox.Vemo.sign-in.desktop"_s));
+  ASSERT_TRUE(entry.open(QIODevice::ReadOnly));
+  EXPECT_TRUE(entry.readAll().contains("Exec=\"/bin/false\" open %u\n"));
+}
+
+}  // namespace
+}  // namespace vemo
