@@ -42,6 +42,14 @@ class FakeClock : public Clock {
   /// The wall clock is set; nothing that was waiting notices.
   void setWallTime(WallTime wallTime) { m_wallTime = wallTime; }
 
+  /// When the next sleep is over.
+  std::optional<MonotonicTime> nextDue() const {
+    for (const auto& [time, end] : m_timers) {
+      if (!end.isComplete()) return time;
+    }
+    return std::nullopt;
+  }
+
   /// How many sleeps are under way.
   std::size_t sleeperCount() const { return m_timers.size(); }
 
@@ -57,13 +65,6 @@ class FakeClock : public Clock {
     FakeClock& clock;
     Timers::iterator timer;
   };
-
-  std::optional<MonotonicTime> nextDue() const {
-    for (const auto& [time, end] : m_timers) {
-      if (!end.isComplete()) return time;
-    }
-    return std::nullopt;
-  }
 
   void moveTo(MonotonicTime time) {
     if (time <= m_monotonicTime) return;

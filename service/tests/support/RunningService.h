@@ -1,4 +1,4 @@
-// The whole service but its engine, on loopback and a thread of its own.
+// The whole service, with an engine of the test's, on loopback and a thread of its own.
 #pragma once
 
 #include <boost/asio/io_context.hpp>
@@ -23,11 +23,13 @@ class RunningService {
   };
 
   RunningService(EngineScript& script, const Settings& settings)
+      : RunningService(scripted(script, settings.output), settings) {}
+  RunningService(const EngineKind& engine, const Settings& settings)
       : m_limits(settings.limits),
         m_tokens(m_folder.path() / "tokens"),
-        m_queue(scripted(script, settings.output), settings.queue, [](auto) {}),
+        m_queue(engine, settings.queue, [](auto) {}),
         m_log(m_logText),
-        m_api({.name = "scripted", .output = settings.output}, m_tokens, m_queue,
+        m_api({.name = engine.name, .output = engine.output}, m_tokens, m_queue,
               m_io.get_executor(), m_limits),
         m_server(m_io, m_limits, m_api, m_log) {
     m_token = TokenFile::add(m_folder.path() / "tokens").value_or("");

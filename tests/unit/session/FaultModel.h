@@ -8,6 +8,7 @@
 #include <chrono>
 #include <map>
 #include <optional>
+#include <ostream>
 #include <random>
 #include <string>
 #include <vector>
@@ -37,6 +38,9 @@ struct Sent {
   int copy;
   Milliseconds time;
   friend bool operator==(const Sent&, const Sent&) = default;
+  friend std::ostream& operator<<(std::ostream& stream, const Sent& sent) {
+    return stream << "copy " << sent.copy << " at " << sent.time.count() << " ms";
+  }
 };
 
 /// Over sockets, whatever doesn't speak HTTP is a failed request, and a refusal comes at once.
