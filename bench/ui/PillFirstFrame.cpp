@@ -27,6 +27,11 @@ class PixelWatch {
   }
 
   std::uint32_t pixel() const { return m_pixel; }
+  /// A compositor that has just started paints the screen anew.
+  void awaitRest() const {
+    while (SteadyClock::now() - lastChange() < std::chrono::milliseconds(500))
+      QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
+  }
   /// When the pixel last became another.
   SteadyClock::time_point lastChange() const { return m_lastChange; }
 
@@ -64,6 +69,7 @@ class PixelWatch {
 /// The milliseconds from each show() until the screen changes; hide() takes it away again.
 std::vector<double> measure(int count, PixelWatch& watch, const std::function<void()>& show,
                             const std::function<void()>& hide) {
+  watch.awaitRest();
   const std::uint32_t background = watch.pixel();
   std::vector<double> times;
   for (int i = 0; i < count; ++i) {
