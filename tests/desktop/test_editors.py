@@ -8,7 +8,7 @@ import editors
 import keyboard
 from clipboard import ClipboardOwner, contents
 from dictation_server import DictationServer, transcription
-from vemo_program import Vemo, store_token
+from vemo_program import Vemo, store_token, with_settings
 from virtual_desktop import DesktopError, wait_until
 
 SENTENCE = "A sentence for the clipboard to give way to."
@@ -26,7 +26,8 @@ class IntoAnEditor:
 
     def setUp(self):
         self.server = self.enterContext(DictationServer())
-        self.vemo = self.enterContext(Vemo(self.server.address))
+        # With a key for talking that no test holds: an Alt that is held would begin a dictation of its own.
+        self.vemo = self.enterContext(Vemo(self.server.address, with_settings(pushToTalkHotkeyChoice="rightCommand")))
 
     def open_editor(self):
         return self.enterContext(self.editor())

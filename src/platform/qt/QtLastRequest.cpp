@@ -27,7 +27,7 @@ void sendWithin(const HttpRequest& request, std::chrono::milliseconds longest) {
   TaskScope tasks(queue);
   tasks.start(
       [&](std::stop_token stop) { return sendAndQuit(&session, request, &loop, std::move(stop)); });
-  QTimer::singleShot(longest, &loop, &QEventLoop::quit);
+  QTimer::singleShot(longest, Qt::PreciseTimer, &loop, &QEventLoop::quit);
   loop.exec();
 }
 

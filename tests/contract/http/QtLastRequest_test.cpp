@@ -34,7 +34,7 @@ class QtLastRequestTest : public testing::Test {
 
   void expectAWaitOf(std::chrono::milliseconds longest, const QUrl& url) {
     const auto time = timeToSend(url, longest);
-    EXPECT_GE(time, longest);
+    EXPECT_GE(time, longest - 5ms) << "a timer may be early by its resolution";
     EXPECT_LT(time, longest + allowance);
   }
 
