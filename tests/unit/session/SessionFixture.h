@@ -88,6 +88,21 @@ class SessionFixture : public testing::Test, protected FakeTime, protected Sessi
     return texts;
   }
 
+  int requestCount(const QString& path) const {
+    int count = 0;
+    for (const auto& request : http.requests()) count += request.url.path() == path;
+    return count;
+  }
+
+  /// The stitched text of the first finalize that was sent.
+  QString bodyOfFinalize() const {
+    for (const auto& request : http.requests()) {
+      if (request.url.path() == finalizePath)
+        return parseJsonObject(request.body)->value(u"rawTranscript").toString();
+    }
+    return {};
+  }
+
   /// The events since the last time that this was asked, as "name {props}".
   std::vector<std::string> takeEvents() {
     std::vector<std::string> events;
