@@ -33,6 +33,8 @@ HUDView::HUDView(FloatingPanel& panel, HUDModel& model, Settings& settings, Cloc
     else
       m_panel.setAnimating(Animating::Yes);
   });
+  m_textObservation = model.changed.observe(
+      [this, &model](const std::optional<Motion>&) { m_spoken.setLiveText(model.liveText); });
 }
 
 void HUDView::drawFrame() {

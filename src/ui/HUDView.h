@@ -7,12 +7,15 @@
 #include "ports/FloatingPanel.h"
 #include "ui/PillPainter.h"
 #include "ui/PillText.h"
+#include "ui/SpokenPill.h"
 
 namespace vemo {
 
 class HUDView {
  public:
   HUDView(FloatingPanel& panel, HUDModel& model, Settings& settings, Clock& clock);
+
+  const SpokenPill& spoken() const { return m_spoken; }
 
  private:
   void drawFrame();
@@ -24,9 +27,11 @@ class HUDView {
   PillText m_text;
   RecordingHUD m_hud;
   PillPainter m_painter{m_text};
+  SpokenPill m_spoken;
   PillPicture m_last;
   std::optional<QSize> m_drawnSize;  ///< absent when all has to be drawn
   Observation m_observation;
+  Observation m_textObservation;
 };
 
 }  // namespace vemo

@@ -13,9 +13,10 @@ import unittest
 sys.dont_write_bytecode = True
 import gi  # noqa: E402
 
+gi.require_version("Atspi", "2.0")
 gi.require_version("Gtk", "3.0")
 gi.require_version("Gdk", "3.0")
-from gi.repository import Gdk, Gtk  # noqa: E402
+from gi.repository import Atspi, Gdk, GLib, Gtk  # noqa: E402
 
 from editors import Mousepad, active_window  # noqa: E402
 from pill import PANEL_WIDTH, Pill, differing_pixels, output, screenshot  # noqa: E402
@@ -87,6 +88,21 @@ def pump():
     while Gtk.events_pending():
         Gtk.main_iteration()
     return True
+
+
+def accessible_names(program_name):
+    """The names of what a program's windows hold, as a screen reader sees them."""
+    def names(element):
+        yield element.get_name()
+        for index in range(element.get_child_count()):
+            yield from names(element.get_child_at_index(index))
+    try:
+        desktop = Atspi.get_desktop(0)
+        programs = [desktop.get_child_at_index(index) for index in range(desktop.get_child_count())]
+        return [name for element in programs if element and element.get_name() == program_name
+                for name in names(element)]
+    except GLib.Error:
+        return []  # it changes while it's looked at
 
 
 class PillTest(unittest.TestCase):
@@ -220,6 +236,12 @@ class OnTheDesktopTest(PillTest):
         subprocess.run(["xdotool", "set_desktop", "1"], check=True, timeout=60)
         wait_until(lambda: output("xdotool", "get_desktop") == "1", "the other desktop")
         self.assertTrue(self.pill.shows_waveform())
+
+    def test_a_screen_reader_finds_the_live_text_by_its_label(self):
+        self.stage.tell("recording 0")
+        self.assertNotIn("Dictated so far", accessible_names("pill_stage"))
+        self.stage.tell("live so far so good")
+        wait_until(lambda: "Dictated so far" in accessible_names("pill_stage"), "the live text to be found")
 
     def test_the_editor_keeps_the_focus_through_show_change_and_hide(self):
         with Mousepad() as editor:

@@ -124,6 +124,15 @@ TEST_F(HUDViewTest, ACompositorThatGoesOrComesRedrawsAll) {
   EXPECT_EQ(panel.pixel(230, 86) >> 24, shadow);
 }
 
+TEST_F(HUDViewTest, LiveTextIsToldToScreenReaders) {
+  model.liveText = u"so far"_s;
+  show(Kind::Recording);
+  EXPECT_EQ(view.spoken().liveText(), u"so far"_s);
+  model.liveText.clear();
+  clear();
+  EXPECT_EQ(view.spoken().liveText(), QString());
+}
+
 TEST_F(HUDViewTest, APanelOfAnotherScaleIsDrawnAnew) {
   show(Kind::Error, u"still"_s);
   beatUntilStill();

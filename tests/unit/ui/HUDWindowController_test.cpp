@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "UiFixture.h"
 #include "fakes/FakeClock.h"
 #include "fakes/FakeFloatingPanel.h"
 #include "fakes/FakeScreens.h"
@@ -15,7 +16,7 @@ using namespace std::chrono_literals;
 using Kind = HUDModel::State::Kind;
 using testing::ElementsAre;
 
-class HUDWindowControllerTest : public testing::Test {
+class HUDWindowControllerTest : public UiFixture {
  protected:
   HUDWindowControllerTest() {
     // The model's changes, between what the panel is told.
