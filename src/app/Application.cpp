@@ -92,7 +92,7 @@ struct Application::Base {
 
   TerminationSignals terminationSignals;
   SystemInformation information = readSystemInformation();
-  SignalCrashRecorder crashes{crashFileInItsFolder(), information.versionLabel().toUtf8()};
+  SignalCrashRecorder crashes{crashFileInItsFolder(), information.applicationBuild.toUtf8()};
   QtMainThread mainThread;
   QtClock clock{mainThread};
   DebugLog debugLog{clock, places::logFolder()};

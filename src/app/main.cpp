@@ -7,7 +7,9 @@
 
 #include <QGuiApplication>
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
+#include <cstdlib>
 
 #include "app/Application.h"
 #include "app/CommandLine.h"
@@ -51,6 +53,13 @@ void openStandardDescriptors() {
   if (descriptor > STDERR_FILENO) close(descriptor);
 }
 
+/// Qt's own end waits for its threads, and one may be asking a name server that doesn't answer.
+void limitTheWaitForThreads() {
+  constexpr unsigned seconds = 1;
+  std::signal(SIGALRM, [](int) { _exit(EXIT_SUCCESS); });
+  alarm(seconds);
+}
+
 int runResident(int argc, char** argv) {
   forbidCoreFiles();
   returnLargeMemory();
@@ -64,9 +73,12 @@ int runResident(int argc, char** argv) {
   QGuiApplication qtApplication(argc, argv);
   QGuiApplication::setQuitOnLastWindowClosed(false);
   QGuiApplication::setDesktopFileName(u"brelmox.Vemo"_s);
-  const auto application = Application::create(*std::move(configuration));
+  auto application = Application::create(*std::move(configuration));
   if (!application) return complain(application.error(), failure);
-  return QGuiApplication::exec();
+  const int status = QGuiApplication::exec();
+  application->reset();
+  limitTheWaitForThreads();
+  return status;
 }
 
 int runRemote(int argc, char** argv, const RemoteCommand& command) {

@@ -1,4 +1,4 @@
-"""A dictation server that answers what a test has scripted, and remembers what it was asked."""
+"""A server that answers dictations, and what else it is asked, as a test has scripted, and remembers it all."""
 
 import dataclasses
 import http.client
@@ -25,6 +25,7 @@ class Answer:
     body: bytes = b""
     content_type: str = "application/json"
     delay: float = 0  # seconds until the answer begins; a client that has left by then gets none
+    trickle: float = 0  # seconds from each byte of the body to the next
     hang_up: str = ""  # "before" or "within" the answer: the connection is cut there; "reset": and not politely
 
 
@@ -33,6 +34,7 @@ def transcription(text):
 
 
 NEVER = Answer(delay=math.inf)
+UNKNOWN = Answer(status=404, body=b'{"status":"error"}')
 
 
 class DictationServer:
@@ -46,6 +48,7 @@ class DictationServer:
         self.answers = [transcription("")]
         self.requests = []  # dictations
         self.other_requests = []
+        self.other_answers = {}  # by path; what isn't there is unknown
         self._lock = threading.Lock()
         owner = self
 
@@ -53,14 +56,16 @@ class DictationServer:
             protocol_version = "HTTP/1.1"
 
             def do_GET(self):
-                self._answer(Answer(status=404, body=b'{"status":"error"}'))
+                self.do_POST()
+
+            do_PATCH = do_DELETE = do_GET
 
             def do_POST(self):
                 body = self.rfile.read(int(self.headers.get("Content-Length", 0)))
                 request = Request(self.path, dict(self.headers), body)
                 if not self.path.startswith("/desktop/dictate"):
                     owner.other_requests.append(request)
-                    self._answer(Answer(status=404, body=b'{"status":"error"}'))
+                    self._answer(owner.other_answers.get(self.path, UNKNOWN))
                     return
                 self._answer(owner.take(request))
 
@@ -85,7 +90,17 @@ class DictationServer:
                     self.wfile.write(answer.body[:len(answer.body) // 2])
                     self._hang_up()
                     return
-                self.wfile.write(answer.body)
+                if answer.trickle:
+                    self._trickle(answer)
+                else:
+                    self.wfile.write(answer.body)
+
+            def _trickle(self, answer):
+                for index in range(len(answer.body)):
+                    self.wfile.write(answer.body[index:index + 1])
+                    if self._client_leaves_within(answer.trickle):
+                        self.close_connection = True
+                        return
 
             def _client_leaves_within(self, seconds):
                 limit = None if seconds == math.inf else seconds

@@ -14,7 +14,7 @@ import unittest
 import editors
 from clipboard import ClipboardOwner, contents
 from dictation_server import Answer, DictationServer, transcription
-from vemo_program import Vemo, clear_token, program, store_token
+from vemo_program import Vemo, clear_token, namespaces_of_its_own, program, store_token
 from virtual_desktop import wait_until
 
 TOKEN = "marked-token-cassowary"
@@ -184,8 +184,7 @@ class DiskTest(TroubleTest):
                 f"export XDG_CONFIG_HOME='{full}/config' XDG_STATE_HOME='{full}/state'\n"
                 'exec "$@"\n')
             script.chmod(0o700)
-            namespace = ["--mount"] if os.geteuid() == 0 else ["--mount", "--user", "--map-current-user", "--keep-caps"]
-            vemo.wrapper = ["unshare", *namespace, str(script)]
+            vemo.wrapper = [*namespaces_of_its_own("--mount"), str(script)]
 
         self.start_vemo(prepare_home=fill_disk)
         self.assert_dictation_works()
