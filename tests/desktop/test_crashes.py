@@ -1,0 +1,79 @@
+#!/usr/bin/python3
+"""A program that dies of a fatal signal at any moment of a dictation says so after the next start."""
+
+import os
+import random
+import signal
+import threading
+import unittest
+
+import editors
+from dictation_server import transcription
+from telemetry_server import TelemetryServer
+from vemo_program import Humming, Vemo, store_token
+
+SIGNALS = (signal.SIGSEGV, signal.SIGBUS, signal.SIGILL, signal.SIGFPE, signal.SIGABRT, signal.SIGTRAP, signal.SIGSYS)
+NOTE_SIZE = 56
+SPEECH = "quokka"
+
+# From the start over recording, transcription and paste to the clipboard's return.
+DICTATION_SECONDS = 2.5
+SPEECH_SECONDS = 0.6
+SERVER_SECONDS = 0.3
+
+
+class CrashTest(unittest.TestCase):
+    def setUp(self):
+        store_token("token-of-the-desktop-tests")
+        self.server = self.enterContext(TelemetryServer())
+        answer = transcription(f"The spoken {SPEECH}.")
+        answer.delay = SERVER_SECONDS
+        self.server.answers = [answer]
+        self.enterContext(editors.Mousepad())
+        self.enterContext(Humming())
+        self.vemo = self.enterContext(Vemo(self.server.address))
+
+    def test_each_fatal_signal_at_any_moment_of_a_dictation_is_told_after_the_next_start(self):
+        seed = int(os.environ.get("VEMO_CRASH_SEED", "7"))
+        moments = random.Random(seed)
+        for number in SIGNALS * int(os.environ.get("VEMO_CRASH_ROUNDS", "1")):
+            moment = moments.uniform(0, DICTATION_SECONDS)
+            print(f"    {number.name} {moment:.3f} s into a dictation, seed {seed}", flush=True)
+            self.die_while_dictating(number, moment)
+            self.assert_note_is_of_fixed_size()
+            self.vemo.launch()
+            self.assert_told_at_the_end(number)
+            self.vemo.launch()
+
+    def die_while_dictating(self, number, moment):
+        process = self.vemo.process
+        crash = threading.Timer(moment, process.send_signal, [number])
+        stop = threading.Timer(SPEECH_SECONDS, self.vemo.command, ["stop"])
+        self.vemo.start()
+        crash.start()
+        stop.start()
+        end = os.waitid(os.P_PID, process.pid, os.WEXITED | os.WNOWAIT)
+        stop.join()
+        # CLD_DUMPED would say that a core file holds what was in memory.
+        self.assertEqual((end.si_code, end.si_status), (os.CLD_KILLED, number))
+        process.wait()
+
+    def assert_note_is_of_fixed_size(self):
+        note = (self.vemo.home / ".local/state/vemo/crashes").read_bytes()
+        self.assertEqual(len(note), NOTE_SIZE)
+        self.assertNotIn(SPEECH.encode(), note)
+
+    def assert_told_at_the_end(self, number):
+        told = len(self.server.events())
+        self.vemo.command("quit")
+        self.assertEqual(self.vemo.process.wait(60), 0)
+        crashes = [event["props"] for event in self.server.events()[told:] if event["name"] == "app_crashed"]
+        self.assertEqual([(crash["signal"], crash["appVersion"]) for crash in crashes], [(int(number), self.build())])
+
+    def build(self):
+        label = self.server.requests_to("/telemetry/install")[0].headers["x-app-version"]
+        return label.partition("(")[2].rstrip(")")
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)
