@@ -1,5 +1,6 @@
 #include "platform/qt/QtHttpSession.h"
 
+#include <QNetworkAccessManager>
 #include <algorithm>
 #include <optional>
 
@@ -38,30 +39,44 @@ QtHttpSession::QtHttpSession(MainThread& mainThread, HttpSessionLimits limits)
 
 QtHttpSession::~QtHttpSession() = default;
 
+/// A manager, and how many requests are under way on it.
+struct QtHttpSession::Connections {
+  /// What Qt opens to one host. Above that it keeps a request back till another one has ended,
+  /// which takes a minute when that one is stuck.
+  static constexpr int most = 6;
+
+  bool areTaken() const { return underWay == most; }
+
+  QNetworkAccessManager manager;
+  int underWay = 0;
+};
+
 /// Takes the connections out of use when a request on them was cut short. Qt doesn't always close
 /// the connection of such a request (one that is stuck in its handshake stays for good), and a few
 /// of them would use up all that Qt opens to a host. Requests still under way keep the manager till
 /// they end.
 struct QtHttpSession::Retirement {
   QtHttpSession& session;
-  const QNetworkAccessManager& manager;
+  Connections& connections;
   const QtHttpTransfer& transfer;
 
   ~Retirement() {
-    if (!transfer.hasRunItsCourse() && session.m_manager.get() == &manager)
-      session.m_manager.reset();
+    --connections.underWay;
+    if (!transfer.hasRunItsCourse() && session.m_connections.get() == &connections)
+      session.m_connections.reset();
   }
 };
 
 Task<HttpResult> QtHttpSession::send(HttpRequest request, std::stop_token stop) {
   if (const auto refusal = refusalOf(request)) co_return std::unexpected(httpErrorFor(*refusal));
   if (stop.stop_requested()) co_return std::unexpected(httpErrorFor(UrlError::Cancelled));
-  if (!m_manager) m_manager = std::make_shared<QNetworkAccessManager>();
+  if (!m_connections || m_connections->areTaken()) m_connections = std::make_shared<Connections>();
 
-  const std::shared_ptr<QNetworkAccessManager> manager = m_manager;
+  const std::shared_ptr<Connections> connections = m_connections;
+  ++connections->underWay;
   const Completion<HttpResult> result(m_mainThread);
-  QtHttpTransfer transfer(*manager, request, m_limits, result);
-  const Retirement retirement{*this, *manager, transfer};
+  QtHttpTransfer transfer(connections->manager, request, m_limits, result);
+  const Retirement retirement{*this, *connections, transfer};
   const std::stop_callback onStop(stop, [&transfer] { transfer.cancel(); });
   HttpResult answer = co_await result;
   co_return answer;

@@ -5,7 +5,6 @@
 // when its connection breaks it fails, also where Qt would have sent it again.
 #pragma once
 
-#include <QNetworkAccessManager>
 #include <memory>
 
 #include "base/MainThread.h"
@@ -25,7 +24,8 @@ class QtHttpSession : public HttpSession {
 
   MainThread& m_mainThread;
   const HttpSessionLimits m_limits;
-  std::shared_ptr<QNetworkAccessManager> m_manager;  ///< made when needed
+  struct Connections;
+  std::shared_ptr<Connections> m_connections;  ///< made when needed
 };
 
 }  // namespace vemo

@@ -189,6 +189,17 @@ TEST_F(QtHttpSessionTest, AnAnswerThatIsNoHttpIsAFailure) {
   EXPECT_EQ(server.requests().size(), 3u);
 }
 
+TEST_F(QtHttpSessionTest, HoweverManyRequestsAreStuckTheNextOneGoesOutAtOnce) {
+  const TestHttpServer server;
+  std::array<Exchange, 20> stuck;
+  for (auto& exchange : stuck) start(exchange, session, post(server.url(u"/never"_s)));
+  EXPECT_EQ(send(post(server.url(u"/status/200"_s))).status(), 200);
+  EXPECT_TRUE(loop.runUntil([&] { return server.requests().size() == stuck.size() + 1; }));
+  for (auto& exchange : stuck) exchange.task.cancel();
+  for (auto& exchange : stuck) EXPECT_TRUE(runUntilFinished(exchange));
+  EXPECT_TRUE(loop.runUntil([&] { return server.openConnectionCount() <= 6; }));
+}
+
 TEST_F(QtHttpSessionTest, EveryStatusIsAnAnswerWithItsBody) {
   const TestHttpServer server;
   for (int status = 200; status < 600; ++status) {
