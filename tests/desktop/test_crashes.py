@@ -65,10 +65,12 @@ class CrashTest(unittest.TestCase):
 
     def assert_told_at_the_end(self, number):
         told = len(self.server.events())
+        status = self.vemo.status()
         self.vemo.command("quit")
         self.assertEqual(self.vemo.process.wait(60), 0)
         crashes = [event["props"] for event in self.server.events()[told:] if event["name"] == "app_crashed"]
-        self.assertEqual([(crash["signal"], crash["appVersion"]) for crash in crashes], [(int(number), self.build())])
+        self.assertEqual([(crash["signal"], crash["appVersion"]) for crash in crashes], [(int(number), self.build())],
+                         f"the status was “{status}”; {self.vemo.output.read_text()[-2000:]}")
 
     def build(self):
         label = self.server.requests_to("/telemetry/install")[0].headers["x-app-version"]
