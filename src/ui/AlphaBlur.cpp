@@ -40,8 +40,8 @@ void blurLine(std::uint8_t* values, int count, qsizetype stride, const Box& box,
   for (int i = 0; i < count; ++i) {
     sum += line[i + 2 * box.radius + 1];
     const int edges = line[i] + line[i + 2 * margin];
-    const float blurred = (static_cast<float>(sum) + box.edgeWeight * static_cast<float>(edges));
-    values[i * stride] = static_cast<std::uint8_t>(blurred * factor + 0.5F);
+    const float blurred = static_cast<float>(sum) + box.edgeWeight * static_cast<float>(edges);
+    values[i * stride] = static_cast<std::uint8_t>(std::lround(blurred * factor));
     sum -= line[i + 1];
   }
 }

@@ -299,6 +299,7 @@ void X11FloatingPanel::shapeToPixels() {
 
 void X11FloatingPanel::setShape(std::uint8_t kind, const std::vector<QRect>& shape) {
   std::vector<xcb_rectangle_t> rectangles;
+  rectangles.reserve(shape.size());
   for (const QRect& rect : shape)
     rectangles.push_back({std::int16_t(rect.x()), std::int16_t(rect.y()),
                           std::uint16_t(rect.width()), std::uint16_t(rect.height())});

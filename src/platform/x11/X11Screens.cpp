@@ -11,7 +11,7 @@ namespace {
 
 constexpr double usualRate = 60;
 constexpr double pixelsPerInchAtScaleOne = 96;
-constexpr qsizetype maximumResourcesBytes = 256 * 1024;
+constexpr qsizetype maximumResourcesBytes = 256 << 10;
 
 std::vector<QRect> toRectangles(const std::vector<uint32_t>& numbers) {
   std::vector<QRect> rectangles;
@@ -79,6 +79,7 @@ std::optional<Screen> X11Screens::mainScreen() const {
 std::vector<Screen> X11Screens::screens() const {
   const auto all = monitors();
   std::vector<Screen> screens;
+  screens.reserve(all.size());
   for (const Monitor& monitor : all) screens.push_back(screenOf(monitor, all.size()));
   return screens;
 }
