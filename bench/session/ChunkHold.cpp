@@ -21,6 +21,7 @@
 #include <thread>
 #include <vector>
 
+#include "fakes/HttpWire.h"
 #include "platform/qt/QtClock.h"
 #include "platform/qt/QtHttpSession.h"
 #include "platform/qt/QtMainThread.h"
@@ -108,21 +109,10 @@ class Service {
   }
 
   void read(QTcpSocket& socket) {
-    const QByteArray received = socket.peek(socket.bytesAvailable());
-    const qsizetype headEnd = received.indexOf("\r\n\r\n");
-    if (headEnd < 0) return;
-    constexpr QByteArrayView lengthHeader = "content-length: ";
-    const QByteArray head = received.first(headEnd + 2).toLower();
-    const qsizetype lengthAt = head.indexOf(lengthHeader) + lengthHeader.size();
-    const qsizetype bodySize =
-        head.sliced(lengthAt, head.indexOf("\r\n", lengthAt) - lengthAt).toLongLong();
-    if (received.size() < headEnd + 4 + bodySize) return;
-    socket.skip(headEnd + 4 + bodySize);
+    if (!takeHttpMessage(socket)) return;
     // Each text is another, so that the history tells the dictations apart.
     const QByteArray text = QByteArray::number(++answered);
-    const QByteArray answer = R"({"status":"ok","transcription":")" + text + R"("})";
-    socket.write("HTTP/1.1 200 OK\r\nContent-Length: " + QByteArray::number(answer.size()) +
-                 "\r\n\r\n" + answer);
+    socket.write(httpAnswer(200, R"({"status":"ok","transcription":")" + text + R"("})"));
   }
 
   QThread m_thread;

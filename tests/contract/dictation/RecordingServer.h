@@ -11,15 +11,13 @@
 #include <deque>
 #include <vector>
 
+#include "fakes/HttpWire.h"
+
 namespace vemo {
 
 class RecordingServer {
  public:
-  struct Request {
-    QByteArray line;
-    QList<QByteArray> headers;  ///< "Name: value", in their order
-    QByteArray body;
-
+  struct Request : HttpMessage {
     /// The headers that the HTTP library doesn't add by itself.
     QList<QByteArray> ownHeaders() const {
       QList<QByteArray> own;
@@ -32,7 +30,6 @@ class RecordingServer {
       }
       return own;
     }
-    friend bool operator==(const Request&, const Request&) = default;
   };
 
   RecordingServer() {
@@ -52,26 +49,11 @@ class RecordingServer {
 
  private:
   void read(QTcpSocket* socket) {
-    const QByteArray received = socket->peek(socket->bytesAvailable());
-    const qsizetype headEnd = received.indexOf("\r\n\r\n");
-    if (headEnd < 0) return;
-    Request request;
-    qsizetype bodySize = 0;
-    for (QByteArray line : received.first(headEnd).split('\n')) {
-      if (line.endsWith('\r')) line.chop(1);
-      if (line.toLower().startsWith("content-length:")) bodySize = line.mid(15).trimmed().toInt();
-      if (request.line.isEmpty())
-        request.line = line;
-      else
-        request.headers.append(line);
-    }
-    if (received.size() < headEnd + 4 + bodySize) return;
-    request.body = socket->read(headEnd + 4 + bodySize).mid(headEnd + 4);
-    requests.push_back(request);
+    auto request = takeHttpMessage(*socket);
+    if (!request) return;
+    requests.push_back({*std::move(request)});
     if (statuses.empty()) return;
-    const QByteArray body = R"({"status":"ok","transcription":"text"})";
-    socket->write("HTTP/1.1 " + QByteArray::number(statuses.front()) +
-                  " X\r\nContent-Length: " + QByteArray::number(body.size()) + "\r\n\r\n" + body);
+    socket->write(httpAnswer(statuses.front(), R"({"status":"ok","transcription":"text"})"));
     statuses.pop_front();
   }
 

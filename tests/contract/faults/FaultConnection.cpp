@@ -7,20 +7,11 @@
 
 #include <algorithm>
 
+#include "fakes/HttpWire.h"
+
 namespace vemo {
 
 namespace {
-
-/// The size of a message that begins with a head and says how long its body is; -1: not known yet.
-qsizetype messageSize(const QByteArray& bytes) {
-  const qsizetype headEnd = bytes.indexOf("\r\n\r\n");
-  if (headEnd < 0) return -1;
-  const QByteArray head = bytes.first(headEnd).toLower();
-  const qsizetype field = head.indexOf("\ncontent-length:");
-  const qsizetype bodySize =
-      field < 0 ? 0 : head.mid(field + 16, head.indexOf('\r', field) - field - 16).toLongLong();
-  return headEnd + 4 + bodySize;
-}
 
 qsizetype shareOf(qsizetype size, double share) {
   return static_cast<qsizetype>(static_cast<double>(size) * share);
@@ -96,8 +87,8 @@ void FaultConnection::proceed() {
 
 /// Takes the passage's number out of the target, "/17/path" becomes "/path".
 bool FaultConnection::readHead() {
-  const qsizetype size = messageSize(m_received);
-  if (size < 0) return false;
+  const auto size = httpMessageSize(m_received);
+  if (!size) return false;
   const qsizetype number = m_received.indexOf(" /") + 2;
   const qsizetype path = m_received.indexOf('/', number);
   m_id = m_received.mid(number, path - number).toInt();
@@ -106,7 +97,7 @@ bool FaultConnection::readHead() {
   m_stall = m_passage.stage == Passage::Stage::Handshake ? Stall::Over : Stall::Ahead;
   const qsizetype headSize = m_received.indexOf("\r\n\r\n") + 4;
   m_head = m_received.first(headSize);
-  m_bodySize = size - (path - number + 1) - headSize;
+  m_bodySize = *size - (path - number + 1) - headSize;
   return true;
 }
 
@@ -126,8 +117,8 @@ void FaultConnection::forward() {
 
 void FaultConnection::takeAnswer() {
   m_answer += m_service->readAll();
-  const qsizetype size = messageSize(m_answer);
-  if (size < 0 || m_answer.size() < size || m_isAnswered) return;
+  const auto size = httpMessageSize(m_answer);
+  if (!size || m_answer.size() < *size || m_isAnswered) return;
   EXPECT_EQ(m_forwarded, requestSize()) << "the service has answered half a request";
   answer();
 }

@@ -8,6 +8,7 @@
 
 #include "FaultProxy.h"
 #include "base/TaskScope.h"
+#include "fakes/HttpWire.h"
 #include "platform/qt/QtHttpSession.h"
 #include "session/FaultNetwork.h"
 
@@ -60,7 +61,7 @@ class SocketWorld {
                    .stall = fate.delay};
     if (!fate.delay || fate.isServed) return result;
     if (fate.result) {
-      result.answer = bytes(*fate.result);
+      result.answer = httpAnswer(fate.result->status.value_or(0), fate.result->body);
     } else if (fate.result.error().code == UrlError::CannotParseResponse) {
       // Qt fails at the first byte of nonsense.
       result.share = 0;
@@ -70,12 +71,6 @@ class SocketWorld {
       result.end = below(2) == 0 ? End::Resets : End::Closes;
     }
     return result;
-  }
-
-  static QByteArray bytes(const HttpResponse& response) {
-    return "HTTP/1.1 " + QByteArray::number(response.status.value_or(0)) +
-           " Whatever\r\nContent-Length: " + QByteArray::number(response.body.size()) + "\r\n\r\n" +
-           response.body;
   }
 
   std::size_t below(std::size_t bound) {

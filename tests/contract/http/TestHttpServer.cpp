@@ -9,6 +9,8 @@
 #include <QTimer>
 #include <algorithm>
 
+#include "fakes/HttpWire.h"
+
 namespace vemo {
 
 using namespace Qt::Literals::StringLiterals;
@@ -18,9 +20,7 @@ namespace {
 constexpr qint64 bigBodySize = 100'000'000;
 
 QByteArray reply(int status, const QByteArray& body, const QByteArray& moreHeaders = {}) {
-  return "HTTP/1.1 " + QByteArray::number(status) +
-         " Whatever\r\nContent-Length: " + QByteArray::number(body.size()) +
-         "\r\nContent-Type: text/plain\r\n" + moreHeaders + "\r\n" + body;
+  return httpAnswer(status, body, "Content-Type: text/plain\r\n" + moreHeaders);
 }
 
 void reset(QTcpSocket* socket) {
@@ -145,19 +145,14 @@ void TestHttpServer::accept(QTcpSocket* socket) {
 }
 
 void TestHttpServer::read(QTcpSocket* socket) {
-  const QByteArray received = socket->peek(socket->bytesAvailable());
-  const qsizetype headEnd = received.indexOf("\r\n\r\n");
-  if (headEnd < 0) return;
-  const QByteArray head = received.first(headEnd);
-  qsizetype bodySize = 0;
-  for (const QByteArray& line : head.split('\n'))
-    if (line.toLower().startsWith("content-length:"))
-      bodySize = line.mid(15).trimmed().toLongLong();
-  if (received.size() < headEnd + 4 + bodySize) return;
-  socket->skip(headEnd + 4 + bodySize);
+  const auto size = httpMessageSize(socket->peek(socket->bytesAvailable()));
+  if (!size || socket->bytesAvailable() < *size) return;
+  const QByteArray message = socket->read(*size);
+  const qsizetype headEnd = message.indexOf("\r\n\r\n");
+  const QByteArray head = message.first(headEnd);
   {
     const std::lock_guard lock(m_mutex);
-    m_requests.push_back({head, received.mid(headEnd + 4, bodySize)});
+    m_requests.push_back({head, message.sliced(headEnd + 4)});
   }
   const QUrl target = QUrl::fromEncoded(head.split(' ').value(1));
   answer(socket, target.path());
