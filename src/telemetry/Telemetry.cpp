@@ -68,12 +68,17 @@ bool Telemetry::sharesUsage() const {
 }
 
 void Telemetry::track(TelemetryEvent event) {
-  enqueue(std::move(event));
-  if (m_queue.size() >= flushThreshold) flush();
+  if (isWelcome(event)) {
+    enqueue(std::move(event));
+    if (m_queue.size() >= flushThreshold) flush();
+  }
+}
+
+bool Telemetry::isWelcome(const TelemetryEvent& event) const {
+  return event.eventClass() == EventClass::Essential || sharesUsage();
 }
 
 void Telemetry::enqueue(TelemetryEvent event) {
-  if (event.eventClass() == EventClass::Optional && !sharesUsage()) return;
   m_queue.push_back({std::move(event), m_with.clock.wallTime()});
   dropOldest();
   armFlushTimer();
@@ -158,9 +163,11 @@ std::vector<EventRecord> Telemetry::takeBatch() {
 }
 
 Task<> Telemetry::deliver(std::vector<EventRecord> batch, QString token, std::stop_token stop) {
+  const int accountChanges = m_accountChanges;
   const auto answer =
       co_await m_with.session.send(m_requests.events(batch, token), std::move(stop));
-  if (!isSuccess(answer) && !isRefusal(answer)) restore(std::move(batch));
+  const bool isOver = isSuccess(answer) || isRefusal(answer);
+  if (!isOver && accountChanges == m_accountChanges) restore(std::move(batch));
   m_isFlushing = false;
 }
 
@@ -173,9 +180,10 @@ void Telemetry::restore(std::vector<EventRecord> batch) {
 
 void Telemetry::endSession() {
   const auto sinceStart = m_with.clock.monotonicTime() - m_sessionStart;
+  auto ended = TelemetryEvent::sessionEnded(
+      std::chrono::duration_cast<std::chrono::seconds>(sinceStart).count());
   // Not track(): a flush that nobody waits for would take the events along.
-  enqueue(TelemetryEvent::sessionEnded(
-      std::chrono::duration_cast<std::chrono::seconds>(sinceStart).count()));
+  if (isWelcome(ended)) enqueue(std::move(ended));
   const QString token = sessionToken();
   if (token.isEmpty() || m_queue.empty()) return;
   const auto batch = takeBatch();
@@ -184,6 +192,7 @@ void Telemetry::endSession() {
 }
 
 void Telemetry::drainForAccountChange() {
+  ++m_accountChanges;
   const auto batch = takeBatch();
   m_queue.clear();
   const QString token = sessionToken();

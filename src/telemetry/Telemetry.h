@@ -93,6 +93,7 @@ class Telemetry {
   QString sessionToken() const;
   bool sharesUsage() const;
 
+  bool isWelcome(const TelemetryEvent& event) const;
   void enqueue(TelemetryEvent event);
   std::int64_t millisecondsSince(Clock::MonotonicTime startedAt) const;
   std::vector<EventRecord> takeBatch();
@@ -114,6 +115,7 @@ class Telemetry {
   const Clock::MonotonicTime m_sessionStart;
   std::deque<EventRecord> m_queue;
   bool m_isFlushing = false;
+  int m_accountChanges = 0;  ///< a batch of an earlier account doesn't come back
   std::optional<Clock::MonotonicTime> m_startedAt;  ///< the flush timer ticks each minute from here
   SettingsSnapshot m_settingsSnapshot;
   Observation m_settingsObservation;

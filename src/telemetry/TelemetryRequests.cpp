@@ -23,6 +23,10 @@ void insertIfKnown(QJsonObject& report, const QString& key, const std::optional<
   if (fact) report.insert(key, *fact);
 }
 
+void insertIfKnown(QJsonObject& report, const QString& key, const QStringList& facts) {
+  if (!facts.isEmpty()) report.insert(key, QJsonArray::fromStringList(facts));
+}
+
 }  // namespace
 
 HttpRequest TelemetryRequests::events(std::span<const EventRecord> batch,
@@ -46,7 +50,7 @@ HttpRequest TelemetryRequests::installReport(const DeviceFacts& device) const {
   };
   add("x-device-model"_ba, m_system.deviceModel.value_or(u"unknown"_s));
   if (m_settings.get(keys::shareUsageStatistics, true)) {
-    add("x-locale"_ba, device.localeIdentifier);
+    if (!device.localeIdentifier.isEmpty()) add("x-locale"_ba, device.localeIdentifier);
     if (device.timeZone) add("x-timezone"_ba, *device.timeZone);
   }
   return request;
@@ -71,10 +75,10 @@ QJsonObject TelemetryRequests::deviceReport(const DeviceFacts& device) const {
   insertIfKnown(report, u"appearance"_s, device.appearance);
   report.insert(u"launchAtLogin"_s, m_settings.get(keys::launchAtLogin, true));
   report.insert(u"inApplicationsFolder"_s, device.inApplicationsFolder);
-  report.insert(u"languages"_s, QJsonArray::fromStringList(device.languages));
+  insertIfKnown(report, u"languages"_s, device.languages);
   insertIfKnown(report, u"localeRegion"_s, device.localeRegion);
   insertIfKnown(report, u"timeZone"_s, device.timeZone);
-  report.insert(u"inputSources"_s, QJsonArray::fromStringList(device.inputSources));
+  insertIfKnown(report, u"inputSources"_s, device.inputSources);
   insertIfKnown(report, u"micType"_s, device.microphoneType);
   return report;
 }

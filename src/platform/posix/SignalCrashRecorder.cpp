@@ -39,8 +39,13 @@ std::array<char, 32> theBuild{};
 std::atomic<int> theDescriptor{-1};
 std::atomic_flag isHandling;
 
+bool hasRoom(int file) {
+  struct stat status{};
+  return fstat(file, &status) == 0 && status.st_size < mostNotes * off_t(sizeof(Note));
+}
+
 void leaveNote(int signal, siginfo_t* information, void*) {
-  if (!isHandling.test_and_set()) {
+  if (!isHandling.test_and_set() && hasRoom(theDescriptor)) {
     timespec now{};
     clock_gettime(CLOCK_REALTIME, &now);
     const Note note{.mark = noteMark,
@@ -92,9 +97,6 @@ SignalCrashRecorder::SignalCrashRecorder(const QString& file, const QByteArray& 
   constexpr int flags = O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC | O_NOFOLLOW;
   m_descriptor = open(QFile::encodeName(file).constData(), flags, S_IRUSR | S_IWUSR);
   if (m_descriptor < 0) return;
-  struct stat status{};
-  if (fstat(m_descriptor, &status) == 0 && status.st_size >= mostNotes * qsizetype(sizeof(Note)))
-    return;
 
   theBuild = {};
   std::copy_n(build.begin(), std::min<qsizetype>(build.size(), qsizetype(theBuild.size()) - 1),

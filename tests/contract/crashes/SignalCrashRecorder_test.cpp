@@ -92,6 +92,20 @@ TEST_F(SignalCrashRecorderDeathTest, CrashesThatNobodyHasTakenAddUpToSixtyFour) 
   EXPECT_THAT(take(), SizeIs(64));
 }
 
+TEST_F(SignalCrashRecorderDeathTest, AStartThatFindsAFullFileNotesItsOwnCrashOnceTheFileIsRead) {
+  for (int crash = 0; crash < 64; ++crash) EXPECT_EXIT(dieOf(SIGSEGV), KilledBySignal(SIGSEGV), "");
+  EXPECT_EXIT(
+      {
+        SignalCrashRecorder recorder(file, "34");
+        recorder.subscribe([](CrashDiagnostics::Payload) {});
+        raise(SIGBUS);
+      },
+      KilledBySignal(SIGBUS), "");
+  const auto crashes = take();
+  ASSERT_THAT(crashes, SizeIs(1));
+  EXPECT_EQ(crashes[0].signal, SIGBUS);
+}
+
 TEST_F(SignalCrashRecorderDeathTest, ALongBuildIsCutAndNothingOfMemoryIsInTheNote) {
   const QByteArray secret = "what the user said";
   EXPECT_EXIT(dieOf(SIGSEGV, QByteArray(40, 'b') + secret), KilledBySignal(SIGSEGV), "");

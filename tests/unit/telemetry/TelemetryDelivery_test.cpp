@@ -74,6 +74,18 @@ TEST_F(TelemetryDeliveryTest, ABatchIsOnTheWireAsAgreed) {
             R"("props":{"reason":"network"}}]})");
 }
 
+TEST_F(TelemetryDeliveryTest, EachTickSendsFiftyOfALongQueue) {
+  launch();
+  signOut();
+  trackNumbered(1, 120);
+  signIn();
+  for (const std::size_t left : {70, 20, 0}) {
+    with.http.answer(eventsPath, 200);
+    clock.advance(60s);
+    EXPECT_THAT(telemetry.queue(), SizeIs(left));
+  }
+}
+
 TEST_F(TelemetryDeliveryTest, AQueueOf120GoesFiftyAtATimeAndTheRestWaitsForTheNextTick) {
   signOut();
   trackNumbered(1, 120);
@@ -208,6 +220,23 @@ TEST_F(TelemetryDeliveryTest, DrainingSendsFiftyDropsTheRestAndIgnoresTheAnswer)
   EXPECT_EQ(eventsIn(with.http.requests()[0]).size(), 50);
   EXPECT_EQ(with.http.requests()[0].headers[0].second, "Bearer token");
   EXPECT_THAT(telemetry.queue(), IsEmpty());
+}
+
+TEST_F(TelemetryDeliveryTest, ABatchUnderWayWhenTheAccountChangesDoesNotComeBackForTheNextOne) {
+  with.http.answer(eventsPath, 500, {}, 1s);
+  trackNumbered(1, 10);
+  telemetry.flush();
+  settle();
+  telemetry.drainForAccountChange();
+  trackNumbered(11, 11);
+  clock.advance(1s);
+  ASSERT_THAT(telemetry.queue(), SizeIs(1));
+  EXPECT_EQ(firstNumber(), 11);
+
+  with.http.answer(eventsPath, 500);
+  telemetry.flush();
+  settle();
+  EXPECT_THAT(telemetry.queue(), SizeIs(1)) << "a batch of the account that is signed in does";
 }
 
 TEST_F(TelemetryDeliveryTest, DrainingWhileSignedOutDropsEverything) {

@@ -64,6 +64,14 @@ TEST_F(TelemetryReportsTest, WithSharingOffThePingHasNeitherLocaleNorTimeZone) {
   EXPECT_EQ(with.device.readCount(), 0) << "nothing is read that isn't sent";
 }
 
+TEST_F(TelemetryReportsTest, ThePingLeavesOutALocaleAndATimeZoneThatCantBeRead) {
+  with.device.facts = {};
+  with.http.answer(installPath, 200);
+  telemetry.sendInstallReport();
+  settle();
+  EXPECT_THAT(with.http.requests()[0].headers, SizeIs(6));
+}
+
 TEST_F(TelemetryReportsTest, SignedOutThePingIsSentAtLaunchAndNoDeviceReport) {
   with.http.answer(installPath, 500);
   telemetry.start(false);
@@ -124,7 +132,7 @@ TEST_F(TelemetryReportsTest, WhatCantBeReadIsLeftOut) {
   sendDeviceReport(Urgency::IfDue);
   const auto report = *parseJsonObject(with.http.requests()[0].body);
   for (const auto key : {u"macModel", u"chip", u"displayCount", u"mainDisplay", u"appearance",
-                         u"localeRegion", u"timeZone", u"micType"})
+                         u"languages", u"localeRegion", u"timeZone", u"inputSources", u"micType"})
     EXPECT_FALSE(report.contains(QStringView(key))) << QStringView(key).toString().toStdString();
 }
 

@@ -50,6 +50,15 @@ TEST_F(TelemetryTest, WithSharingOffOptionalEventsNeverEnterTheQueueAndEssential
   EXPECT_EQ(queuedNames(), QStringList{u"dictation_failed"_s});
 }
 
+TEST_F(TelemetryTest, AnEventThatIsDroppedAtTheDoorFlushesNothing) {
+  trackNumbered(1, 20);
+  signIn();
+  settings.set(keys::shareUsageStatistics, false);
+  telemetry.track(TelemetryEvent::transcriptCopied());
+  settle();
+  EXPECT_THAT(with.http.requests(), IsEmpty());
+}
+
 TEST_F(TelemetryTest, SharingIsOnWhenTheSettingIsMissingOrOfAnotherType) {
   telemetry.track(TelemetryEvent::transcriptCopied());
   settings.set(keys::String{u"shareUsageStatistics"}, u"false"_s);
