@@ -125,7 +125,8 @@ struct Application::Desktop {
   PulseAudioInput audioInput{pulse};
   PulseInputDevice inputDevice{pulse};
   CanberraSounds sounds{soundsFolder(), u"Vemo"_s, u"brelmox.Vemo"_s};
-  SecretServiceBackend keyring;
+  /// On a busy machine an answer takes its time; without one, who is signed in would count as not.
+  SecretServiceBackend keyring{std::chrono::seconds(1)};
   std::unique_ptr<X11Clipboard> clipboard;
   std::unique_ptr<X11KeyPoster> keyPoster;
   std::unique_ptr<X11FocusedApplication> focusedApplication;
