@@ -76,14 +76,6 @@ QString crashFileInItsFolder() {
   return file;
 }
 
-/// A keyring that has just been started takes its time over the first answer, and the token store
-/// keeps what it hears first. One that is there answers within milliseconds.
-void awaitKeyring() {
-  constexpr auto longest = std::chrono::seconds(3);
-  static_cast<void>(
-      SecretServiceBackend(longest).find(u"brelmox.Vemo"_s, QString::fromUtf16(authTokenAccount)));
-}
-
 }  // namespace
 
 /// Time, the main queue, and the program's files.
@@ -125,8 +117,8 @@ struct Application::Desktop {
   PulseAudioInput audioInput{pulse};
   PulseInputDevice inputDevice{pulse};
   CanberraSounds sounds{soundsFolder(), u"Vemo"_s, u"brelmox.Vemo"_s};
-  /// On a busy machine an answer takes its time; without one, who is signed in would count as not.
-  SecretServiceBackend keyring{std::chrono::seconds(1)};
+  /// Its first answer says whether somebody is signed in, and the token store keeps what it hears.
+  SecretServiceBackend keyring{std::chrono::milliseconds(200), std::chrono::seconds(3)};
   std::unique_ptr<X11Clipboard> clipboard;
   std::unique_ptr<X11KeyPoster> keyPoster;
   std::unique_ptr<X11FocusedApplication> focusedApplication;
@@ -324,7 +316,6 @@ std::optional<QString> Application::start() {
   m_base->debugLog.purgeLegacyLogIfNeeded(m_base->settings);
   config::migrateToggleHotkeyIfNeeded(m_base->settings, m_base->debugLog);
 
-  awaitKeyring();
   m_desktop = Desktop::create(m_base->mainThread);
   if (!m_desktop) return u"Vemo needs an X server with XFixes, XTest, XInput 2 and RandR 1.5."_s;
   m_program = std::make_unique<Program>(

@@ -181,13 +181,14 @@ std::expected<T, SecretError> within(
 
 }  // namespace
 
-SecretServiceBackend::SecretServiceBackend(std::chrono::milliseconds timeLimit)
-    : m_timeLimit(timeLimit) {}
+SecretServiceBackend::SecretServiceBackend(std::chrono::milliseconds timeLimit,
+                                           std::optional<std::chrono::milliseconds> firstTimeLimit)
+    : m_timeLimit(timeLimit), m_nextTimeLimit(firstTimeLimit.value_or(timeLimit)) {}
 
 std::expected<QByteArray, SecretError> SecretServiceBackend::find(const QString& service,
                                                                   const QString& account) {
   return within<QByteArray>(
-      m_timeLimit, [service = service.toUtf8(), account = account.toUtf8()](Keyring& keyring) {
+      takeTimeLimit(), [service = service.toUtf8(), account = account.toUtf8()](Keyring& keyring) {
         return keyring.find(attributesOf(service, account).get());
       });
 }
@@ -195,15 +196,15 @@ std::expected<QByteArray, SecretError> SecretServiceBackend::find(const QString&
 std::expected<void, SecretError> SecretServiceBackend::add(const QString& service,
                                                            const QString& account,
                                                            const QByteArray& secret) {
-  return within<void>(m_timeLimit, [service = service.toUtf8(), account = account.toUtf8(),
-                                    secret](Keyring& keyring) {
+  return within<void>(takeTimeLimit(), [service = service.toUtf8(), account = account.toUtf8(),
+                                        secret](Keyring& keyring) {
     return keyring.add(attributesOf(service, account).get(), secret);
   });
 }
 
 std::expected<void, SecretError> SecretServiceBackend::remove(const QString& service,
                                                               const QString& account) {
-  return within<void>(m_timeLimit,
+  return within<void>(takeTimeLimit(),
                       [service = service.toUtf8(), account = account.toUtf8()](Keyring& keyring) {
                         return keyring.remove(attributesOf(service, account).get());
                       });

@@ -5,12 +5,15 @@
 //   secret-tool store --label=Vemo service brelmox.Vemo account authToken
 //
 // Any thread. Each call runs on a thread of its own and is given up after the time limit; it is
-// Failed then. Never unlocks and never prompts: what is locked is Failed. Failed too when the
-// desktop has a keyring but no default collection to put items in. Without session bus or keyring:
-// Unavailable.
+// Failed then. The first may have a limit of its own: a keyring that has just been started takes
+// its time over its first answer. Never unlocks and never prompts: what is locked is Failed. Failed
+// too when the desktop has a keyring but no default collection to put items in. Without session bus
+// or keyring: Unavailable.
 #pragma once
 
+#include <atomic>
 #include <chrono>
+#include <optional>
 
 #include "ports/SecretBackend.h"
 
@@ -19,7 +22,8 @@ namespace vemo {
 class SecretServiceBackend : public SecretBackend {
  public:
   explicit SecretServiceBackend(
-      std::chrono::milliseconds timeLimit = std::chrono::milliseconds(200));
+      std::chrono::milliseconds timeLimit = std::chrono::milliseconds(200),
+      std::optional<std::chrono::milliseconds> firstTimeLimit = {});
 
   std::expected<QByteArray, SecretError> find(const QString& service,
                                               const QString& account) override;
@@ -28,7 +32,10 @@ class SecretServiceBackend : public SecretBackend {
   std::expected<void, SecretError> remove(const QString& service, const QString& account) override;
 
  private:
+  std::chrono::milliseconds takeTimeLimit() { return m_nextTimeLimit.exchange(m_timeLimit); }
+
   const std::chrono::milliseconds m_timeLimit;
+  std::atomic<std::chrono::milliseconds> m_nextTimeLimit;
 };
 
 }  // namespace vemo

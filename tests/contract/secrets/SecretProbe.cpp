@@ -1,9 +1,12 @@
-// Asks the keyring once, with the default time limit: secret_probe find|add|remove.
+// Asks the keyring with the default time limit: secret_probe find|add|remove [FIRST_LIMIT_MS].
 //
-// Prints the outcome and the milliseconds that the caller was held.
+// Prints the outcome and the milliseconds that the caller was held. With a limit for the first
+// call, there are two, and both times are printed.
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <optional>
 
 #include "platform/secretservice/SecretServiceBackend.h"
 
@@ -24,8 +27,9 @@ const char* nameOf(SecretError error) {
   return "Failed";
 }
 
-const char* outcomeOf(const char* operation) {
-  SecretServiceBackend backend;
+using Milliseconds = std::chrono::milliseconds;
+
+const char* outcomeOf(SecretServiceBackend& backend, const char* operation) {
   const QString service = u"brelmox.Vemo.probe"_s;
   const QString account = u"account"_s;
   if (std::strcmp(operation, "find") == 0) {
@@ -40,11 +44,16 @@ const char* outcomeOf(const char* operation) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 2) return 2;
-  const auto start = std::chrono::steady_clock::now();
-  const char* outcome = outcomeOf(argv[1]);
-  const auto held = std::chrono::duration_cast<std::chrono::milliseconds>(
-      std::chrono::steady_clock::now() - start);
-  std::printf("%s %lld\n", outcome, static_cast<long long>(held.count()));
+  if (argc != 2 && argc != 3) return 2;
+  std::optional<Milliseconds> firstLimit;
+  if (argc == 3) firstLimit = Milliseconds(std::atoi(argv[2]));
+  SecretServiceBackend backend(Milliseconds(200), firstLimit);
+  for (int call = 1; call < argc; ++call) {
+    const auto start = std::chrono::steady_clock::now();
+    const char* outcome = outcomeOf(backend, argv[1]);
+    const auto held =
+        std::chrono::duration_cast<Milliseconds>(std::chrono::steady_clock::now() - start);
+    std::printf("%s %lld ", outcome, static_cast<long long>(held.count()));
+  }
   return 0;
 }
