@@ -103,6 +103,7 @@ TEST_F(HostileClientsTest, NoiseInsteadOfARequestIsRefused) {
 
 TEST_F(HostileClientsTest, AHeadThatIsTooLongIsRefused) {
   m_settings.limits.headerBytes = 1024;
+  ASSERT_TRUE(eventually([&] { return service().queue().isReady(); }));
   EXPECT_EQ(ask("GET", "/health", "X: " + std::string(900, 'x') + "\r\n").status, 200);
   EXPECT_EQ(ask("GET", "/health", "X: " + std::string(1100, 'x') + "\r\n").status, 431);
 }
@@ -150,6 +151,7 @@ TEST_F(HostileClientsTest, AReaderThatNeverReadsIsCutOff) {
   while (client.send(batch)) {
   }
   EXPECT_TRUE(client.waitForEnd());
+  ASSERT_TRUE(eventually([&] { return service().queue().isReady(); }));
   EXPECT_EQ(ask("GET", "/health").status, 200);
 }
 
