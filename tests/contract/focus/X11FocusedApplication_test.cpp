@@ -34,6 +34,10 @@ class X11FocusedApplicationTest : public testing::Test {
       return application && application->identifier == identifier;
     });
   }
+  /// Whether the window comes to have the focus, after which it doesn't ask for it any more.
+  static bool settles(const TestWindow& window) {
+    return EventLoop::runUntil([&] { return window.hasFocus(); });
+  }
   static QByteArray number(std::uint32_t value) {
     return {reinterpret_cast<const char*>(&value), sizeof value};
   }
@@ -98,9 +102,9 @@ TEST_F(X11FocusedApplicationTest, ADockIsNoRegularApplicationAndADialogIs) {
 
 TEST_F(X11FocusedApplicationTest, RunningApplicationsAreListedOnceInTheDesktopsOrder) {
   const TestWindow first("First");
-  ASSERT_TRUE(comesToTheFront(u"First"_s));
+  ASSERT_TRUE(comesToTheFront(u"First"_s) && settles(first));
   const TestWindow second("Second");
-  ASSERT_TRUE(comesToTheFront(u"Second"_s));
+  ASSERT_TRUE(comesToTheFront(u"Second"_s) && settles(second));
   const TestWindow firstAgain("First");
   ASSERT_TRUE(comesToTheFront(u"First"_s));
   const auto running = focused->running();

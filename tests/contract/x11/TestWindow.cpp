@@ -41,6 +41,7 @@ void TestWindow::handleEvent(const xcb_generic_event_t& event) {
     case XCB_MAP_NOTIFY:
       xcb_set_input_focus(m_connection->xcb(), XCB_INPUT_FOCUS_POINTER_ROOT, m_window,
                           XCB_CURRENT_TIME);
+      m_connection->flush();
       break;
     case XCB_FOCUS_IN:
       m_hasFocus = true;
