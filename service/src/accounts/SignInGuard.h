@@ -1,0 +1,30 @@
+// What keeps sign-ins few and single: attempts a minute and source, and ID tokens that were used.
+//
+// It lives in the database, so that it holds across instances. One thread at a time, with its
+// Database; throws soci::soci_error.
+#pragma once
+
+#include "accounts/Accounts.h"
+
+namespace vemo::service {
+
+class SignInGuard {
+ public:
+  explicit SignInGuard(Database& database) : m_database(database) {}
+
+  /// Counts an attempt; false above `limit` in a minute. Of the source only a hash is kept, and
+  /// for minutes.
+  bool allow(const std::string& source, long long limit, Moment now);
+
+  /// False when this ID token has been used before.
+  bool useOnce(const std::string& idToken, Moment expires);
+
+  /// Removes what has run out: attempts, ID tokens, counted requests, what the local provider
+  /// keeps.
+  void forgetOutdated(Moment now);
+
+ private:
+  Database& m_database;
+};
+
+}  // namespace vemo::service
