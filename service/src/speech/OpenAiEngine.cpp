@@ -6,14 +6,13 @@
 #include <boost/algorithm/hex.hpp>
 #include <boost/algorithm/string/trim.hpp>
 #include <boost/asio.hpp>
-#include <boost/asio/ssl.hpp>
 #include <boost/beast/core/flat_buffer.hpp>
 #include <boost/beast/http.hpp>
 #include <boost/json.hpp>
-#include <boost/url.hpp>
 #include <optional>
 
 #include "setup/SecretFile.h"
+#include "web/WebServer.h"
 
 namespace vemo::service {
 
@@ -21,8 +20,6 @@ namespace {
 
 namespace net = boost::asio;
 namespace http = boost::beast::http;
-namespace ssl = net::ssl;
-using net::ip::tcp;
 
 constexpr std::size_t largestAnswer = 4 * 1024 * 1024;
 
@@ -93,13 +90,8 @@ Result transportFailure(const boost::system::system_error& failure) {
 }  // namespace
 
 struct OpenAiEngine::Server {
-  std::string host;
-  std::string port;
-  std::string path;
-  std::string hostHeader;
-  bool encrypted = false;
+  std::unique_ptr<WebServer> web;
   std::string key;
-  ssl::context tls{ssl::context::tls_client};
 
   template <typename Stream>
   net::awaitable<Result> exchange(Stream& stream, const Recording& recording,
@@ -114,8 +106,9 @@ net::awaitable<Result> OpenAiEngine::Server::exchange(Stream& stream, const Reco
                                                       const std::string& before,
                                                       const std::string& after,
                                                       const std::string& boundary) {
-  http::request<http::empty_body> head(http::verb::post, path, 11);
-  head.set(http::field::host, hostHeader);
+  http::request<http::empty_body> head(http::verb::post, web->path() + "/v1/audio/transcriptions",
+                                       11);
+  head.set(http::field::host, web->hostHeader());
   head.set(http::field::user_agent, "vemo-service");
   head.set(http::field::accept, "application/json");
   head.set(http::field::content_type, "multipart/form-data; boundary=" + boundary);
@@ -141,18 +134,10 @@ net::awaitable<Result> OpenAiEngine::Server::exchange(Stream& stream, const Reco
 
 net::awaitable<Result> OpenAiEngine::Server::request(const Recording& recording, std::string before,
                                                      std::string after, std::string boundary) {
-  const auto executor = co_await net::this_coro::executor;
-  tcp::resolver resolver(executor);
-  const auto addresses = co_await resolver.async_resolve(host, port, net::use_awaitable);
-  tcp::socket socket(executor);
-  co_await net::async_connect(socket, addresses, net::use_awaitable);
-  if (!encrypted) co_return co_await exchange(socket, recording, before, after, boundary);
-
-  ssl::stream<tcp::socket> stream(std::move(socket), tls);
-  stream.set_verify_callback(ssl::host_name_verification(host));
-  SSL_set_tlsext_host_name(stream.native_handle(), host.c_str());
-  co_await stream.async_handshake(ssl::stream_base::client, net::use_awaitable);
-  co_return co_await exchange(stream, recording, before, after, boundary);
+  const auto exchangeOver = [&](auto& stream) {
+    return exchange(stream, recording, before, after, boundary);
+  };
+  co_return co_await web->connected(exchangeOver);
 }
 
 OpenAiEngine::OpenAiEngine(OpenAiSettings settings) : m_settings(std::move(settings)) {}
@@ -160,16 +145,10 @@ OpenAiEngine::OpenAiEngine(OpenAiSettings settings) : m_settings(std::move(setti
 OpenAiEngine::~OpenAiEngine() = default;
 
 std::expected<void, std::string> OpenAiEngine::load() {
-  const auto url = boost::urls::parse_uri(m_settings.address);
-  if (!url || url->encoded_host().empty() || url->has_query() || url->has_fragment() ||
-      url->has_userinfo())
-    return std::unexpected("the address in [openai] is not a plain web address");
+  auto web = WebServer::at(m_settings.address, m_settings.certificateAuthorities);
+  if (!web) return std::unexpected("the address in [openai] " + web.error());
   auto server = std::make_unique<Server>();
-  server->encrypted = url->scheme() == "https";
-  server->host = url->host_address();
-  server->port = url->has_port() ? std::string(url->port()) : server->encrypted ? "443" : "80";
-  server->hostHeader = std::string(url->encoded_host_and_port());
-  server->path = std::string(url->encoded_path()) + "/v1/audio/transcriptions";
+  server->web = *std::move(web);
 
   if (!m_settings.keyFile.empty()) {
     const auto content = readSecretFile(m_settings.keyFile);
@@ -178,16 +157,6 @@ std::expected<void, std::string> OpenAiEngine::load() {
     const auto visible = [](char c) { return c > ' ' && c < 0x7f; };
     if (server->key.empty() || !std::ranges::all_of(server->key, visible))
       return std::unexpected(m_settings.keyFile.string() + ": holds no usable key");
-  }
-  if (server->encrypted) {
-    boost::system::error_code error;
-    if (m_settings.certificateAuthorities.empty())
-      server->tls.set_default_verify_paths(error);
-    else
-      server->tls.load_verify_file(m_settings.certificateAuthorities.string(), error);
-    if (error) return std::unexpected("the certificate authorities cannot be read");
-    server->tls.set_verify_mode(ssl::verify_peer);
-    SSL_CTX_set_min_proto_version(server->tls.native_handle(), TLS1_2_VERSION);
   }
   m_server = std::move(server);
   return {};
