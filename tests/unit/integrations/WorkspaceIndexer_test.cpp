@@ -1,5 +1,7 @@
 #include "integrations/WorkspaceIndexer.h"
 
+#include <future>
+
 #include "WorkspaceIndexerFixture.h"
 
 namespace vemo {
@@ -44,11 +46,14 @@ TEST_F(WorkspaceIndexerTest, ARefreshReturnsAtOnceAndLookupsSeeTheOldProjectUnti
   useCustomWorkspace(addProject("alpha"));
   startUp();
   useCustomWorkspace(addProject("beta"));
+  std::promise<void> diskMayAnswer;
+  diskReader.post([answer = diskMayAnswer.get_future()] { answer.wait(); });
   indexer->refreshActiveWorkspace();
   EXPECT_EQ(indexer->resolveFileTag(u"alpha"_s, u"ts"_s), u"@alpha.ts"_s);
   mainThread.drain();
   EXPECT_TRUE(indexer->isScanning());
   EXPECT_EQ(indexer->resolveFileTag(u"alpha"_s, u"ts"_s), u"@alpha.ts"_s);
+  diskMayAnswer.set_value();
   settle();
   EXPECT_FALSE(indexer->isScanning());
   EXPECT_EQ(indexer->resolveFileTag(u"alpha"_s, u"ts"_s), std::nullopt);
