@@ -1,7 +1,8 @@
-// A server for one connection after the other that keeps what it was sent and answers with fixed
-// bytes, plain or over TLS. Blocking, on a thread of its own.
+// A server for one connection after the other that keeps what it was sent and answers with the
+// bytes that the test wants, plain or over TLS. Blocking, on a thread of its own.
 #pragma once
 
+#include <atomic>
 #include <boost/asio.hpp>
 #include <boost/asio/ssl.hpp>
 #include <mutex>
@@ -45,6 +46,13 @@ class LocalServer {
   LocalServer& operator=(const LocalServer&) = delete;
 
   std::string port() const { return std::to_string(m_acceptor.local_endpoint().port()); }
+  /// From the next request on.
+  void answerWith(std::string answer) {
+    const std::lock_guard lock(m_mutex);
+    m_answer = std::move(answer);
+  }
+  /// How many requests have been read.
+  int requestCount() const { return m_requestCount; }
   std::string received() const {
     const std::lock_guard lock(m_mutex);
     return m_received;
@@ -79,7 +87,7 @@ class LocalServer {
   void exchange(Stream& stream) {
     boost::system::error_code error;
     if (m_behaviour == Behaviour::AnswerAtOnce) {
-      boost::asio::write(stream, boost::asio::buffer(m_answer), error);
+      boost::asio::write(stream, boost::asio::buffer(answer()), error);
       return;
     }
     std::string input;
@@ -94,20 +102,27 @@ class LocalServer {
       const std::lock_guard lock(m_mutex);
       m_received = input;
     }
+    ++m_requestCount;
     if (m_behaviour != Behaviour::Silence)
-      boost::asio::write(stream, boost::asio::buffer(m_answer), error);
+      boost::asio::write(stream, boost::asio::buffer(answer()), error);
     // Whatever the client does next, the connection stays until it has ended it.
     std::string rest;
     boost::asio::read(stream, boost::asio::dynamic_buffer(rest), error);
   }
 
+  std::string answer() const {
+    const std::lock_guard lock(m_mutex);
+    return m_answer;
+  }
+
   std::string m_answer;
-  Behaviour m_behaviour;
+  const Behaviour m_behaviour;
   boost::asio::io_context m_io;
   Tcp::acceptor m_acceptor{m_io, Tcp::endpoint(boost::asio::ip::address_v4::loopback(), 0)};
   std::optional<boost::asio::ssl::context> m_tls;
   mutable std::mutex m_mutex;
   std::string m_received;
+  std::atomic<int> m_requestCount = 0;
   std::atomic<bool> m_stopping = false;
   std::jthread m_thread;
 };
