@@ -1,5 +1,5 @@
-// The composition root: makes every object once, hands each what it works with, and starts them in
-// their order. The one place that names adapters.
+// The composition root: has every object made once (Foundation, Desktop, Program), starts them in
+// their order and ends them. The one folder that names adapters.
 //
 // Lives on the main thread between the making of the QGuiApplication and its end. Members are
 // destroyed from the last to the first, so each outlives what was given it.
@@ -16,6 +16,9 @@
 namespace vemo {
 
 class BusRemoteControl;
+struct Desktop;
+struct Foundation;
+struct Program;
 
 class Application {
  public:
@@ -25,10 +28,6 @@ class Application {
   ~Application();
 
  private:
-  struct Base;
-  struct Desktop;
-  struct Program;
-
   explicit Application(DeploymentConfiguration configuration);
 
   /// Makes and starts everything; the error is that of create().
@@ -40,7 +39,7 @@ class Application {
 
   const DeploymentConfiguration m_configuration;
   std::unique_ptr<BusRemoteControl> m_bus;  ///< goes last: another instance may start then
-  std::unique_ptr<Base> m_base;
+  std::unique_ptr<Foundation> m_foundation;
   std::unique_ptr<Desktop> m_desktop;
   std::unique_ptr<Program> m_program;
 };

@@ -1,0 +1,32 @@
+#include "app/Desktop.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+
+namespace vemo {
+
+QString soundsFolder() {
+  const QString installed = QCoreApplication::applicationDirPath() + u"/../share/vemo/sounds"_s;
+  return QFileInfo::exists(installed) ? installed : QString::fromUtf8(VEMO_SOUNDS_IN_SOURCE);
+}
+
+Desktop::Desktop(std::unique_ptr<X11Clipboard> x11Clipboard,
+                 std::unique_ptr<X11KeyPoster> x11KeyPoster,
+                 std::unique_ptr<X11FocusedApplication> x11FocusedApplication,
+                 std::unique_ptr<X11Screens> x11Screens)
+    : clipboard(std::move(x11Clipboard)),
+      keyPoster(std::move(x11KeyPoster)),
+      focusedApplication(std::move(x11FocusedApplication)),
+      screens(std::move(x11Screens)) {}
+
+std::unique_ptr<Desktop> Desktop::create(QtMainThread& mainThread) {
+  auto clipboard = X11Clipboard::create(mainThread);
+  auto keyPoster = X11KeyPoster::create();
+  auto focusedApplication = X11FocusedApplication::create();
+  auto screens = X11Screens::create();
+  if (!clipboard || !keyPoster || !focusedApplication || !screens) return nullptr;
+  return std::make_unique<Desktop>(std::move(clipboard), std::move(keyPoster),
+                                   std::move(focusedApplication), std::move(screens));
+}
+
+}  // namespace vemo

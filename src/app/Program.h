@@ -1,0 +1,66 @@
+// The logic, each object made once and handed what it works with.
+//
+// Lives on the main thread. Members are destroyed from the last to the first, so each outlives what
+// was given it.
+#pragma once
+
+#include "account/AuthManager.h"
+#include "account/GoogleSignIn.h"
+#include "app/Desktop.h"
+#include "app/Foundation.h"
+#include "audio/AudioRecorder.h"
+#include "base/SerialQueue.h"
+#include "desktop/HotkeyManager.h"
+#include "desktop/PermissionsManager.h"
+#include "desktop/TextInjector.h"
+#include "integrations/SlackManager.h"
+#include "integrations/WorkspaceIndexer.h"
+#include "platform/logind/LogindSleep.h"
+#include "platform/posix/SystemRandom.h"
+#include "platform/qt/QtHttpSession.h"
+#include "platform/qt/QtLastRequest.h"
+#include "platform/xdg/BrowserSignIn.h"
+#include "platform/xdg/LinuxPermissions.h"
+#include "session/AppState.h"
+#include "session/DictationRemoteControl.h"
+#include "shaping/ContextProcessor.h"
+#include "storage/DeploymentConfiguration.h"
+#include "storage/SecureTokenStore.h"
+#include "telemetry/Telemetry.h"
+#include "transcription/TranscriptionClient.h"
+#include "ui/HUDWindowController.h"
+
+namespace vemo {
+
+struct Program {
+  Program(Foundation& foundation, Desktop& desktop, const DeploymentConfiguration& configuration,
+          DictationRemoteControl::Program remotely);
+
+  QtHttpSession session;
+  QtHttpSession hedgeSession;
+  QtHttpSession sharedSession;  ///< of everything but dictation
+  LinuxPermissions permissionsOfSystem;
+  SecureTokenStore tokens;
+  QtLastRequest lastRequest;
+  Telemetry telemetry;
+  SystemRandom random;
+  BrowserSignIn browserSignIn;
+  GoogleSignIn googleSignIn;
+  AuthManager auth;
+  SerialQueue diskReader{"vemo.workspace"};
+  SlackManager slack;
+  WorkspaceIndexer workspace;
+  PermissionsManager permissions;
+  HotkeyManager hotkey;
+  AudioRecorder recorder;
+  TranscriptionClient client;
+  ContextProcessor contextProcessor;
+  TextInjector injector;
+  HUDWindowController hud;
+  AppState appState;
+  LogindSleep machineSleep;
+  TaskScope tasks;
+  DictationRemoteControl remoteControl;
+};
+
+}  // namespace vemo
