@@ -76,6 +76,13 @@ void HotkeyManager::removeTap() {
   m_isToggleKeyDown = false;
 }
 
+void HotkeyManager::setSilent(bool isSilent) {
+  if (std::exchange(m_isSilent, isSilent) == isSilent) return;
+  std::exchange(m_leftOptionPendingTask, {}).cancel();
+  m_isToggleKeyDown = false;
+  if (isSilent) release();
+}
+
 void HotkeyManager::recoverFromInterruption() {
   if (!m_isTapInstalled) return;
   if (m_isPushToTalkKeyDown) {
@@ -86,6 +93,7 @@ void HotkeyManager::recoverFromInterruption() {
 }
 
 void HotkeyManager::processEvent(const KeyEvent& event) {
+  if (m_isSilent) return;
   if (const auto toggle = toggleChoice(m_settings); matchesToggle(toggle, event)) {
     accompany(event.keyCode);
     triggerToggle(toggle);

@@ -54,6 +54,11 @@ class HotkeyManager {
   /// Whether key events come in. A source that was interrupted goes on by itself.
   bool isTapEnabled() const { return m_isTapInstalled; }
 
+  /// While silent, no key triggers anything: a shortcut is being recorded. Becoming silent ends a
+  /// push-to-talk hold, with its callback.
+  void setSilent(bool isSilent);
+  bool isSilent() const { return m_isSilent; }
+
   /// Whether push-to-talk counts as held.
   bool isPushToTalkKeyDown() const { return m_isPushToTalkKeyDown; }
 
@@ -89,6 +94,7 @@ class HotkeyManager {
   DebugLog& m_debugLog;
 
   bool m_isTapInstalled = false;
+  bool m_isSilent = false;
   bool m_isPushToTalkKeyDown = false;
   bool m_isToggleKeyDown = false;
   std::optional<Clock::MonotonicTime> m_lastToggleTriggerTime;

@@ -11,14 +11,14 @@
 
 #include <optional>
 
-#include "ports/KeyEventSource.h"
+#include "ports/LocalKeyMonitor.h"
 #include "storage/CustomKeyShortcut.h"
 
 namespace vemo {
 
 class ShortcutCapture {
  public:
-  enum class Handling { Swallow, PassOn };
+  using Handling = LocalKeyMonitor::Handling;
 
   Handling handle(const KeyEvent& event);
 

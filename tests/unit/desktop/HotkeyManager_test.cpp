@@ -67,6 +67,56 @@ TEST_F(HotkeyManagerTest, RemovingTheTapForgetsAToggleThatIsDown) {
   EXPECT_THAT(takeCalls(), ElementsAre("toggle", "toggle"));
 }
 
+TEST_F(HotkeyManagerTest, WhileSilentNoKeyTriggersAnything) {
+  hotkey.setSilent(true);
+  EXPECT_TRUE(hotkey.isSilent());
+  EXPECT_TRUE(hotkey.isTapEnabled());
+  flags(kRightOption, OptionFlag);
+  flags(kRightOption, 0);
+  flags(kFnKey, FnFlag);
+  flags(kFnKey, 0);
+  EXPECT_THAT(takeCalls(), IsEmpty());
+  hotkey.setSilent(false);
+  flags(kRightOption, OptionFlag);
+  EXPECT_THAT(takeCalls(), ElementsAre("down"));
+}
+
+TEST_F(HotkeyManagerTest, BecomingSilentEndsAHoldWithItsCallbackOnce) {
+  flags(kRightOption, OptionFlag);
+  takeCalls();
+  hotkey.setSilent(true);
+  hotkey.setSilent(true);
+  flags(kRightOption, 0);
+  EXPECT_THAT(takeCalls(), ElementsAre("up"));
+}
+
+TEST_F(HotkeyManagerTest, BecomingSilentEndsAPendingHoldOfLeftOption) {
+  flags(kLeftOption, OptionFlag);
+  clock.advance(100ms);
+  hotkey.setSilent(true);
+  clock.advance(1h);
+  EXPECT_THAT(takeCalls(), IsEmpty());
+  EXPECT_EQ(clock.sleeperCount(), 0u);
+}
+
+TEST_F(HotkeyManagerTest, AToggleKeyThatWentUpWhileSilentTriggersAtItsNextPress) {
+  flags(kFnKey, FnFlag);
+  hotkey.setSilent(true);
+  flags(kFnKey, 0);
+  hotkey.setSilent(false);
+  clock.advance(1s);
+  flags(kFnKey, FnFlag);
+  EXPECT_THAT(takeCalls(), ElementsAre("toggle", "toggle"));
+}
+
+TEST_F(HotkeyManagerTest, ANewTapIsStillSilent) {
+  hotkey.setSilent(true);
+  hotkey.removeTap();
+  hotkey.installTap();
+  flags(kFnKey, FnFlag);
+  EXPECT_THAT(takeCalls(), IsEmpty());
+}
+
 TEST_F(HotkeyManagerTest, AnInterruptionDuringAHoldForcesOneUpAndKeepsTheTap) {
   flags(kRightOption, OptionFlag);
   takeCalls();
