@@ -18,6 +18,12 @@ namespace vemo {
 class SystemPermissions;
 class Telemetry;
 
+/// The settings panes in which the user grants the two.
+inline constexpr auto microphonePane =
+    u"x-apple.systempreferences:com.apple.preference.security?Privacy_Microphone";
+inline constexpr auto accessibilityPane =
+    u"x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility";
+
 enum class MicStatus { Granted, Denied, NotDetermined };
 
 class PermissionsManager {

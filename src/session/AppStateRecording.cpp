@@ -29,11 +29,6 @@ constexpr auto permissionPromptInterval = 30s;
 /// Of the recorder's meter; lies at -52.74 dBFS.
 constexpr float silenceThreshold = 0.02F;
 
-constexpr auto microphonePane =
-    u"x-apple.systempreferences:com.apple.preference.security?Privacy_Microphone";
-constexpr auto accessibilityPane =
-    u"x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility";
-
 }  // namespace
 
 void AppState::startRecording() {
