@@ -23,6 +23,8 @@
 #include "platform/xdg/LinuxPermissions.h"
 #include "session/AppState.h"
 #include "session/DictationRemoteControl.h"
+#include "session/DictionaryList.h"
+#include "session/ShortcutList.h"
 #include "shaping/ContextProcessor.h"
 #include "storage/DeploymentConfiguration.h"
 #include "storage/SecureTokenStore.h"
@@ -47,6 +49,8 @@ struct Program {
   BrowserSignIn browserSignIn;
   GoogleSignIn googleSignIn;
   AuthManager auth;
+  DictionaryList dictionary;
+  ShortcutList shortcuts;
   SerialQueue diskReader{"vemo.workspace"};
   SlackManager slack;
   WorkspaceIndexer workspace;

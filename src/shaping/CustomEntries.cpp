@@ -29,6 +29,12 @@ std::optional<std::vector<Entry>> decode(const QByteArray& json, QStringView hea
   return entries;
 }
 
+std::optional<QByteArray> encode(const QJsonArray& array, bool isText) {
+  if (!isText) return std::nullopt;
+  const QByteArray json = compactJson(array);
+  return json.size() <= maxStoredBytes ? std::optional(json) : std::nullopt;
+}
+
 }  // namespace
 
 std::optional<std::vector<CustomDictionaryEntry>> decodeDictionary(const QByteArray& json) {
@@ -37,6 +43,27 @@ std::optional<std::vector<CustomDictionaryEntry>> decodeDictionary(const QByteAr
 
 std::optional<std::vector<CustomShortcutEntry>> decodeShortcuts(const QByteArray& json) {
   return decode<CustomShortcutEntry>(json, u"trigger", u"snippet");
+}
+
+std::optional<QByteArray> encodeDictionary(const std::vector<CustomDictionaryEntry>& entries) {
+  QJsonArray array;
+  bool isText = true;
+  for (const auto& [id, phrase, replacement] : entries) {
+    array.append(
+        QJsonObject{{u"id"_s, id}, {u"phrase"_s, phrase}, {u"replacement"_s, replacement}});
+    isText = isText && id.isValidUtf16() && phrase.isValidUtf16() && replacement.isValidUtf16();
+  }
+  return encode(array, isText);
+}
+
+std::optional<QByteArray> encodeShortcuts(const std::vector<CustomShortcutEntry>& entries) {
+  QJsonArray array;
+  bool isText = true;
+  for (const auto& [id, trigger, snippet] : entries) {
+    array.append(QJsonObject{{u"id"_s, id}, {u"trigger"_s, trigger}, {u"snippet"_s, snippet}});
+    isText = isText && id.isValidUtf16() && trigger.isValidUtf16() && snippet.isValidUtf16();
+  }
+  return encode(array, isText);
 }
 
 QString phrasePattern(const QString& phrase) {

@@ -30,6 +30,11 @@ struct CustomShortcutEntry {
 std::optional<std::vector<CustomDictionaryEntry>> decodeDictionary(const QByteArray& json);
 std::optional<std::vector<CustomShortcutEntry>> decodeShortcuts(const QByteArray& json);
 
+/// The stored form; nothing when a text isn't UTF-16, or when it would be too long to be read
+/// again.
+std::optional<QByteArray> encodeDictionary(const std::vector<CustomDictionaryEntry>& entries);
+std::optional<QByteArray> encodeShortcuts(const std::vector<CustomShortcutEntry>& entries);
+
 /// The pattern for a phrase between word boundaries: any case, any white space between its words.
 QString phrasePattern(const QString& phrase);
 
