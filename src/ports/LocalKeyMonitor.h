@@ -14,10 +14,11 @@ namespace vemo {
 class LocalKeyMonitor {
  public:
   enum class Handling {
-    Swallow,  ///< nothing of the key reaches the window, its coming up included
+    Swallow,  ///< nothing of the key reaches the window, until it has come up
     PassOn,
   };
-  /// Told of KeyDown and FlagsChanged alone. A held key that repeats is told once.
+  /// A held key that repeats is told once. What it answers to a key that comes up counts only when
+  /// the window has seen the key go down.
   using Handler = std::function<Handling(const KeyEvent&)>;
 
   virtual ~LocalKeyMonitor() = default;
