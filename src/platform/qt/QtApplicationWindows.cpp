@@ -25,4 +25,20 @@ void QtApplicationWindows::bringForward() {
   }
 }
 
+/// The window that was active last, where Qt still knows it.
+void QtApplicationWindows::activate() {
+  QWindow* toActivate = QGuiApplication::focusWindow();
+  for (QWindow* window : QGuiApplication::topLevelWindows()) {
+    if (!toActivate && canBecomeMain(*window) && window->isVisible()) toActivate = window;
+  }
+  if (!toActivate) return;
+  toActivate->raise();
+  toActivate->requestActivate();
+}
+
+void QtApplicationWindows::setActivationPolicy(ActivationPolicy policy) {
+  m_policy = policy;
+  if (onPolicyChanged) onPolicyChanged(policy);
+}
+
 }  // namespace vemo
