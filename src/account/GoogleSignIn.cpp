@@ -2,13 +2,11 @@
 
 #include <QCryptographicHash>
 #include <QRandomGenerator>
-#include <QUrlQuery>
 #include <algorithm>
 #include <initializer_list>
 #include <utility>
 
-#include "base/Json.h"
-#include "base/JsonRecord.h"
+#include "account/SignInAnswers.h"
 #include "ports/HttpSession.h"
 #include "ports/SecureRandom.h"
 #include "ports/WebAuthentication.h"
@@ -47,11 +45,6 @@ QByteArray queryOf(QueryItems items) {
   return query;
 }
 
-std::optional<QString> firstItem(const QUrlQuery& query, const QString& name) {
-  if (!query.hasQueryItem(name)) return std::nullopt;
-  return query.queryItemValue(name, QUrl::FullyDecoded);
-}
-
 GoogleSignInError errorOf(const WebAuthenticationError& error) {
   switch (error.kind) {
     case WebAuthenticationError::Kind::CannotOpen:
@@ -62,32 +55,6 @@ GoogleSignInError errorOf(const WebAuthenticationError& error) {
       break;
   }
   return {Kind::Session, error.description};
-}
-
-/// The authorization code that a redirect brings.
-GoogleSignIn::Result<QString> codeIn(const QUrl& redirect, const QString& expectedState) {
-  const QUrlQuery query(redirect);
-  if (const auto error = firstItem(query, u"error"_s)) {
-    return *error == u"access_denied"_s ? failure(Kind::Cancelled) : failure(Kind::Google, *error);
-  }
-  if (firstItem(query, u"state"_s) != expectedState) return failure(Kind::StateMismatch);
-  const auto code = firstItem(query, u"code"_s);
-  if (!code) return failure(Kind::BadResponse);
-  return *code;
-}
-
-/// The ID token that the token endpoint answers with.
-GoogleSignIn::Result<QString> idTokenIn(const HttpResponse& response) {
-  if (!response.status) return failure(Kind::BadResponse);
-  const auto answer = parseJsonObject(response.body);
-  if (*response.status >= 200 && *response.status < 300) {
-    const auto token = answer ? stringIn(*answer, u"id_token") : std::nullopt;
-    if (!token) return failure(Kind::BadResponse);
-    return *token;
-  }
-  if (const auto words = answer ? stringIn(*answer, u"error_description") : std::nullopt)
-    return failure(Kind::Google, *words);
-  return failure(Kind::Google, u"Token exchange failed (HTTP %1)"_s.arg(*response.status));
 }
 
 }  // namespace
@@ -164,7 +131,7 @@ Task<GoogleSignIn::Result<QString>> GoogleSignIn::authorize(Flow flow, std::stop
       co_await m_with.browser.authenticate(page, callbackScheme(), std::move(stop));
   if (!redirect) co_return std::unexpected(errorOf(redirect.error()));
   if (!*redirect) co_return failure(Kind::BadResponse);
-  co_return codeIn(**redirect, flow.state);
+  co_return authorizationCodeIn(**redirect, flow.state);
 }
 
 Task<GoogleSignIn::Result<QString>> GoogleSignIn::exchange(QString code, QString codeVerifier,

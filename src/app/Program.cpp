@@ -1,6 +1,7 @@
 #include "app/Program.h"
 
 #include <QCoreApplication>
+#include <QSysInfo>
 
 #include "platform/x11/X11FloatingPanel.h"
 
@@ -16,7 +17,9 @@ Program::Program(Foundation& foundation, Desktop& desktop,
           [&desktop] { return desktop.microphoneAccess.authorization(); },
           [&desktop] { return desktop.keyEvents.canListen() && desktop.keyPoster->canPost(); },
           foundation.clock, foundation.mainThread),
-      tokens({&desktop.keyring}, foundation.debugLog),
+      sealedSecrets(places::secretsFolder(), QSysInfo::machineUniqueId(),
+                    [&foundation](const QString& line) { foundation.debugLog(line); }),
+      tokens({&desktop.keyring, &sealedSecrets}, foundation.debugLog),
       telemetry({.clock = foundation.clock,
                  .mainThread = foundation.mainThread,
                  .settings = foundation.settings,

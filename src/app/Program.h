@@ -19,6 +19,7 @@
 #include "platform/posix/SystemRandom.h"
 #include "platform/qt/QtHttpSession.h"
 #include "platform/qt/QtLastRequest.h"
+#include "platform/sealed/SealedSecretBackend.h"
 #include "platform/xdg/BrowserSignIn.h"
 #include "platform/xdg/LinuxPermissions.h"
 #include "session/AppState.h"
@@ -42,6 +43,7 @@ struct Program {
   QtHttpSession hedgeSession;
   QtHttpSession sharedSession;  ///< of everything but dictation
   LinuxPermissions permissionsOfSystem;
+  SealedSecretBackend sealedSecrets;  ///< where there is no keyring
   SecureTokenStore tokens;
   QtLastRequest lastRequest;
   Telemetry telemetry;

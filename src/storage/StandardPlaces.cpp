@@ -41,6 +41,11 @@ QString crashFile() {
   return folder.isEmpty() ? QString() : folder + u"/vemo/crashes"_s;
 }
 
+QString secretsFolder() {
+  const QString folder = stateFolder();
+  return folder.isEmpty() ? QString() : folder + u"/vemo/secrets"_s;
+}
+
 QStringList deploymentConfigurationCandidates() {
   QStringList folders = qEnvironmentVariable("XDG_CONFIG_DIRS").split(u':', Qt::SkipEmptyParts);
   folders.removeIf([](const QString& folder) { return !QDir::isAbsolutePath(folder); });

@@ -21,6 +21,9 @@ QString logFolder();
 /// The notes of crashes: crashes in XDG_STATE_HOME/vemo.
 QString crashFile();
 
+/// Where secrets are sealed on desktops without a keyring: secrets in XDG_STATE_HOME/vemo.
+QString secretsFolder();
+
 /// vemo.conf in XDG_CONFIG_HOME/vemo, then in vemo below each folder of XDG_CONFIG_DIRS.
 QStringList deploymentConfigurationCandidates();
 

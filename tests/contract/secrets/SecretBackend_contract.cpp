@@ -1,8 +1,10 @@
-// What every SecretBackend promises, held by the fake and by the keyring of the desktop.
+// What every SecretBackend promises, held by the fake, the keyring of the desktop and the sealed
+// file.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <QProcess>
+#include <QTemporaryDir>
 #include <memory>
 #include <string>
 #include <thread>
@@ -11,6 +13,7 @@
 
 #include "fakes/FakeClock.h"
 #include "fakes/FakeSecretBackend.h"
+#include "platform/sealed/SealedSecretBackend.h"
 #include "platform/secretservice/SecretServiceBackend.h"
 #include "storage/DebugLog.h"
 #include "storage/SecureTokenStore.h"
@@ -100,16 +103,24 @@ TEST_P(SecretBackendContract, ManyThreadsMayUseItAtOnce) {
   for (auto& thread : threads) thread.join();
 }
 
+std::unique_ptr<SecretBackend> makeFake() {
+  return std::make_unique<FakeSecretBackend>();
+}
+
+std::unique_ptr<SecretBackend> makeSecretService() {
+  return std::make_unique<SecretServiceBackend>(generousLimit);
+}
+
+std::unique_ptr<SecretBackend> makeSealed() {
+  static const QTemporaryDir folder;
+  return std::make_unique<SealedSecretBackend>(folder.filePath(u"secrets"_s), "machine"_ba,
+                                               [](const QString&) {});
+}
+
 INSTANTIATE_TEST_SUITE_P(Backends, SecretBackendContract,
-                         testing::Values(Subject{"Fake",
-                                                 []() -> std::unique_ptr<SecretBackend> {
-                                                   return std::make_unique<FakeSecretBackend>();
-                                                 }},
-                                         Subject{"SecretService",
-                                                 []() -> std::unique_ptr<SecretBackend> {
-                                                   return std::make_unique<SecretServiceBackend>(
-                                                       generousLimit);
-                                                 }}),
+                         testing::Values(Subject{"Fake", &makeFake},
+                                         Subject{"SecretService", &makeSecretService},
+                                         Subject{"Sealed", &makeSealed}),
                          [](const auto& subject) { return std::string(subject.param.name); });
 
 class SecretServiceTest : public testing::Test {
