@@ -8,6 +8,8 @@
 #include <csignal>
 #include <ostream>
 
+#include "accounts/AccountServices.h"
+#include "http/DictationApi.h"
 #include "http/HttpServer.h"
 
 namespace vemo::service {
@@ -37,7 +39,7 @@ int serve(const Configuration& configuration, const EngineKind& engine, std::ost
     errors << "vemo-service: " << *problem << std::endl;
     return 1;
   }
-  if (!tokens.exists())
+  if (!tokens.exists() && !configuration.accounts.enabled)
     errors << "vemo-service: no tokens yet, so every request is refused; make one with "
               "vemo-service add-token"
            << std::endl;
@@ -47,6 +49,15 @@ int serve(const Configuration& configuration, const EngineKind& engine, std::ost
   net::io_context io(1);
   net::signal_set signals(io, SIGTERM, SIGINT);
   AccessLog log(errors);
+  std::unique_ptr<AccountServices> accounts;
+  if (configuration.accounts.enabled) {
+    auto opened = AccountServices::open(configuration, io, log);
+    if (!opened) {
+      errors << "vemo-service: " << opened.error() << std::endl;
+      return 1;
+    }
+    accounts = *std::move(opened);
+  }
   std::function<void()> stop;
   RecognitionQueue queue(
       engine, {.workers = configuration.effectiveWorkers(), .waiting = configuration.waiting},
@@ -59,10 +70,19 @@ int serve(const Configuration& configuration, const EngineKind& engine, std::ost
           stop();
         });
       });
-  DictationApi api({.name = engine.name, .output = engine.output}, tokens, queue, io.get_executor(),
-                   configuration.limits);
-  HttpServer server(io, configuration.limits, api, log);
-  stop = [&] { server.stop([&signals] { signals.cancel(); }); };
+  Router router;
+  DictationApi dictations({.name = engine.name, .output = engine.output}, queue, io.get_executor(),
+                          configuration.limits);
+  dictations.addTo(router);
+  if (accounts) accounts->addTo(router);
+  Admission admission(tokens, accounts ? &accounts->database() : nullptr);
+  HttpServer server(io, configuration.limits, router, admission, log);
+  stop = [&] {
+    server.stop([&] {
+      dictations.equalRequests().forget();
+      signals.cancel();
+    });
+  };
   if (const auto listening = server.listen(configuration.address, configuration.port); !listening) {
     errors << "vemo-service: " << listening.error() << std::endl;
     return 1;

@@ -73,11 +73,41 @@ TEST_F(ConfigurationTest, EveryKeyIsTaken) {
   EXPECT_EQ(configuration->limits.repeatAnswers, 0U);
 }
 
+TEST_F(ConfigurationTest, EveryKeyOfAccountsIsTaken) {
+  const auto configuration = read(
+      "[server]\nbehind-proxy = yes\n[accounts]\nenabled = yes\n"
+      "database = postgresql://vemo@db/vemo\nclient-identifiers = one.two, three\n"
+      "issuers = https://issuer other\njwks-address = https://issuer/keys\n"
+      "sign-ins-a-minute = 3\nbeta-updates = yes\n");
+  ASSERT_TRUE(configuration) << configuration.error();
+  const auto& accounts = configuration->accounts;
+  EXPECT_TRUE(configuration->behindProxy);
+  EXPECT_TRUE(accounts.enabled);
+  EXPECT_EQ(accounts.database.kind, DatabaseAddress::Kind::PostgreSql);
+  EXPECT_EQ(accounts.database.place, "postgresql://vemo@db/vemo");
+  EXPECT_THAT(accounts.clientIdentifiers, testing::ElementsAre("one.two", "three"));
+  EXPECT_THAT(accounts.issuers, testing::ElementsAre("https://issuer", "other"));
+  EXPECT_EQ(accounts.jwksAddress, "https://issuer/keys");
+  EXPECT_EQ(accounts.signInsAMinute, 3);
+  EXPECT_TRUE(accounts.betaUpdates);
+}
+
+TEST_F(ConfigurationTest, AccountsAreOffAndWouldLiveInAFileOfTheDataFolder) {
+  const auto configuration = read("");
+  ASSERT_TRUE(configuration);
+  EXPECT_FALSE(configuration->accounts.enabled);
+  EXPECT_EQ(configuration->accounts.database.kind, DatabaseAddress::Kind::Sqlite);
+  EXPECT_EQ(configuration->accounts.database.place,
+            (Configuration::dataFolder() / "accounts.db").string());
+}
+
 TEST_F(ConfigurationTest, AValueThatDoesNotParseIsOneClearLine) {
   for (const auto* text :
        {"[server]\nport = 65536", "[server]\nport = -1", "[server]\nport = 80a", "[server]\nport =",
         "[server]\naddress = localhost", "[engine]\nname = other", "[engine]\nworkers = 0",
-        "[engine]\nworkers = 65", "[limits]\nbody-bytes = 43", "[limits]\nheader-seconds = 0",
+        "[engine]\nworkers = 65", "[accounts]\nenabled = true", "[accounts]\ndatabase = mysql://x",
+        "[accounts]\nclient-identifiers = ,", "[accounts]\nsign-ins-a-minute = 0",
+        "[limits]\nbody-bytes = 43", "[limits]\nheader-seconds = 0",
         "[limits]\nheader-seconds = nan", "[limits]\nheader-seconds = 1s",
         "[openai]\naddress = ftp://host", "[server]\ntokens-file ="}) {
     const auto error = errorFor(text);

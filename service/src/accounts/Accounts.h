@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -13,6 +14,11 @@ namespace vemo::service {
 
 using AccountId = std::int64_t;
 using Moment = std::chrono::sys_seconds;
+using Now = std::function<Moment()>;
+
+inline Moment currentMoment() {
+  return std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
+}
 
 /// Who somebody is, as an identity provider says. Issuer and subject together name a person for
 /// good; an e-mail address may move to somebody else.

@@ -1,5 +1,7 @@
 #include "accounts/BearerTokens.h"
 
+#include <algorithm>
+
 #include "accounts/Secrets.h"
 
 namespace vemo::service {
@@ -14,6 +16,14 @@ long long dayOf(Moment moment) {
 }
 
 }  // namespace
+
+bool BearerTokens::hasForm(std::string_view token) {
+  constexpr std::size_t length = 43;  // 256 bits in base64url
+  return token.size() == length && std::ranges::all_of(token, [](char letter) {
+           return (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z') ||
+                  (letter >= '0' && letter <= '9') || letter == '-' || letter == '_';
+         });
+}
 
 std::optional<std::string> BearerTokens::issue(AccountId account, Moment now) {
   const auto token = randomSecret();

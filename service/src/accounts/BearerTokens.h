@@ -14,6 +14,9 @@ class BearerTokens {
   static constexpr int unusedDays = 180;
   static constexpr int tokensAnAccount = 50;
 
+  /// Whether this could be one at all.
+  static bool hasForm(std::string_view token);
+
   explicit BearerTokens(Database& database) : m_database(database) {}
 
   /// A new token of 256 random bits. None when the account is gone.

@@ -1,37 +1,17 @@
-// What the service answers, apart from how it travels.
+// The endpoints that turn speech into text.
 //
-// `admit` decides by the head alone, before a byte of the body is taken; `answer` decides by the
-// body. Network thread only; the completion of `answer` runs exactly once, at once or later on a
-// recogniser's thread. Cancelled by the stop token, which ends in the status clientClosedRequest.
-// Equal recordings that say which piece of which dictation they are share one answer.
+// Network thread only; owned by the program, and alive until the recognisers and the database's
+// workers have ended. Equal recordings that say which piece of which dictation they are share one
+// answer. What an account's dictations come to is counted before they are answered.
 #pragma once
 
-#include <expected>
-#include <functional>
-#include <stop_token>
-#include <string>
-#include <string_view>
+#include <boost/asio/any_io_executor.hpp>
 
-#include "http/Answer.h"
 #include "http/EqualRequests.h"
-#include "http/RequestTarget.h"
-#include "setup/TokenFile.h"
+#include "http/Router.h"
 #include "speech/RecognitionQueue.h"
 
 namespace vemo::service {
-
-struct RequestHead {
-  boost::beast::http::verb method;
-  std::string_view target;
-  std::string_view authorization;
-  std::string_view dictationId;
-};
-
-struct AdmittedRequest {
-  RequestTarget target;
-  std::string token;
-  std::string dictationId;  ///< empty when absent
-};
 
 class DictationApi {
  public:
@@ -40,25 +20,23 @@ class DictationApi {
     EngineKind::Output output;
   };
 
-  DictationApi(Engine engine, TokenFile& tokens, RecognitionQueue& queue,
-               boost::asio::any_io_executor networkThread, const Limits& limits);
+  DictationApi(Engine engine, RecognitionQueue& queue, boost::asio::any_io_executor networkThread,
+               const Limits& limits);
 
-  std::expected<AdmittedRequest, Answer> admit(const RequestHead& head);
-
-  void answer(const AdmittedRequest& request, std::string body, std::stop_token stop,
-              std::move_only_function<void(Answer)> completion);
+  void addTo(Router& router);
 
   EqualRequests& equalRequests() { return m_equalRequests; }
 
  private:
+  enum class Piece { Whole, Chunk };
+
   Answer health() const;
   Answer finalize(const std::string& body) const;
-  void dictate(const AdmittedRequest& request, std::string body, std::stop_token stop,
-               std::move_only_function<void(Answer)> completion);
+  void dictate(Piece piece, Request request, std::stop_token stop, AnswerCompletion completion);
 
   const Engine m_engine;
-  TokenFile& m_tokens;
   RecognitionQueue& m_queue;
+  const Limits& m_limits;
   EqualRequests m_equalRequests;
 };
 

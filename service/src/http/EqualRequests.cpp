@@ -63,7 +63,7 @@ void EqualRequests::leave(const std::shared_ptr<Entry>& entry, const Waiter* wai
     break;
   }
   if (leaving.empty()) return;
-  leaving.front().completion({clientClosedRequest, {}, {}});
+  leaving.front().completion({.status = clientClosedRequest});
   if (!entry->waiters.empty()) return;
   // Whoever comes now must not join work that ends without an answer.
   m_entries.erase(entry->key);

@@ -27,7 +27,7 @@ namespace vemo::service {
 
 class EqualRequests {
  public:
-  using Completion = std::move_only_function<void(Answer)>;
+  using Completion = AnswerCompletion;
   /// Called at most once, before `answer` returns; its completion may be called on any thread.
   using Work = std::move_only_function<void(std::stop_token, Completion)>;
 

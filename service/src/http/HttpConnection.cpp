@@ -13,7 +13,6 @@ namespace http = beast::http;
 using boost::system::error_code;
 
 constexpr std::size_t bufferLimit = 128 * 1024;
-constexpr std::size_t transcriptLimit = 4 * 1024 * 1024;
 /// What a refused sender may go on sending, in bodies of the largest size.
 constexpr std::uint64_t discardedBodies = 4;
 
@@ -26,11 +25,28 @@ bool isHttpError(const error_code& error) {
   return error.category() == make_error_code(http::error::bad_target).category();
 }
 
-Answer parseFailure(const error_code& error) {
+Answer parseFailure(const error_code& error, std::string_view tooLong) {
   if (error == http::error::header_limit || error == http::error::buffer_overflow)
     return errorAnswer(431, "The request's head is too long.");
-  if (error == http::error::body_limit) return errorAnswer(413, "The recording is too long.");
+  if (error == http::error::body_limit) return errorAnswer(413, tooLong);
   return errorAnswer(400, "The request cannot be read.");
+}
+
+/// The value that `work` gives its completion, on whichever thread.
+template <typename Value, typename Work>
+net::awaitable<Value> completed(Work work) {
+  const auto executor = co_await net::this_coro::executor;
+  co_return co_await net::async_initiate<decltype(net::use_awaitable), void(Value)>(
+      [&work, executor](auto handler) {
+        work([handler = std::move(handler),
+              guard = net::make_work_guard(executor)](Value value) mutable {
+          net::post(guard.get_executor(),
+                    [handler = std::move(handler), value = std::move(value)]() mutable {
+                      std::move(handler)(std::move(value));
+                    });
+        });
+      },
+      net::use_awaitable);
 }
 
 bool hasLeft(net::ip::tcp::socket& socket) {
@@ -42,17 +58,20 @@ bool hasLeft(net::ip::tcp::socket& socket) {
 
 }  // namespace
 
-HttpConnection::HttpConnection(net::ip::tcp::socket socket, const Limits& limits, DictationApi& api,
-                               AccessLog& log, Ended ended)
+HttpConnection::HttpConnection(net::ip::tcp::socket socket, const Limits& limits,
+                               const Router& router, Admission& admission, AccessLog& log,
+                               Ended ended)
     : m_stream(std::move(socket)),
       m_limits(limits),
-      m_api(api),
+      m_router(router),
+      m_admission(admission),
       m_log(log),
       m_ended(std::move(ended)),
       m_buffer(bufferLimit) {
   error_code ignored;
   m_stream.socket().non_blocking(true, ignored);
   m_stream.socket().set_option(net::ip::tcp::no_delay(true), ignored);
+  m_source = m_stream.socket().remote_endpoint(ignored).address().to_string();
 }
 
 void HttpConnection::start() {
@@ -125,32 +144,37 @@ net::awaitable<HttpConnection::Next> HttpConnection::serve() {
   co_await http::async_read_header(m_stream, m_buffer, parser, into(error));
   if (isHttpError(error) && error != http::error::end_of_stream &&
       error != http::error::partial_message)
-    co_return co_await refuse(parseFailure(error), 0);
+    co_return co_await refuse(parseFailure(error, {}), 0);
   if (error) {
     if (error == beast::error::timeout) log(408);
     co_return Next::Close;
   }
 
   if (const auto answer = framingError(parser)) co_return co_await refuse(*answer, 0);
-  const auto request = admit(parser);
+  const auto& head = parser.get();
+  if (head.method() != http::verb::unknown) m_entry.method = http::to_string(head.method());
+  m_entry.path = m_router.knownPath(head.target());
+  const auto match = m_router.find(head.method(), head.target());
+  m_stream.expires_never();
+  auto request = match ? co_await admit(parser, *match) : std::unexpected(match.error());
   if (!request) {
     const bool bodyFollows = parser.chunked() || parser.content_length().value_or(0) > 0;
     if (bodyFollows) co_return co_await refuse(request.error(), stillToCome(parser));
     co_return co_await send(request.error(), parser.keep_alive());
   }
 
-  if (beast::iequals(parser.get()[http::field::expect], "100-continue")) {
+  if (beast::iequals(head[http::field::expect], "100-continue")) {
     constexpr std::string_view goOn = "HTTP/1.1 100 Continue\r\n\r\n";
     co_await net::async_write(m_stream, net::buffer(goOn), into(error));
     if (error) co_return Next::Close;
   }
-  parser.body_limit(bodyLimit(request->target.route->endpoint));
+  parser.body_limit(match->route->bodyLimit);
   m_stream.expires_after(m_limits.bodyTime);
   if (!parser.is_done()) co_await http::async_read(m_stream, m_buffer, parser, into(error));
   m_entry.bodyBytes = parser.get().body().size();
   if (error == http::error::body_limit ||
       (isHttpError(error) && error != http::error::partial_message))
-    co_return co_await refuse(parseFailure(error), stillToCome(parser));
+    co_return co_await refuse(parseFailure(error, match->route->tooLong), stillToCome(parser));
   if (error) {
     log(error == beast::error::timeout ? 408 : clientClosedRequest);
     co_return Next::Close;
@@ -160,7 +184,8 @@ net::awaitable<HttpConnection::Next> HttpConnection::serve() {
   // A waiting upload holds its body and nothing else of size.
   if (m_buffer.size() == 0) m_buffer.shrink_to_fit();
   m_stream.expires_never();
-  auto answer = co_await recognise(*request, std::move(parser.get().body()));
+  request->body = std::move(parser.get().body());
+  auto answer = co_await handle(*match->route, *std::move(request));
   if (answer.status == clientClosedRequest) {
     log(answer.status);
     co_return Next::Close;
@@ -179,18 +204,20 @@ std::optional<Answer> HttpConnection::framingError(const Parser& parser) const {
   return errorAnswer(400, "The request cannot be read.");
 }
 
-std::expected<AdmittedRequest, Answer> HttpConnection::admit(const Parser& parser) {
+net::awaitable<std::expected<Request, Answer>> HttpConnection::admit(const Parser& parser,
+                                                                     const Router::Match& match) {
   const auto& head = parser.get();
-  if (head.method() != http::verb::unknown) m_entry.method = http::to_string(head.method());
-  const auto request = m_api.admit({.method = head.method(),
-                                    .target = head.target(),
-                                    .authorization = head[http::field::authorization],
-                                    .dictationId = head["x-dictation-id"]});
-  if (const auto asked = parseTarget(head.target())) m_entry.path = asked->route->path;
-  if (!request) return request;
-  if (parser.content_length().value_or(0) > bodyLimit(request->target.route->endpoint))
-    return std::unexpected(errorAnswer(413, "The recording is too long."));
-  return request;
+  auto caller = co_await completed<std::expected<Caller, Answer>>([&](auto completion) {
+    m_admission.admit(head[http::field::authorization], match.route->access, std::move(completion));
+  });
+  if (!caller) co_return std::unexpected(std::move(caller).error());
+  if (parser.content_length().value_or(0) > match.route->bodyLimit)
+    co_return std::unexpected(errorAnswer(413, match.route->tooLong));
+  co_return Request{.target = match.target,
+                    .item = match.item,
+                    .caller = *std::move(caller),
+                    .headers = head,
+                    .source = m_source};
 }
 
 /// Nothing when nobody can know, as in a chunked body.
@@ -199,34 +226,11 @@ std::uint64_t HttpConnection::stillToCome(const Parser& parser) const {
   return remaining - std::min<std::uint64_t>(remaining, m_buffer.size());
 }
 
-std::size_t HttpConnection::bodyLimit(Endpoint endpoint) const {
-  switch (endpoint) {
-    case Endpoint::Health:
-      return 0;
-    case Endpoint::Dictate:
-    case Endpoint::DictateChunk:
-      return m_limits.bodyBytes;
-    case Endpoint::DictateFinalize:
-      return std::min(m_limits.bodyBytes, transcriptLimit);
-  }
-  return 0;
-}
-
-net::awaitable<Answer> HttpConnection::recognise(const AdmittedRequest& request, std::string body) {
-  const auto executor = co_await net::this_coro::executor;
+net::awaitable<Answer> HttpConnection::handle(const Route& route, Request request) {
   watchForLeaving();
-  auto answer = co_await net::async_initiate<decltype(net::use_awaitable), void(Answer)>(
-      [this, &request, &body, executor](auto handler) {
-        m_api.answer(request, std::move(body), m_stop.get_token(),
-                     [handler = std::move(handler),
-                      work = net::make_work_guard(executor)](Answer result) mutable {
-                       net::post(work.get_executor(), [handler = std::move(handler),
-                                                       result = std::move(result)]() mutable {
-                         std::move(handler)(std::move(result));
-                       });
-                     });
-      },
-      net::use_awaitable);
+  auto answer = co_await completed<Answer>([&](auto completion) {
+    route.handler(std::move(request), m_stop.get_token(), std::move(completion));
+  });
   error_code ignored;
   m_stream.socket().cancel(ignored);
   co_return answer;
@@ -275,11 +279,13 @@ net::awaitable<void> HttpConnection::discard(std::uint64_t count) {
 net::awaitable<HttpConnection::Next> HttpConnection::send(Answer answer, bool keepAlive) {
   keepAlive = keepAlive && !m_finishing;
   http::response<http::string_body> response(static_cast<http::status>(answer.status), 11);
-  response.set(http::field::content_type, "application/json");
+  response.set(http::field::content_type, answer.contentType);
   response.set(http::field::cache_control, "no-store");
   if (!answer.allow.empty()) response.set(http::field::allow, answer.allow);
   if (answer.status == 401) response.set(http::field::www_authenticate, "Bearer");
-  if (answer.status == 503) response.set(http::field::retry_after, "1");
+  if (answer.status == 503 && !answer.retryAfter) answer.retryAfter = std::chrono::seconds(1);
+  if (answer.retryAfter)
+    response.set(http::field::retry_after, std::to_string(answer.retryAfter->count()));
   response.keep_alive(keepAlive);
   response.body() = std::move(answer.body);
   response.prepare_payload();

@@ -1,4 +1,4 @@
-// One connection: reads requests one after the other, asks the API, writes the answers.
+// One connection: reads requests one after the other, has them handled, writes the answers.
 //
 // Network thread only. Owns itself through the coroutine that serves it, and tells the server when
 // it ends. Every stage has a time limit for the whole stage, so a peer that trickles is cut off;
@@ -19,7 +19,8 @@
 #include <stop_token>
 
 #include "http/AccessLog.h"
-#include "http/DictationApi.h"
+#include "http/Admission.h"
+#include "http/Router.h"
 #include "setup/Configuration.h"
 
 namespace vemo::service {
@@ -28,8 +29,8 @@ class HttpConnection : public std::enable_shared_from_this<HttpConnection> {
  public:
   using Ended = std::function<void(HttpConnection*)>;
 
-  HttpConnection(boost::asio::ip::tcp::socket socket, const Limits& limits, DictationApi& api,
-                 AccessLog& log, Ended ended);
+  HttpConnection(boost::asio::ip::tcp::socket socket, const Limits& limits, const Router& router,
+                 Admission& admission, AccessLog& log, Ended ended);
 
   void start();
   /// Instead of `start`: says that the service is busy, and ends.
@@ -51,21 +52,23 @@ class HttpConnection : public std::enable_shared_from_this<HttpConnection> {
   boost::asio::awaitable<bool> waitForRequest();
   boost::asio::awaitable<Next> refuse(Answer answer, std::uint64_t stillToCome);
   boost::asio::awaitable<Next> send(Answer answer, bool keepAlive);
-  boost::asio::awaitable<Answer> recognise(const AdmittedRequest& request, std::string body);
+  boost::asio::awaitable<std::expected<Request, Answer>> admit(const Parser& parser,
+                                                               const Router::Match& match);
+  boost::asio::awaitable<Answer> handle(const Route& route, Request request);
   boost::asio::awaitable<void> discardInput(std::uint64_t expected);
   boost::asio::awaitable<void> discard(std::uint64_t count);
   std::optional<Answer> framingError(const Parser& parser) const;
-  std::expected<AdmittedRequest, Answer> admit(const Parser& parser);
   std::uint64_t stillToCome(const Parser& parser) const;
   void watchForLeaving();
   void log(unsigned status);
-  std::size_t bodyLimit(Endpoint endpoint) const;
 
   boost::beast::tcp_stream m_stream;
   const Limits& m_limits;
-  DictationApi& m_api;
+  const Router& m_router;
+  Admission& m_admission;
   AccessLog& m_log;
   Ended m_ended;
+  std::string m_source;
   boost::beast::flat_buffer m_buffer;
   std::stop_source m_stop;
   AccessLog::Entry m_entry;

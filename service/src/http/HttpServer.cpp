@@ -19,8 +19,15 @@ constexpr std::size_t turnedAwayAtOnce = 64;
 
 }  // namespace
 
-HttpServer::HttpServer(net::io_context& io, const Limits& limits, DictationApi& api, AccessLog& log)
-    : m_io(io), m_limits(limits), m_api(api), m_log(log), m_acceptor(io), m_graceTimer(io) {}
+HttpServer::HttpServer(net::io_context& io, const Limits& limits, const Router& router,
+                       Admission& admission, AccessLog& log)
+    : m_io(io),
+      m_limits(limits),
+      m_router(router),
+      m_admission(admission),
+      m_log(log),
+      m_acceptor(io),
+      m_graceTimer(io) {}
 
 std::expected<void, std::string> HttpServer::listen(const std::string& address,
                                                     std::uint16_t port) {
@@ -60,7 +67,7 @@ void HttpServer::take(tcp::socket socket) {
   const bool isFull = m_connections.size() - m_turnedAway >= m_limits.connections;
   if (isFull && m_turnedAway >= turnedAwayAtOnce) return;
   const auto connection =
-      std::make_shared<HttpConnection>(std::move(socket), m_limits, m_api, m_log,
+      std::make_shared<HttpConnection>(std::move(socket), m_limits, m_router, m_admission, m_log,
                                        [this](HttpConnection* ended) { connectionEnded(ended); });
   m_connections.insert(connection);
   if (!isFull) return connection->start();
@@ -73,11 +80,6 @@ void HttpServer::connectionEnded(HttpConnection* connection) {
   m_connections.erase(connection->shared_from_this());
   if (!m_stopping || !m_connections.empty()) return;
   m_graceTimer.cancel();
-  ended();
-}
-
-void HttpServer::ended() {
-  m_api.equalRequests().forget();
   m_stopped();
 }
 
@@ -88,7 +90,7 @@ void HttpServer::stop(std::function<void()> stopped) {
   error_code ignored;
   m_acceptor.close(ignored);
   for (const auto& connection : m_connections) connection->finish();
-  if (m_connections.empty()) return ended();
+  if (m_connections.empty()) return m_stopped();
   m_graceTimer.expires_after(m_limits.shutdownTime);
   m_graceTimer.async_wait([this](const error_code& error) {
     if (error) return;

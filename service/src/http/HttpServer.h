@@ -20,7 +20,8 @@ namespace vemo::service {
 
 class HttpServer {
  public:
-  HttpServer(boost::asio::io_context& io, const Limits& limits, DictationApi& api, AccessLog& log);
+  HttpServer(boost::asio::io_context& io, const Limits& limits, const Router& router,
+             Admission& admission, AccessLog& log);
 
   /// Binds, listens and starts to accept; the error is one line for the operator.
   std::expected<void, std::string> listen(const std::string& address, std::uint16_t port);
@@ -34,11 +35,11 @@ class HttpServer {
   boost::asio::awaitable<void> accept();
   void take(boost::asio::ip::tcp::socket socket);
   void connectionEnded(HttpConnection* connection);
-  void ended();
 
   boost::asio::io_context& m_io;
   const Limits& m_limits;
-  DictationApi& m_api;
+  const Router& m_router;
+  Admission& m_admission;
   AccessLog& m_log;
   boost::asio::ip::tcp::acceptor m_acceptor;
   boost::asio::steady_timer m_graceTimer;

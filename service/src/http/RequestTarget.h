@@ -1,39 +1,29 @@
-// What a request line asks for: the route and the query items that the service understands.
+// What a request line asks for: a path and the items of its query.
 //
-// Pure functions over hostile text. Names in the query that nobody knows are ignored; of a name
-// that comes twice, the first counts.
+// A plain value, made of hostile text. Of a name that comes twice in the query, the first counts.
 #pragma once
 
-#include <boost/beast/http/verb.hpp>
-#include <expected>
+#include <boost/url/url.hpp>
+#include <optional>
 #include <string>
 #include <string_view>
 
 namespace vemo::service {
 
-enum class Endpoint { Health, Dictate, DictateChunk, DictateFinalize };
+class RequestTarget {
+ public:
+  /// None when the target cannot be read.
+  static std::optional<RequestTarget> parse(std::string_view target);
 
-enum class TextFormat { Raw, Smart };
+  /// As it came, with its escapes.
+  std::string_view path() const { return m_url.encoded_path(); }
+  /// Without escapes; empty when absent.
+  std::string parameter(std::string_view name) const;
 
-struct Route {
-  Endpoint endpoint;
-  boost::beast::http::verb method;
-  std::string_view path;
+ private:
+  explicit RequestTarget(boost::urls::url url) : m_url(std::move(url)) {}
+
+  boost::urls::url m_url;
 };
-
-struct RequestTarget {
-  const Route* route;
-  TextFormat format;  ///< "smart" and nothing else asks for formatting
-  // Empty when absent.
-  std::string language;
-  std::string sessionId;
-  std::string chunkIndex;
-};
-
-enum class TargetError { Malformed, UnknownPath };
-
-std::expected<RequestTarget, TargetError> parseTarget(std::string_view target);
-
-TextFormat textFormatNamed(std::string_view name);
 
 }  // namespace vemo::service

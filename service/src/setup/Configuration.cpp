@@ -1,5 +1,7 @@
 #include "setup/Configuration.h"
 
+#include <boost/algorithm/string/classification.hpp>
+#include <boost/algorithm/string/split.hpp>
 #include <boost/asio/ip/address.hpp>
 #include <boost/property_tree/ini_parser.hpp>
 #include <charconv>
@@ -78,12 +80,39 @@ Setter engineName(Configuration::EngineName& target) {
   };
 }
 
+Setter yesOrNo(bool& target) {
+  return [&target](const std::string& text) {
+    target = text == "yes";
+    return text == "yes" || text == "no";
+  };
+}
+
+/// Divided by spaces, commas or both.
+Setter list(std::vector<std::string>& target) {
+  return [&target](const std::string& text) {
+    boost::algorithm::split(target, text, boost::algorithm::is_any_of(", \t"),
+                            boost::algorithm::token_compress_on);
+    std::erase(target, "");
+    return !target.empty();
+  };
+}
+
+Setter databaseAddress(DatabaseAddress& target) {
+  return [&target](const std::string& text) {
+    const auto address = DatabaseAddress::parse(text);
+    if (address) target = *address;
+    return address.has_value();
+  };
+}
+
 std::map<std::string, Key, std::less<>> keysOf(Configuration& c) {
   constexpr std::string_view time = "a number of seconds above 0";
   constexpr std::string_view path = "a path";
+  constexpr std::string_view truth = "yes or no";
   return {
       {"server.address", {"a numeric IP address", numericAddress(c.address)}},
       {"server.port", {"a port number, or 0 for any", number(c.port, 0, 65'535)}},
+      {"server.behind-proxy", {truth, yesOrNo(c.behindProxy)}},
       {"server.tokens-file", {path, nonEmpty(c.tokensFile)}},
       {"engine.name", {"pocketsphinx or openai", engineName(c.engine)}},
       {"engine.workers", {"a number from 1 to 64", number(c.workers, 1, 64)}},
@@ -96,6 +125,17 @@ std::map<std::string, Key, std::less<>> keysOf(Configuration& c) {
       {"openai.key-file", {path, nonEmpty(c.openAi.keyFile)}},
       {"openai.certificate-authorities", {path, nonEmpty(c.openAi.certificateAuthorities)}},
       {"openai.timeout-seconds", {time, seconds(c.openAi.timeout)}},
+      {"accounts.enabled", {truth, yesOrNo(c.accounts.enabled)}},
+      {"accounts.database",
+       {"sqlite: and an absolute path, or a postgresql:// address",
+        databaseAddress(c.accounts.database)}},
+      {"accounts.client-identifiers",
+       {"one client identifier or more", list(c.accounts.clientIdentifiers)}},
+      {"accounts.issuers", {"one issuer or more", list(c.accounts.issuers)}},
+      {"accounts.jwks-address", {"an http or https address", webAddress(c.accounts.jwksAddress)}},
+      {"accounts.sign-ins-a-minute",
+       {"a number from 1 to 100000", number(c.accounts.signInsAMinute, 1, 100'000)}},
+      {"accounts.beta-updates", {truth, yesOrNo(c.accounts.betaUpdates)}},
       {"limits.body-bytes",
        {"a number of bytes from 44", number(c.limits.bodyBytes, 44, std::size_t{1} << 30)}},
       {"limits.header-bytes",
@@ -114,6 +154,13 @@ std::map<std::string, Key, std::less<>> keysOf(Configuration& c) {
   };
 }
 
+std::filesystem::path userFolder(const char* variable, std::string_view belowHome) {
+  const char* configured = std::getenv(variable);
+  if (configured && *configured == '/') return configured;
+  const char* home = std::getenv("HOME");
+  return std::filesystem::path(home ? home : "/") / belowHome;
+}
+
 }  // namespace
 
 std::size_t Configuration::effectiveWorkers() const {
@@ -124,15 +171,17 @@ std::size_t Configuration::effectiveWorkers() const {
 }
 
 std::filesystem::path Configuration::defaultFolder() {
-  const char* configured = std::getenv("XDG_CONFIG_HOME");
-  if (configured && *configured == '/') return std::filesystem::path(configured) / "vemo-service";
-  const char* home = std::getenv("HOME");
-  return std::filesystem::path(home ? home : "/") / ".config" / "vemo-service";
+  return userFolder("XDG_CONFIG_HOME", ".config") / "vemo-service";
+}
+
+std::filesystem::path Configuration::dataFolder() {
+  return userFolder("XDG_DATA_HOME", ".local/share") / "vemo-service";
 }
 
 std::expected<Configuration, std::string> Configuration::read(const std::filesystem::path& path) {
   Configuration configuration;
   configuration.tokensFile = defaultFolder() / "tokens";
+  configuration.accounts.database = DatabaseAddress::sqlite(dataFolder() / "accounts.db");
   std::error_code absent;
   if (path == defaultFolder() / "vemo-service.conf" && !std::filesystem::exists(path, absent))
     return configuration;

@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <string>
 
+#include "setup/AccountSettings.h"
 #include "speech/PocketsphinxEngine.h"
 
 namespace vemo::service {
@@ -43,18 +44,23 @@ struct Configuration {
 
   std::string address = "127.0.0.1";
   std::uint16_t port = 8750;  ///< 0: any free one
+  /// Then clients are told apart by the last address that a proxy has written.
+  bool behindProxy = false;
   std::filesystem::path tokensFile;
   EngineName engine = EngineName::Pocketsphinx;
   std::size_t workers = 0;  ///< 0: as many as suit the engine
   std::size_t waiting = 64;
   PocketsphinxModel pocketsphinx;
   OpenAiSettings openAi;
+  AccountSettings accounts;
   Limits limits;
 
   std::size_t effectiveWorkers() const;
 
   /// XDG_CONFIG_HOME/vemo-service, where the files are looked for by default.
   static std::filesystem::path defaultFolder();
+  /// XDG_DATA_HOME/vemo-service, where the service keeps what it stores.
+  static std::filesystem::path dataFolder();
   /// `path` may be absent only when it is the default file.
   static std::expected<Configuration, std::string> read(const std::filesystem::path& path);
 };

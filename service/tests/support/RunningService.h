@@ -7,6 +7,7 @@
 #include <sstream>
 #include <thread>
 
+#include "http/DictationApi.h"
 #include "http/HttpServer.h"
 #include "support/RawClient.h"
 #include "support/ScriptedEngine.h"
@@ -29,9 +30,11 @@ class RunningService {
         m_tokens(m_folder.path() / "tokens"),
         m_queue(engine, settings.queue, [](auto) {}),
         m_log(m_logText),
-        m_api({.name = engine.name, .output = engine.output}, m_tokens, m_queue,
-              m_io.get_executor(), m_limits),
-        m_server(m_io, m_limits, m_api, m_log) {
+        m_dictations({.name = engine.name, .output = engine.output}, m_queue, m_io.get_executor(),
+                     m_limits),
+        m_admission(m_tokens, nullptr),
+        m_server(m_io, m_limits, m_router, m_admission, m_log) {
+    m_dictations.addTo(m_router);
     m_token = TokenFile::add(m_folder.path() / "tokens").value_or("");
     if (!m_server.listen("127.0.0.1", 0)) std::abort();
     const auto address = m_server.address();
@@ -48,12 +51,13 @@ class RunningService {
   /// Requests that wait for an answer which equal ones may share.
   std::size_t waitingForAnswers() {
     std::promise<std::size_t> count;
-    boost::asio::post(m_io, [&] { count.set_value(m_api.equalRequests().waitingCount()); });
+    boost::asio::post(m_io, [&] { count.set_value(m_dictations.equalRequests().waitingCount()); });
     return count.get_future().get();
   }
 
   void beginToStop() {
-    boost::asio::post(m_io, [this] { m_server.stop([] {}); });
+    boost::asio::post(m_io,
+                      [this] { m_server.stop([this] { m_dictations.equalRequests().forget(); }); });
   }
   /// The log is whole once this has returned.
   std::string stop() {
@@ -78,7 +82,9 @@ class RunningService {
   RecognitionQueue m_queue;
   std::ostringstream m_logText;
   AccessLog m_log;
-  DictationApi m_api;
+  DictationApi m_dictations;
+  Router m_router;
+  Admission m_admission;
   HttpServer m_server;
   std::string m_token;
   std::uint16_t m_port = 0;

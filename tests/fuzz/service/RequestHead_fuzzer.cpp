@@ -4,7 +4,7 @@
 #include <boost/beast/http/string_body.hpp>
 #include <cstdlib>
 
-#include "http/RequestTarget.h"
+#include "http/Router.h"
 
 namespace http = boost::beast::http;
 using namespace vemo::service;
@@ -12,6 +12,20 @@ using namespace vemo::service;
 namespace {
 
 constexpr std::size_t bodyLimit = 1024;
+
+void look(http::verb method, std::string_view text) {
+  static const Router router = [] {
+    Router routes;
+    routes.add({http::verb::post, "/desktop/dictate", Access::Everybody, 0, {}});
+    routes.add({http::verb::delete_, "/dictionary/*", Access::Everybody, 0, {}});
+    return routes;
+  }();
+  const auto match = router.find(method, text);
+  if (!match) return;
+  const auto whole = match->target.parameter("language").size() +
+                     match->target.parameter("session_id").size() + match->item.size();
+  if (whole > text.size() || match->route->path != router.knownPath(text)) std::abort();
+}
 
 void read(std::string_view head, std::string_view rest) {
   http::request_parser<http::string_body> parser;
@@ -29,10 +43,7 @@ void read(std::string_view head, std::string_view rest) {
   }
   if (parser.get().body().size() > bodyLimit) std::abort();
   if (!parser.is_header_done()) return;
-  const auto target = parseTarget(parser.get().target());
-  if (!target) return;
-  const auto whole = target->language.size() + target->sessionId.size() + target->chunkIndex.size();
-  if (whole > parser.get().target().size()) std::abort();
+  look(parser.get().method(), parser.get().target());
 }
 
 }  // namespace
@@ -41,6 +52,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string_view text(reinterpret_cast<const char*>(data), size);
   const auto half = size / 2;
   read(text.substr(0, half), text.substr(half));
-  static_cast<void>(parseTarget(text));
+  look(http::verb::delete_, text);
   return 0;
 }
