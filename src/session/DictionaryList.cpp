@@ -74,6 +74,25 @@ Task<> DictionaryList::push(QString id, QString phrase, QString replacement, std
   if (item && m_entries.changeId(id, item->id)) changed.notify();
 }
 
+bool DictionaryList::edit(const QString& id, const QString& phrase, const QString& replacement) {
+  if (!m_auth.isSignedIn()) m_entries.read();
+  const CustomDictionaryEntry entry{m_entries.newId(), withoutOuterBlanks(phrase),
+                                    withoutOuterBlanks(replacement)};
+  if (!m_entries.change(id, entry)) return false;
+  if (m_auth.isSignedIn()) {
+    m_tasks.start([&](std::stop_token stop) { return pushChange(id, entry, std::move(stop)); });
+  }
+  changed.notify();
+  return true;
+}
+
+/// The removal goes first: the service may refuse a phrase that it holds already.
+Task<> DictionaryList::pushChange(QString oldId, CustomDictionaryEntry entry,
+                                  std::stop_token stop) {
+  co_await m_auth.deleteDictionaryItem(oldId, stop);
+  co_await push(entry.id, entry.phrase, entry.replacement, stop);
+}
+
 void DictionaryList::remove(const QString& id) {
   if (!m_auth.isSignedIn()) m_entries.read();
   m_entries.remove(id);

@@ -41,6 +41,10 @@ class DictionaryList {
   /// Blanks around the two texts are dropped. In force for the next dictation.
   void add(const QString& phrase, const QString& replacement);
 
+  /// Writes other texts into a row, which keeps its place; false when the row has gone. The account
+  /// knows no changing, so there the old entry goes and a new one comes.
+  bool edit(const QString& id, const QString& phrase, const QString& replacement);
+
   void remove(const QString& id);
 
  private:
@@ -48,6 +52,7 @@ class DictionaryList {
   void setLoading(bool isLoading);
   Task<> pull(std::stop_token stop);
   Task<> push(QString id, QString phrase, QString replacement, std::stop_token stop);
+  Task<> pushChange(QString oldId, CustomDictionaryEntry entry, std::stop_token stop);
   Task<> pushRemoval(QString id, std::stop_token stop);
 
   AuthManager& m_auth;

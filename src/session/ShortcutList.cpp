@@ -32,6 +32,14 @@ void ShortcutList::add(const QString& trigger, const QString& snippet) {
   changed.notify();
 }
 
+bool ShortcutList::edit(const QString& id, const QString& trigger, const QString& snippet) {
+  if (!m_auth.isSignedIn()) m_entries.read();
+  if (!m_entries.change(id, {id, withoutOuterBlanks(trigger), withoutOuterBlanks(snippet)}))
+    return false;
+  changed.notify();
+  return true;
+}
+
 void ShortcutList::remove(const QString& id) {
   if (!m_auth.isSignedIn()) m_entries.read();
   m_entries.remove(id);

@@ -29,6 +29,9 @@ class ShortcutList {
   /// Blanks around the two texts are dropped. In force for the next dictation.
   void add(const QString& trigger, const QString& snippet);
 
+  /// Writes other texts into a row, which keeps its place; false when the row has gone.
+  bool edit(const QString& id, const QString& trigger, const QString& snippet);
+
   void remove(const QString& id);
 
  private:

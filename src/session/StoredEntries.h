@@ -48,6 +48,8 @@ class StoredEntries {
     m_rows = (stored ? m_form.decode(*stored) : std::nullopt).value_or(Rows());
   }
 
+  static QString newId() { return QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper(); }
+
   /// Empties the memory alone.
   void forget() { m_rows.clear(); }
 
@@ -58,7 +60,7 @@ class StoredEntries {
 
   /// Appends a row of the two texts and returns the identifier that it was given.
   QString append(const QString& heard, const QString& written) {
-    const QString id = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
+    const QString id = newId();
     m_rows.push_back({id, heard, written});
     write();
     return id;
@@ -68,7 +70,16 @@ class StoredEntries {
   bool changeId(const QString& from, const QString& to) {
     const auto row = std::ranges::find(m_rows, from, &Entry::id);
     if (row == m_rows.end()) return false;
-    row->id = to;
+    Entry entry = *row;
+    entry.id = to;
+    return change(from, std::move(entry));
+  }
+
+  /// Puts `entry` where the row of the identifier is; false when there is none.
+  bool change(const QString& id, Entry entry) {
+    const auto row = std::ranges::find(m_rows, id, &Entry::id);
+    if (row == m_rows.end()) return false;
+    *row = std::move(entry);
     write();
     return true;
   }

@@ -331,6 +331,53 @@ TEST_F(DictionaryListTest, TwoAdditionsAnsweredInTheOtherOrderKeepTheirRows) {
               ElementsAre(Entry{u"slow"_s, u"a"_s, u"b"_s}, Entry{u"fast"_s, u"c"_s, u"d"_s}));
 }
 
+// Editing.
+
+TEST_F(DictionaryListTest, AChangedRowKeepsItsPlaceAndIsANewEntryOfTheAccount) {
+  const Entry first{u"1"_s, u"a"_s, u"b"_s};
+  const Entry last{u"3"_s, u"e"_s, u"f"_s};
+  store({first, {u"2"_s, u"c"_s, u"d"_s}, last});
+  makeSignedInList();
+  http.answer(dictionaryPath + u"/2"_s, 204);
+  serverAdds({u"9"_s, u"spoken"_s, u"written"_s});
+  EXPECT_TRUE(list->edit(u"2"_s, u" spoken\t"_s, u"written "_s));
+  EXPECT_EQ(stored(), list->entries()) << "at once";
+  settle();
+  EXPECT_THAT(list->entries(), ElementsAre(first, Entry{u"9"_s, u"spoken"_s, u"written"_s}, last));
+  EXPECT_EQ(stored(), list->entries());
+  EXPECT_THAT(requestsTo(dictionaryPath), ElementsAre("DELETE /dictionary/2", "POST /dictionary"));
+}
+
+TEST_F(DictionaryListTest, AChangeThatTheServiceFailsToTakeStaysLocal) {
+  store({{u"2"_s, u"c"_s, u"d"_s}});
+  makeSignedInList();
+  http.answer(dictionaryPath + u"/2"_s, 500);
+  http.answer(dictionaryPath, 500);
+  EXPECT_TRUE(list->edit(u"2"_s, u"p"_s, u"r"_s));
+  settle();
+  ASSERT_THAT(stored(), SizeIs(1));
+  EXPECT_FALSE(QUuid(stored().front().id).isNull());
+  EXPECT_EQ(stored().front().phrase, u"p"_s);
+}
+
+TEST_F(DictionaryListTest, ARowThatHasGoneIsNotChanged) {
+  makeSignedInList();
+  EXPECT_FALSE(list->edit(u"1"_s, u"p"_s, u"r"_s));
+  settle();
+  EXPECT_EQ(changes, 0);
+  EXPECT_THAT(requestsTo(dictionaryPath), IsEmpty());
+}
+
+TEST_F(DictionaryListTest, AChangeWhileSignedOutStaysLocal) {
+  store({{u"1"_s, u"p"_s, u"r"_s}});
+  startUp();
+  makeList();
+  EXPECT_TRUE(list->edit(u"1"_s, u"q"_s, u"s"_s));
+  settle();
+  EXPECT_EQ(stored().front().phrase, u"q"_s);
+  EXPECT_THAT(requestsTo(dictionaryPath), IsEmpty());
+}
+
 // Removing.
 
 TEST_F(DictionaryListTest, ARemovalIsStoredAtOnceAndToldInTheBackground) {

@@ -45,6 +45,24 @@ TEST_F(ShortcutListTest, AnEntryIsTrimmedStoredAtOnceAndComesLast) {
   EXPECT_EQ(changes, 1);
 }
 
+TEST_F(ShortcutListTest, AChangedRowKeepsItsPlaceAndItsIdentifier) {
+  const Entry last{u"2"_s, u"t"_s, u"s"_s};
+  store({{u"1"_s, u"t"_s, u"s"_s}, last});
+  startSignedIn();
+  makeList();
+  EXPECT_TRUE(list->edit(u"1"_s, u" my address"_s, u"line 1\nline 2 "_s));
+  EXPECT_THAT(stored(), ElementsAre(Entry{u"1"_s, u"my address"_s, u"line 1\nline 2"_s}, last));
+  EXPECT_EQ(list->entries(), stored());
+  EXPECT_EQ(changes, 1);
+}
+
+TEST_F(ShortcutListTest, ARowThatHasGoneIsNotChanged) {
+  startSignedIn();
+  makeList();
+  EXPECT_FALSE(list->edit(u"1"_s, u"t"_s, u"s"_s));
+  EXPECT_EQ(changes, 0);
+}
+
 TEST_F(ShortcutListTest, NothingOfItLeavesTheMachine) {
   startSignedIn();
   makeList();
