@@ -1,0 +1,36 @@
+// The main window's content: the sign-in card for nobody, the sidebar and its tabs for somebody.
+import QtQuick
+import "../common"
+
+Rectangle {
+    id: window
+
+    required property var model
+
+    color: Theme.window
+    LayoutMirroring.enabled: Qt.application.layoutDirection === Qt.RightToLeft
+    LayoutMirroring.childrenInherit: true
+
+    Loader {
+        anchors.fill: parent
+        focus: true
+        sourceComponent: window.model.isSignedIn ? signedIn : signedOut
+    }
+    Component {
+        id: signedOut
+
+        SignInCard {
+            model: window.model
+        }
+    }
+    Component {
+        id: signedIn
+
+        SignedInContent {
+            model: window.model
+        }
+    }
+    ToastBanner {
+        model: window.model.toast
+    }
+}

@@ -1,0 +1,12 @@
+// The title above a group of rows.
+import QtQuick
+import "../common"
+
+Text {
+    color: Theme.text
+    font.pixelSize: Theme.fontTitle
+    font.weight: Font.DemiBold
+    wrapMode: Text.Wrap
+    Accessible.role: Accessible.Heading
+    Accessible.name: text
+}
