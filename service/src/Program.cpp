@@ -71,7 +71,7 @@ int serve(const Configuration& configuration, const EngineKind& engine, std::ost
         });
       });
   Router router;
-  DictationApi dictations({.name = engine.name, .output = engine.output}, queue, io.get_executor(),
+  DictationApi dictations(engine, queue, accounts ? &accounts->usage() : nullptr, io.get_executor(),
                           configuration.limits);
   dictations.addTo(router);
   if (accounts) accounts->addTo(router);
@@ -80,6 +80,7 @@ int serve(const Configuration& configuration, const EngineKind& engine, std::ost
   stop = [&] {
     server.stop([&] {
       dictations.equalRequests().forget();
+      if (accounts) accounts->stop();
       signals.cancel();
     });
   };

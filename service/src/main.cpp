@@ -5,9 +5,11 @@
 #include <iostream>
 
 #include "Program.h"
+#include "accounts/AccountCommands.h"
 #include "setup/CommandLine.h"
 #include "setup/Engines.h"
 #include "setup/TokenFile.h"
+#include "telemetry/TelemetrySummary.h"
 
 namespace {
 
@@ -22,6 +24,12 @@ int addToken(const Configuration& configuration) {
   const auto token = TokenFile::add(configuration.tokensFile);
   if (!token) return fail(token.error());
   std::cout << *token << std::endl;
+  return 0;
+}
+
+int print(const CommandResult& result) {
+  if (!result) return fail(result.error());
+  std::cout << *result;
   return 0;
 }
 
@@ -47,6 +55,18 @@ int main(int argc, char** argv) {
   }
   const auto configuration = Configuration::read(commandLine->configurationFile);
   if (!configuration) return fail(configuration.error());
-  if (commandLine->action == CommandLine::Action::AddToken) return addToken(*configuration);
+  switch (commandLine->action) {
+    case CommandLine::Action::AddToken:
+      return addToken(*configuration);
+    case CommandLine::Action::Accounts:
+      return print(listAccounts(configuration->accounts));
+    case CommandLine::Action::RevokeTokens:
+      return print(revokeTokens(configuration->accounts, commandLine->account));
+    case CommandLine::Action::Stats:
+      return print(telemetrySummary(configuration->accounts));
+    case CommandLine::Action::Serve:
+    case CommandLine::Action::Help:
+      break;
+  }
   return serve(*configuration, engineOf(*configuration), std::cout, std::cerr);
 }

@@ -4,10 +4,12 @@
 
 #include "accounts/BearerTokens.h"
 #include "accounts/Dictionary.h"
+#include "accounts/RateLimit.h"
 #include "accounts/Secrets.h"
 #include "accounts/SignInGuard.h"
 #include "accounts/Usage.h"
 #include "support/DatabaseTest.h"
+#include "telemetry/TelemetryStore.h"
 
 namespace vemo::service {
 namespace {
@@ -154,8 +156,12 @@ TEST_P(AccountsTest, DeletionRemovesEveryRowOfTheAccountAndNoOther) {
     issue(account);
     Dictionary(database(), account.id).add("phrase", "replacement");
     Usage(database()).add(account.id, {.words = 1}, "key", noon);
+    TelemetryStore store(database());
+    store.addEvents(account.id, {.device = "d"},
+                    std::vector{ReportedEvent{.name = "n", .props = "{}", .at = noon}}, noon);
+    store.putDeviceReport(account.id, "d", "{}", noon);
   }
-  EXPECT_THAT(tablesOfAccounts(), SizeIs(4));
+  EXPECT_THAT(tablesOfAccounts(), SizeIs(6));
   EXPECT_TRUE(Accounts(database()).remove(ada.id));
   EXPECT_FALSE(Accounts(database()).remove(ada.id));
   EXPECT_THAT(Accounts(database()).all(), ElementsAre(bob));
@@ -227,11 +233,11 @@ TEST_P(AccountsTest, UsageOfAnAccountThatIsGoneIsDropped) {
 }
 
 TEST_P(AccountsTest, AttemptsAreCountedByMinuteAndSource) {
-  SignInGuard guard(database());
-  for (int attempt = 0; attempt < 3; ++attempt) EXPECT_TRUE(guard.allow("here", 3, noon));
-  EXPECT_FALSE(guard.allow("here", 3, noon + 59s));
-  EXPECT_TRUE(guard.allow("there", 3, noon));
-  EXPECT_TRUE(guard.allow("here", 3, noon + 60s));
+  RateLimit limit(database());
+  for (int attempt = 0; attempt < 3; ++attempt) EXPECT_TRUE(limit.allow("here", 3, noon));
+  EXPECT_FALSE(limit.allow("here", 3, noon + 59s));
+  EXPECT_TRUE(limit.allow("there", 3, noon));
+  EXPECT_TRUE(limit.allow("here", 3, noon + 60s));
 }
 
 TEST_P(AccountsTest, AnIdTokenCountsOnceEvenForInstancesAtOnce) {
@@ -251,7 +257,7 @@ TEST_P(AccountsTest, AnIdTokenCountsOnceEvenForInstancesAtOnce) {
 TEST_P(AccountsTest, WhatHasRunOutIsForgottenAndNothingElse) {
   const auto account = signIn().id;
   SignInGuard guard(database());
-  guard.allow("here", 3, noon);
+  RateLimit(database()).allow("here", 3, noon);
   guard.useOnce("token", noon);
   Usage(database()).add(account, {.words = 1}, "key", noon - Usage::remembered);
   guard.forgetOutdated(noon);

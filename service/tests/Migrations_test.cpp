@@ -49,6 +49,12 @@ class MigrationsTest : public DatabaseTest {
       session << "INSERT INTO counted_requests (account, hash, counted_at) VALUES (7, 'h', 1)";
     }
     if (schema >= 4) session << "INSERT INTO used_id_tokens (hash, expires_at) VALUES ('h', 1)";
+    if (schema >= 5)
+      session << "INSERT INTO provider_codes (code, challenge, nonce, expires_at) VALUES ('c', "
+                 "'c', 'n', 1)";
+    if (schema >= 6)
+      session << "INSERT INTO events (account, device, app_version, name, props, happened_at, "
+                 "received_day) VALUES (7, 'd', 'v', 'n', '{}', 1, 1)";
   }
 };
 

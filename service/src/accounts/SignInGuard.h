@@ -1,4 +1,4 @@
-// What keeps sign-ins few and single: attempts a minute and source, and ID tokens that were used.
+// What keeps sign-ins single: the ID tokens that were used.
 //
 // It lives in the database, so that it holds across instances. One thread at a time, with its
 // Database; throws soci::soci_error.
@@ -11,10 +11,6 @@ namespace vemo::service {
 class SignInGuard {
  public:
   explicit SignInGuard(Database& database) : m_database(database) {}
-
-  /// Counts an attempt; false above `limit` in a minute. Of the source only a hash is kept, and
-  /// for minutes.
-  bool allow(const std::string& source, long long limit, Moment now);
 
   /// False when this ID token has been used before.
   bool useOnce(const std::string& idToken, Moment expires);

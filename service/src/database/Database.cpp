@@ -96,21 +96,24 @@ void Database::prepare() {
   m_session << "PRAGMA secure_delete = ON";
 }
 
-Database::Transaction::Transaction(Database& database) : m_session(database.session()) {
-  m_session << (database.kind() == DatabaseAddress::Kind::Sqlite ? "BEGIN IMMEDIATE" : "BEGIN");
+Database::Transaction::Transaction(Database& database) : m_database(database) {
+  const bool isSqlite = database.kind() == DatabaseAddress::Kind::Sqlite;
+  database.session() << (isSqlite ? "BEGIN IMMEDIATE" : "BEGIN");
+  database.m_inTransaction = true;
 }
 
 Database::Transaction::~Transaction() {
+  m_database.m_inTransaction = false;
   if (!m_open) return;
   try {
-    m_session << "ROLLBACK";
+    m_database.session() << "ROLLBACK";
   } catch (const soci::soci_error&) {
     // A connection that is gone has taken its transaction with it.
   }
 }
 
 void Database::Transaction::commit() {
-  m_session << "COMMIT";
+  m_database.session() << "COMMIT";
   m_open = false;
 }
 

@@ -24,9 +24,11 @@ class Database {
   bool isConnected() const { return m_session.is_connected(); }
 
   /// Runs `work` in one transaction, which is undone when `work` throws. On SQLite it holds the
-  /// place of the only writer from the start, so that it never has to give up halfway.
+  /// place of the only writer from the start, so that it never has to give up halfway. Within
+  /// another one it becomes part of that.
   template <typename Work>
   auto inTransaction(Work work) {
+    if (m_inTransaction) return work();
     Transaction transaction(*this);
     if constexpr (std::is_void_v<decltype(work())>) {
       work();
@@ -48,7 +50,7 @@ class Database {
     void commit();
 
    private:
-    soci::session& m_session;
+    Database& m_database;
     bool m_open = true;
   };
 
@@ -56,6 +58,7 @@ class Database {
 
   const DatabaseAddress m_address;
   soci::session m_session;
+  bool m_inTransaction = false;
 };
 
 /// How many rows the statement changed; parameters as in soci's `use`.

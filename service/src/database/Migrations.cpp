@@ -49,8 +49,23 @@ constexpr auto localProvider = std::to_array<const char*>({
     "NULL, expires_at BIGINT NOT NULL)",
 });
 
+/// Events have no key of their own: nobody asks for a single one.
+constexpr auto telemetry = std::to_array<const char*>({
+    "CREATE TABLE installations (device TEXT PRIMARY KEY, platform TEXT NOT NULL, app_version TEXT "
+    "NOT NULL, os_version TEXT NOT NULL, model TEXT NOT NULL, locale TEXT, time_zone TEXT, "
+    "first_day BIGINT NOT NULL, last_day BIGINT NOT NULL, starts BIGINT NOT NULL)",
+    "CREATE TABLE events (account BIGINT REFERENCES accounts (id) ON DELETE CASCADE, device TEXT "
+    "NOT NULL, app_version TEXT NOT NULL, name TEXT NOT NULL, props TEXT NOT NULL, happened_at "
+    "BIGINT NOT NULL, received_day BIGINT NOT NULL)",
+    "CREATE INDEX events_of_account ON events (account)",
+    "CREATE INDEX events_by_age ON events (received_day)",
+    "CREATE TABLE device_reports (account BIGINT NOT NULL REFERENCES accounts (id) ON DELETE "
+    "CASCADE, device TEXT NOT NULL, report TEXT NOT NULL, received_at BIGINT NOT NULL, PRIMARY KEY "
+    "(account, device))",
+});
+
 constexpr auto steps = std::to_array<std::span<const char* const>>(
-    {accounts, dictionary, usage, signIn, localProvider});
+    {accounts, dictionary, usage, signIn, localProvider, telemetry});
 
 /// Any number that no other program uses for the same purpose.
 constexpr auto lockOfThisProgram = "SELECT pg_advisory_xact_lock(8750131720)";

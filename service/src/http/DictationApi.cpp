@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <boost/json.hpp>
+#include <cmath>
 
+#include "accounts/Secrets.h"
 #include "formatting/SmartFormatter.h"
+#include "http/JsonBody.h"
 
 namespace vemo::service {
 
@@ -13,6 +16,7 @@ namespace json = boost::json;
 using boost::beast::http::verb;
 
 constexpr std::size_t transcriptLimit = 4 * 1024 * 1024;
+constexpr TextLimits anyText{.least = 0, .most = transcriptLimit};
 
 Answer transcription(std::string_view text) {
   return {.status = 200,
@@ -48,12 +52,42 @@ std::string written(std::string text, TextFormat format, EngineKind::Output outp
   return text;
 }
 
+std::int64_t wordsIn(std::string_view text) {
+  std::int64_t words = 0;
+  bool inWord = false;
+  for (const char letter : text) {
+    const bool isSpace = letter == ' ' || (letter >= '\t' && letter <= '\r');
+    if (!isSpace && !inWord) ++words;
+    inWord = !isSpace;
+  }
+  return words;
+}
+
+/// How long the client says that the whole recording is; a day at most.
+std::chrono::milliseconds durationIn(const json::object& object) {
+  const auto* value = object.if_contains("totalDuration");
+  boost::system::error_code error;
+  const double seconds = value ? value->to_number<double>(error) : 0;
+  if (error || !(seconds > 0)) return {};
+  return std::chrono::milliseconds(std::llround(std::min(seconds, 86'400.0) * 1000));
+}
+
+std::string countingKey(const RequestKey& key) {
+  return secretHash({reinterpret_cast<const char*>(key.data()), key.size()});
+}
+
+/// Without a name, every request is one of its own.
+std::string countingKey(std::string_view name, std::initializer_list<std::string_view> parts) {
+  return name.empty() ? randomSecret() : countingKey(requestKey(parts));
+}
+
 }  // namespace
 
-DictationApi::DictationApi(Engine engine, RecognitionQueue& queue,
+DictationApi::DictationApi(const EngineKind& engine, RecognitionQueue& queue, UsageMeter* usage,
                            boost::asio::any_io_executor networkThread, const Limits& limits)
-    : m_engine(std::move(engine)),
+    : m_engine(engine),
       m_queue(queue),
+      m_usage(usage),
       m_limits(limits),
       m_equalRequests(std::move(networkThread), limits) {}
 
@@ -61,6 +95,8 @@ void DictationApi::addTo(Router& router) {
   constexpr std::string_view tooLong = "The recording is too long.";
   router.add({verb::get, "/health", Access::Everybody, 0,
               [this](Request, std::stop_token, AnswerCompletion done) { done(health()); }});
+  router.add({verb::get, "/languages", Access::Everybody, 0,
+              [this](Request, std::stop_token, AnswerCompletion done) { done(languages()); }});
   router.add({verb::post, "/desktop/dictate", Access::AnyToken, m_limits.bodyBytes,
               [this](Request request, std::stop_token stop, AnswerCompletion done) {
                 dictate(Piece::Whole, std::move(request), std::move(stop), std::move(done));
@@ -73,8 +109,8 @@ void DictationApi::addTo(Router& router) {
               tooLong});
   router.add({verb::post, "/desktop/dictate/finalize", Access::AnyToken,
               std::min(m_limits.bodyBytes, transcriptLimit),
-              [this](Request request, std::stop_token, AnswerCompletion done) {
-                done(finalize(request.body));
+              [this](const Request& request, std::stop_token, AnswerCompletion done) {
+                finalize(request, std::move(done));
               }});
 }
 
@@ -85,18 +121,28 @@ Answer DictationApi::health() const {
               json::object{{"status", ready ? "ready" : "loading"}, {"engine", m_engine.name}})};
 }
 
-Answer DictationApi::finalize(const std::string& body) const {
-  boost::system::error_code error;
-  const auto parsed = json::parse(body, error);
-  const auto* object = error ? nullptr : parsed.if_object();
-  if (!object) return errorAnswer(400, "The body is not a JSON object.");
+Answer DictationApi::languages() const {
+  json::array list;
+  for (const auto& language : m_engine.languages)
+    list.push_back(json::object{{"name", language.name}, {"code", language.code}});
+  return {.status = 200,
+          .body = json::serialize(json::object{{"status", "success"}, {"languages", list}})};
+}
+
+void DictationApi::finalize(const Request& request, AnswerCompletion completion) {
+  const auto object = jsonObjectIn(request.body);
+  if (!object) return completion(errorAnswer(400, "The body is not a JSON object."));
   const auto* transcript = object->if_contains("rawTranscript");
   if (!transcript || !transcript->is_string())
-    return errorAnswer(400, "The body lacks the text rawTranscript.");
-  const auto* format = object->if_contains("format_mode");
-  const auto mode =
-      format && format->is_string() ? textFormatNamed(format->get_string()) : TextFormat::Raw;
-  return transcription(written(std::string(transcript->get_string()), mode, m_engine.output));
+    return completion(errorAnswer(400, "The body lacks the text rawTranscript."));
+  const auto format = textFormatNamed(textIn(*object, "format_mode", anyText).value_or(""));
+  const auto text = written(std::string(transcript->get_string()), format, m_engine.output);
+  const auto session = textIn(*object, "sessionId", anyText).value_or("");
+  // The recordings came before, piece by piece, some of them more than once.
+  const UsageStep step{.words = wordsIn(text), .speech = durationIn(*object), .utterances = 1};
+  count(request.caller, step,
+        countingKey(session, {request.caller.token, request.target.path(), session, request.body}),
+        transcription(text), std::move(completion));
 }
 
 void DictationApi::dictate(Piece piece, Request request, std::stop_token stop,
@@ -116,19 +162,37 @@ void DictationApi::dictate(Piece piece, Request request, std::stop_token stop,
   const auto key =
       requestKey({request.caller.token, request.target.path(), dictation, index, language,
                   format == TextFormat::Smart ? "smart" : "raw", recording->wav()});
-  auto recognise = [this, recording = *std::move(recording), language, format](
+  const bool isNamed = !dictation.empty() && !index.empty();
+  auto recognise = [this, recording = *std::move(recording), language, format, piece,
+                    caller = std::move(request.caller),
+                    counting = isNamed ? countingKey(key) : randomSecret()](
                        std::stop_token end, AnswerCompletion done) mutable {
-    m_queue.submit(std::move(recording), {.language = std::move(language)}, std::move(end),
-                   [done = std::move(done), format,
-                    output = m_engine.output](RecognitionQueue::Result result) mutable {
-                     done(result
-                              ? transcription(written(*std::move(result), format, output))
-                              : errorAnswer(statusOf(result.error().kind), result.error().message));
-                   });
+    UsageStep step{.speech = recording.duration(), .utterances = 1};
+    m_queue.submit(
+        std::move(recording), {.language = std::move(language)}, std::move(end),
+        [this, step, format, piece, caller = std::move(caller), counting = std::move(counting),
+         done = std::move(done)](RecognitionQueue::Result result) mutable {
+          if (!result)
+            return done(errorAnswer(statusOf(result.error().kind), result.error().message));
+          const auto text = written(*std::move(result), format, m_engine.output);
+          step.words = wordsIn(text);
+          // A chunk is one request more; what it holds is counted when its dictation ends.
+          count(caller, piece == Piece::Chunk ? UsageStep{} : step, std::move(counting),
+                transcription(text), std::move(done));
+        });
   };
   // Without a name for the dictation and its piece, no copy can be told from a new request.
-  if (dictation.empty() || index.empty()) return recognise(std::move(stop), std::move(completion));
+  if (!isNamed) return recognise(std::move(stop), std::move(completion));
   m_equalRequests.answer(key, std::move(stop), std::move(recognise), std::move(completion));
+}
+
+void DictationApi::count(const Caller& caller, const UsageStep& step, std::string key,
+                         Answer answer, AnswerCompletion completion) {
+  if (!m_usage || !caller.account) return completion(std::move(answer));
+  m_usage->count(*caller.account, step, std::move(key),
+                 [answer = std::move(answer), completion = std::move(completion)]() mutable {
+                   completion(std::move(answer));
+                 });
 }
 
 }  // namespace vemo::service

@@ -7,6 +7,7 @@
 
 #include <boost/asio/any_io_executor.hpp>
 
+#include "accounts/UsageMeter.h"
 #include "http/EqualRequests.h"
 #include "http/Router.h"
 #include "speech/RecognitionQueue.h"
@@ -15,13 +16,9 @@ namespace vemo::service {
 
 class DictationApi {
  public:
-  struct Engine {
-    std::string name;
-    EngineKind::Output output;
-  };
-
-  DictationApi(Engine engine, RecognitionQueue& queue, boost::asio::any_io_executor networkThread,
-               const Limits& limits);
+  /// The engine's kind outlives this; `usage` is absent where there are no accounts.
+  DictationApi(const EngineKind& engine, RecognitionQueue& queue, UsageMeter* usage,
+               boost::asio::any_io_executor networkThread, const Limits& limits);
 
   void addTo(Router& router);
 
@@ -31,11 +28,16 @@ class DictationApi {
   enum class Piece { Whole, Chunk };
 
   Answer health() const;
-  Answer finalize(const std::string& body) const;
+  Answer languages() const;
+  void finalize(const Request& request, AnswerCompletion completion);
   void dictate(Piece piece, Request request, std::stop_token stop, AnswerCompletion completion);
 
-  const Engine m_engine;
+  void count(const Caller& caller, const UsageStep& step, std::string key, Answer answer,
+             AnswerCompletion completion);
+
+  const EngineKind& m_engine;
   RecognitionQueue& m_queue;
+  UsageMeter* const m_usage;
   const Limits& m_limits;
   EqualRequests m_equalRequests;
 };

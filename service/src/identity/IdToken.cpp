@@ -29,7 +29,8 @@ std::optional<std::string> text(const json::object& claims, std::string_view nam
 /// What is worth keeping of a claim that only describes the person.
 std::optional<std::string> description(const json::object& claims, std::string_view name) {
   auto value = text(claims, name);
-  if (!value || value->empty() || value->size() > longestText) return std::nullopt;
+  if (!value || value->empty() || value->size() > longestText || value->contains('\0'))
+    return std::nullopt;
   return value;
 }
 

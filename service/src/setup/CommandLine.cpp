@@ -12,6 +12,15 @@ std::expected<CommandLine, std::string> CommandLine::parse(std::span<const char*
       result.action = Action::Help;
     } else if (argument == "add-token") {
       result.action = Action::AddToken;
+    } else if (argument == "accounts") {
+      result.action = Action::Accounts;
+    } else if (argument == "stats") {
+      result.action = Action::Stats;
+    } else if (argument == "revoke-tokens" && index + 1 < arguments.size()) {
+      result.action = Action::RevokeTokens;
+      result.account = arguments[++index];
+    } else if (argument == "revoke-tokens") {
+      return std::unexpected("revoke-tokens needs an account's identifier or e-mail address");
     } else if (argument.starts_with("--config=")) {
       result.configurationFile = argument.substr(argument.find('=') + 1);
     } else if (argument == "--config" && index + 1 < arguments.size()) {

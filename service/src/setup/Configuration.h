@@ -46,14 +46,15 @@ struct Configuration {
   std::uint16_t port = 8750;  ///< 0: any free one
   /// Then clients are told apart by the last address that a proxy has written.
   bool behindProxy = false;
-  std::filesystem::path tokensFile;
+  std::filesystem::path tokensFile = {};
   EngineName engine = EngineName::Pocketsphinx;
   std::size_t workers = 0;  ///< 0: as many as suit the engine
   std::size_t waiting = 64;
-  PocketsphinxModel pocketsphinx;
-  OpenAiSettings openAi;
-  AccountSettings accounts;
-  Limits limits;
+  PocketsphinxModel pocketsphinx = {};
+  OpenAiSettings openAi = {};
+  AccountSettings accounts = {};
+  TelemetrySettings telemetry = {};
+  Limits limits = {};
 
   std::size_t effectiveWorkers() const;
 

@@ -8,8 +8,10 @@
 #include <expected>
 #include <functional>
 #include <memory>
+#include <span>
 #include <stop_token>
 #include <string>
+#include <string_view>
 
 #include "speech/Recording.h"
 
@@ -43,6 +45,12 @@ class Engine {
                                                              std::stop_token stop) = 0;
 };
 
+/// A language as the client shows and names it.
+struct Language {
+  std::string_view name;
+  std::string_view code;
+};
+
 /// What a configuration makes of an engine: how to build one for each worker, and what it returns.
 struct EngineKind {
   enum class Output {
@@ -52,6 +60,7 @@ struct EngineKind {
   std::string name;
   Output output;
   std::function<std::unique_ptr<Engine>()> make;
+  std::span<const Language> languages = {};
 };
 
 }  // namespace vemo::service

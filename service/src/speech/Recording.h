@@ -4,6 +4,7 @@
 // movable, used by one thread at a time.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <expected>
 #include <span>
@@ -25,6 +26,9 @@ class Recording {
   /// The file as it was uploaded.
   std::string_view wav() const { return m_bytes; }
   std::span<const std::int16_t> samples() const;
+  std::chrono::milliseconds duration() const {
+    return std::chrono::milliseconds(sampleCount() * 1000 / sampleRate);
+  }
   std::size_t sampleCount() const { return m_dataLength / sizeof(std::int16_t); }
 
  private:

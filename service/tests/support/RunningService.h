@@ -7,6 +7,7 @@
 #include <sstream>
 #include <thread>
 
+#include "accounts/AccountServices.h"
 #include "http/DictationApi.h"
 #include "http/HttpServer.h"
 #include "support/RawClient.h"
@@ -21,20 +22,29 @@ class RunningService {
     Limits limits;
     RecognitionQueue::Size queue{.workers = 1, .waiting = 8};
     EngineKind::Output output = EngineKind::Output::BareWords;
+    AccountSettings accounts = {};
+    bool behindProxy = false;
+    std::vector<TrustedProvider> providers = {};
+    Now now = currentMoment;
   };
 
   RunningService(EngineScript& script, const Settings& settings)
       : RunningService(scripted(script, settings.output), settings) {}
   RunningService(const EngineKind& engine, const Settings& settings)
-      : m_limits(settings.limits),
+      : m_configuration{.behindProxy = settings.behindProxy,
+                        .accounts = settings.accounts,
+                        .limits = settings.limits},
+        m_engine(engine),
         m_tokens(m_folder.path() / "tokens"),
-        m_queue(engine, settings.queue, [](auto) {}),
         m_log(m_logText),
-        m_dictations({.name = engine.name, .output = engine.output}, m_queue, m_io.get_executor(),
-                     m_limits),
-        m_admission(m_tokens, nullptr),
-        m_server(m_io, m_limits, m_router, m_admission, m_log) {
+        m_accounts(open(settings)),
+        m_queue(engine, settings.queue, [](auto) {}),
+        m_dictations(m_engine, m_queue, m_accounts ? &m_accounts->usage() : nullptr,
+                     m_io.get_executor(), m_configuration.limits),
+        m_admission(m_tokens, m_accounts ? &m_accounts->database() : nullptr, settings.now),
+        m_server(m_io, m_configuration.limits, m_router, m_admission, m_log) {
     m_dictations.addTo(m_router);
+    if (m_accounts) m_accounts->addTo(m_router);
     m_token = TokenFile::add(m_folder.path() / "tokens").value_or("");
     if (!m_server.listen("127.0.0.1", 0)) std::abort();
     const auto address = m_server.address();
@@ -56,8 +66,12 @@ class RunningService {
   }
 
   void beginToStop() {
-    boost::asio::post(m_io,
-                      [this] { m_server.stop([this] { m_dictations.equalRequests().forget(); }); });
+    boost::asio::post(m_io, [this] {
+      m_server.stop([this] {
+        m_dictations.equalRequests().forget();
+        if (m_accounts) m_accounts->stop();
+      });
+    });
   }
   /// The log is whole once this has returned.
   std::string stop() {
@@ -75,13 +89,23 @@ class RunningService {
   }
 
  private:
+  std::unique_ptr<AccountServices> open(const Settings& settings) {
+    if (!settings.accounts.enabled) return nullptr;
+    auto opened =
+        AccountServices::open(m_configuration, m_io, m_log, settings.providers, settings.now);
+    if (!opened) std::abort();
+    return *std::move(opened);
+  }
+
   TemporaryFolder m_folder;
-  Limits m_limits;
+  const Configuration m_configuration;
+  const EngineKind m_engine;
   boost::asio::io_context m_io{1};
   TokenFile m_tokens;
-  RecognitionQueue m_queue;
   std::ostringstream m_logText;
   AccessLog m_log;
+  std::unique_ptr<AccountServices> m_accounts;
+  RecognitionQueue m_queue;
   DictationApi m_dictations;
   Router m_router;
   Admission m_admission;
