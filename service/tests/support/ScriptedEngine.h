@@ -6,7 +6,7 @@
 #include <deque>
 #include <mutex>
 
-#include "speech/Engine.h"
+#include "speech/Languages.h"
 
 namespace vemo::service {
 
@@ -94,9 +94,10 @@ class ScriptedEngine : public Engine {
 
 inline EngineKind scripted(EngineScript& script,
                            EngineKind::Output output = EngineKind::Output::BareWords) {
-  return {.name = "scripted", .output = output, .make = [&script] {
-            return std::make_unique<ScriptedEngine>(script);
-          }};
+  return {.name = "scripted",
+          .output = output,
+          .make = [&script] { return std::make_unique<ScriptedEngine>(script); },
+          .languages = englishOnly};
 }
 
 }  // namespace vemo::service
