@@ -11,6 +11,7 @@
 #include "accounts/AccountServices.h"
 #include "http/DictationApi.h"
 #include "http/HttpServer.h"
+#include "provider/LocalSignIn.h"
 
 namespace vemo::service {
 
@@ -49,9 +50,20 @@ int serve(const Configuration& configuration, const EngineKind& engine, std::ost
   net::io_context io(1);
   net::signal_set signals(io, SIGTERM, SIGINT);
   AccessLog log(errors);
+  std::unique_ptr<LocalSignIn> localSignIn;
+  if (configuration.localProvider.enabled) {
+    auto opened = LocalSignIn::open(configuration.localProvider, io, log);
+    if (!opened) {
+      errors << "vemo-service: " << opened.error() << std::endl;
+      return 1;
+    }
+    localSignIn = *std::move(opened);
+  }
   std::unique_ptr<AccountServices> accounts;
   if (configuration.accounts.enabled) {
-    auto opened = AccountServices::open(configuration, io, log);
+    std::vector<TrustedProvider> ownProviders;
+    if (localSignIn) ownProviders.push_back(localSignIn->trusted());
+    auto opened = AccountServices::open(configuration, io, log, std::move(ownProviders));
     if (!opened) {
       errors << "vemo-service: " << opened.error() << std::endl;
       return 1;
@@ -78,6 +90,7 @@ int serve(const Configuration& configuration, const EngineKind& engine, std::ost
   Admission admission(tokens, accounts ? &accounts->database() : nullptr);
   HttpServer server(io, configuration.limits, router, admission, log);
   stop = [&] {
+    if (localSignIn) localSignIn->stop();
     server.stop([&] {
       dictations.equalRequests().forget();
       if (accounts) accounts->stop();
@@ -89,6 +102,10 @@ int serve(const Configuration& configuration, const EngineKind& engine, std::ost
     return 1;
   }
   output << "Listening on " << server.address() << std::endl;
+  if (localSignIn) {
+    localSignIn->serve(accounts->database());
+    output << "Local sign-in on " << localSignIn->address() << std::endl;
+  }
 
   signals.async_wait([&](const boost::system::error_code& error, int) {
     if (error) return;

@@ -101,6 +101,41 @@ TEST_F(ConfigurationTest, AccountsAreOffAndWouldLiveInAFileOfTheDataFolder) {
             (Configuration::dataFolder() / "accounts.db").string());
 }
 
+TEST_F(ConfigurationTest, EveryKeyOfTheLocalProviderIsTaken) {
+  const auto configuration = read(
+      "[accounts]\nenabled = yes\n[local-provider]\nenabled = yes\naddress = ::1\nport = 0\n"
+      "client-identifier = my.own-app\nname = Ada\nemail = ada@example.org\nkey-file = /k\n");
+  ASSERT_TRUE(configuration) << configuration.error();
+  const auto& provider = configuration->localProvider;
+  EXPECT_TRUE(provider.enabled);
+  EXPECT_EQ(provider.address, "::1");
+  EXPECT_EQ(provider.port, 0);
+  EXPECT_EQ(provider.redirectUri(), "own-app.my:/oauth2redirect");
+  EXPECT_EQ(provider.completed().name, "Ada");
+  EXPECT_EQ(provider.completed().email, "ada@example.org");
+  EXPECT_EQ(provider.keyFile, "/k");
+}
+
+TEST_F(ConfigurationTest, TheLocalProviderIsOffAndTellsTheLogin) {
+  const auto provider = read("").value().localProvider;
+  EXPECT_FALSE(provider.enabled);
+  EXPECT_EQ(provider.address, "127.0.0.1");
+  EXPECT_EQ(provider.redirectUri(), "brelmox.vemo.desktop:/oauth2redirect");
+  EXPECT_FALSE(provider.completed().name.empty());
+  EXPECT_THAT(provider.completed().email, testing::EndsWith("@localhost"));
+}
+
+TEST_F(ConfigurationTest, TheLocalProviderStaysOnLoopbackAndNeedsAccounts) {
+  for (const auto* text :
+       {"[local-provider]\naddress = 0.0.0.0", "[local-provider]\naddress = 192.168.1.2",
+        "[local-provider]\naddress = localhost", "[local-provider]\nclient-identifier = vemo",
+        "[local-provider]\nclient-identifier = a.1", "[local-provider]\nclient-identifier = A.b",
+        "[local-provider]\nclient-identifier = a..b"})
+    EXPECT_THAT(errorFor(text), HasSubstr("must be")) << text;
+  EXPECT_THAT(errorFor("[local-provider]\nenabled = yes"),
+              HasSubstr("[local-provider] needs enabled = yes in [accounts]"));
+}
+
 TEST_F(ConfigurationTest, AValueThatDoesNotParseIsOneClearLine) {
   for (const auto* text :
        {"[server]\nport = 65536", "[server]\nport = -1", "[server]\nport = 80a", "[server]\nport =",

@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <functional>
 #include <map>
+#include <regex>
 #include <thread>
 
 namespace vemo::service {
@@ -61,6 +62,23 @@ Setter numericAddress(std::string& target) {
     boost::asio::ip::make_address(text, error);
     target = text;
     return !error;
+  };
+}
+
+Setter loopbackAddress(std::string& target) {
+  return [&target](const std::string& text) {
+    boost::system::error_code error;
+    target = text;
+    return boost::asio::ip::make_address(text, error).is_loopback() && !error;
+  };
+}
+
+/// Its parts become the scheme of an address, which begins with a letter.
+Setter clientIdentifier(std::string& target) {
+  return [&target](const std::string& text) {
+    static const std::regex form("[a-z0-9-]+(\\.[a-z0-9-]+)*\\.[a-z][a-z0-9-]*");
+    target = text;
+    return std::regex_match(text, form);
   };
 }
 
@@ -136,6 +154,17 @@ std::map<std::string, Key, std::less<>> keysOf(Configuration& c) {
       {"accounts.sign-ins-a-minute",
        {"a number from 1 to 100000", number(c.accounts.signInsAMinute, 1, 100'000)}},
       {"accounts.beta-updates", {truth, yesOrNo(c.accounts.betaUpdates)}},
+      {"local-provider.enabled", {truth, yesOrNo(c.localProvider.enabled)}},
+      {"local-provider.address",
+       {"a numeric IP address of loopback", loopbackAddress(c.localProvider.address)}},
+      {"local-provider.port",
+       {"a port number, or 0 for any", number(c.localProvider.port, 0, 65'535)}},
+      {"local-provider.client-identifier",
+       {"parts of lower-case letters, digits and hyphens, two or more, with dots between",
+        clientIdentifier(c.localProvider.clientIdentifier)}},
+      {"local-provider.name", {"a name", nonEmpty(c.localProvider.name)}},
+      {"local-provider.email", {"an e-mail address", nonEmpty(c.localProvider.email)}},
+      {"local-provider.key-file", {path, nonEmpty(c.localProvider.keyFile)}},
       {"telemetry.enabled", {truth, yesOrNo(c.telemetry.enabled)}},
       {"telemetry.kept-days",
        {"a number of days from 1 to 3650", number(c.telemetry.keptDays, 1, 3650)}},
@@ -185,6 +214,7 @@ std::expected<Configuration, std::string> Configuration::read(const std::filesys
   Configuration configuration;
   configuration.tokensFile = defaultFolder() / "tokens";
   configuration.accounts.database = DatabaseAddress::sqlite(dataFolder() / "accounts.db");
+  configuration.localProvider.keyFile = dataFolder() / "sign-in-key.json";
   std::error_code absent;
   if (path == defaultFolder() / "vemo-service.conf" && !std::filesystem::exists(path, absent))
     return configuration;
@@ -212,6 +242,8 @@ std::expected<Configuration, std::string> Configuration::read(const std::filesys
   }
   if (configuration.engine == EngineName::OpenAi && configuration.openAi.address.empty())
     return std::unexpected(path.string() + ": the engine openai needs an address in [openai]");
+  if (configuration.localProvider.enabled && !configuration.accounts.enabled)
+    return std::unexpected(path.string() + ": [local-provider] needs enabled = yes in [accounts]");
   return configuration;
 }
 

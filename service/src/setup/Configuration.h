@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <string>
 
+#include "provider/ProviderSettings.h"
 #include "setup/AccountSettings.h"
 #include "speech/PocketsphinxEngine.h"
 
@@ -54,6 +55,7 @@ struct Configuration {
   OpenAiSettings openAi = {};
   AccountSettings accounts = {};
   TelemetrySettings telemetry = {};
+  ProviderSettings localProvider = {};
   Limits limits = {};
 
   std::size_t effectiveWorkers() const;
