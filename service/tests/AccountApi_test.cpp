@@ -21,7 +21,7 @@ class AccountApiTest : public AccountServiceTest {
     return objectIn(ask("GET", "/dictionary", token)).at("dictionary").as_array();
   }
 };
-INSTANTIATE_TEST_SUITE_P(Both, AccountApiTest, bothDatabases, databaseName);
+INSTANTIATE_TEST_SUITE_P(Each, AccountApiTest, everyDeployment, deploymentName);
 
 TEST_P(AccountApiTest, AProfileTellsWhoTheCountersAndWhetherBetasMayBeHad) {
   m_settings.accounts.betaUpdates = true;
@@ -126,7 +126,7 @@ TEST_P(AccountApiTest, WordsThatCannotBeUnderstoodAreABadRequest) {
 }
 
 TEST_P(AccountApiTest, WithoutAnAccountsTokenThereIsNothing) {
-  const auto operators = service().token();
+  const auto operators = operatorsToken();
   const std::pair<const char*, const char*> endpoints[] = {{"GET", "/desktop/auth/profile"},
                                                            {"PATCH", "/auth/profile"},
                                                            {"DELETE", "/desktop/auth/account"},
@@ -146,7 +146,7 @@ TEST_P(AccountApiTest, WithoutAnAccountsTokenThereIsNothing) {
 TEST_P(AccountApiTest, DictationTakesTokensOfAccountsAndOfTheOperator) {
   const auto wav = WavFile{}.bytes();
   EXPECT_EQ(ask("POST", "/desktop/dictate", signIn(), wav).status, 200);
-  EXPECT_EQ(ask("POST", "/desktop/dictate", service().token(), wav).status, 200);
+  EXPECT_EQ(ask("POST", "/desktop/dictate", operatorsToken(), wav).status, 200);
   EXPECT_EQ(ask("POST", "/desktop/dictate", std::string(43, 'A'), wav).status, 401);
   EXPECT_EQ(ask("POST", "/desktop/dictate", "", wav).status, 401);
 }
@@ -170,7 +170,7 @@ TEST_P(AccountApiTest, TheLogHoldsNothingOfWhatAccountsKeep) {
   const auto added = objectIn(add(token, R"({"phrase":"private","replacement":"word"})"));
   ask("DELETE", "/dictionary/" + std::string(added.at("entry").at("id").as_string()), token);
   rename(token, R"({"name":"private"})");
-  const auto log = service().stop();
+  const auto log = stop();
   EXPECT_THAT(log, HasSubstr("DELETE /dictionary/* 200"));
   EXPECT_THAT(log, Not(HasSubstr("private")));
   EXPECT_THAT(log, Not(HasSubstr(std::string(added.at("entry").at("id").as_string()))));

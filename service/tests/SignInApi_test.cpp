@@ -11,7 +11,7 @@ using testing::Not;
 using namespace std::chrono_literals;
 
 class SignInApiTest : public AccountServiceTest {};
-INSTANTIATE_TEST_SUITE_P(Both, SignInApiTest, bothDatabases, databaseName);
+INSTANTIATE_TEST_SUITE_P(Each, SignInApiTest, everyDeployment, deploymentName);
 
 TEST_P(SignInApiTest, AnIdTokenBecomesABearerTokenOfTheSamePersonsAccount) {
   const auto answer = objectIn(askToSignIn(idToken()));
@@ -64,7 +64,7 @@ TEST_P(SignInApiTest, AForgedOrForeignIdTokenIsRefusedAndTheLogTellsWhyAlone) {
     EXPECT_EQ(answer.status, 401);
     EXPECT_THAT(answer.body, HasSubstr(R"("error":"The sign-in was not accepted.)"));
   }
-  const auto log = service().stop();
+  const auto log = stop();
   EXPECT_THAT(log, AllOf(HasSubstr("a sign-in was refused: "), Not(HasSubstr(forged)),
                          Not(HasSubstr("ada"))));
 }
@@ -113,7 +113,12 @@ TEST_P(SignInApiTest, RefusedSignInsCountToo) {
   EXPECT_EQ(askToSignIn(idToken()).status, 429);
 }
 
-TEST_P(SignInApiTest, BehindAProxyTheLastAddressOfItsHeaderCounts) {
+class SignInSourceTest : public AccountServiceTest {};
+INSTANTIATE_TEST_SUITE_P(Alone, SignInSourceTest,
+                         testing::Values(Deployment::Sqlite, Deployment::PostgreSql),
+                         deploymentName);
+
+TEST_P(SignInSourceTest, BehindAProxyTheLastAddressOfItsHeaderCounts) {
   m_settings.accounts.signInsAMinute = 1;
   m_settings.behindProxy = true;
   const auto from = [&](const char* addresses) {
@@ -127,7 +132,7 @@ TEST_P(SignInApiTest, BehindAProxyTheLastAddressOfItsHeaderCounts) {
   EXPECT_EQ(from("2001:db8:0:1::2"), 200);
 }
 
-TEST_P(SignInApiTest, WithoutAProxyTheHeaderIsNobodysWord) {
+TEST_P(SignInSourceTest, WithoutAProxyTheHeaderIsNobodysWord) {
   m_settings.accounts.signInsAMinute = 1;
   EXPECT_EQ(askToSignIn(idToken(), "X-Forwarded-For: 198.51.100.1\r\n").status, 200);
   EXPECT_EQ(askToSignIn(idToken(), "X-Forwarded-For: 198.51.100.2\r\n").status, 429);
@@ -137,10 +142,8 @@ TEST_P(SignInApiTest, NeitherLogNorDatabaseHoldsATokenInClear) {
   const auto compact = idToken();
   const std::string token(objectIn(askToSignIn(compact)).at("token").as_string());
   profile(token);
-  EXPECT_THAT(service().stop(),
-              AllOf(HasSubstr("POST /desktop/auth/google 200"), Not(HasSubstr(token)),
-                    Not(HasSubstr(compact)), Not(HasSubstr("ada"))));
-  m_service.reset();
+  EXPECT_THAT(stop(), AllOf(HasSubstr("POST /desktop/auth/google 200"), Not(HasSubstr(token)),
+                            Not(HasSubstr(compact)), Not(HasSubstr("ada"))));
   Database database(m_settings.accounts.database);
   for (const auto* question : {"SELECT count(*) FROM tokens WHERE hash = :text",
                                "SELECT count(*) FROM used_id_tokens WHERE hash = :text"}) {

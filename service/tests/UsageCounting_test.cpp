@@ -28,7 +28,7 @@ class UsageCountingTest : public AccountServiceTest {
     return consumption(token).at("totalMinutesTranscribed").to_number<double>();
   }
 };
-INSTANTIATE_TEST_SUITE_P(Both, UsageCountingTest, bothDatabases, databaseName);
+INSTANTIATE_TEST_SUITE_P(Each, UsageCountingTest, everyDeployment, deploymentName);
 
 TEST_P(UsageCountingTest, ADictationIsCountedByTheTimeItIsAnswered) {
   const auto token = signIn();
@@ -52,7 +52,7 @@ TEST_P(UsageCountingTest, CopiesOfADictationCountOnceWhenTheyComeTogetherAndWhen
   for (int index = 0; index < 3; ++index)
     copies.push_back(
         std::async(std::launch::async, [&] { return dictate(token, wav, "d1").status; }));
-  ASSERT_TRUE(eventually([&] { return service().waitingForAnswers() == 3; }));
+  ASSERT_TRUE(eventually([&] { return waitingForAnswers() == 3; }));
   m_script.letGo();
   for (auto& copy : copies) EXPECT_EQ(copy.get(), 200);
   EXPECT_EQ(dictate(token, wav, "d1").status, 200);
@@ -112,7 +112,7 @@ TEST_P(UsageCountingTest, FailuresAndEmptyRecordingsCountNothing) {
 
 TEST_P(UsageCountingTest, TheOperatorsTokensAreNotCountedForAnybody) {
   const auto token = signIn();
-  EXPECT_EQ(dictate(service().token(), speech(1), "d1").status, 200);
+  EXPECT_EQ(dictate(operatorsToken(), speech(1), "d1").status, 200);
   EXPECT_EQ(counted(token, "totalRequests"), 0);
 }
 

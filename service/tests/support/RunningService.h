@@ -24,6 +24,7 @@ class RunningService {
     EngineKind::Output output = EngineKind::Output::BareWords;
     AccountSettings accounts = {};
     bool behindProxy = false;
+    std::filesystem::path tokensFile = {};  ///< of its own when empty
     std::vector<TrustedProvider> providers = {};
     Now now = currentMoment;
   };
@@ -35,7 +36,9 @@ class RunningService {
                         .accounts = settings.accounts,
                         .limits = settings.limits},
         m_engine(engine),
-        m_tokens(m_folder.path() / "tokens"),
+        m_tokensFile(settings.tokensFile.empty() ? m_folder.path() / "tokens"
+                                                 : settings.tokensFile),
+        m_tokens(m_tokensFile),
         m_log(m_logText),
         m_accounts(open(settings)),
         m_queue(engine, settings.queue, [](auto) {}),
@@ -45,7 +48,7 @@ class RunningService {
         m_server(m_io, m_configuration.limits, m_router, m_admission, m_log) {
     m_dictations.addTo(m_router);
     if (m_accounts) m_accounts->addTo(m_router);
-    m_token = TokenFile::add(m_folder.path() / "tokens").value_or("");
+    m_token = TokenFile::add(m_tokensFile).value_or("");
     if (!m_server.listen("127.0.0.1", 0)) std::abort();
     const auto address = m_server.address();
     m_port = static_cast<std::uint16_t>(std::stoi(address.substr(address.rfind(':') + 1)));
@@ -57,7 +60,7 @@ class RunningService {
   const std::string& token() const { return m_token; }
   RecognitionQueue& queue() { return m_queue; }
 
-  std::string addToken() const { return TokenFile::add(m_folder.path() / "tokens").value_or(""); }
+  std::string addToken() const { return TokenFile::add(m_tokensFile).value_or(""); }
   /// Requests that wait for an answer which equal ones may share.
   std::size_t waitingForAnswers() {
     std::promise<std::size_t> count;
@@ -100,6 +103,7 @@ class RunningService {
   TemporaryFolder m_folder;
   const Configuration m_configuration;
   const EngineKind m_engine;
+  const std::filesystem::path m_tokensFile;
   boost::asio::io_context m_io{1};
   TokenFile m_tokens;
   std::ostringstream m_logText;
