@@ -82,7 +82,7 @@ Item {
                 }
                 LinkedText {
                     Layout.fillWidth: true
-                    text: card.model.agreement
+                    words: card.model.agreement
                 }
             }
             SpeakingWaveform {

@@ -38,7 +38,7 @@ Sheet {
         }
         LinkedText {
             Layout.fillWidth: true
-            text: qsTr("Create an app at [api.slack.com/apps](https://api.slack.com/apps), give it the scopes `users:read` and `channels:read` under “OAuth & Permissions”, install it to your workspace and copy its token.")
+            words: qsTr("Create an app at [api.slack.com/apps](https://api.slack.com/apps), give it the scopes `users:read` and `channels:read` under “OAuth & Permissions”, install it to your workspace and copy its token.")
         }
         Text {
             Layout.fillWidth: true

@@ -1,0 +1,52 @@
+// A line of text to fill in, under the words that say what goes there.
+import QtQuick
+import QtQuick.Controls.Basic
+
+Column {
+    id: labelled
+
+    property string label
+    property string hint
+    property bool isSecure: false
+    property alias text: field.text
+    property alias readOnly: field.readOnly
+    signal edited(string text)
+    signal accepted
+
+    spacing: 6
+
+    Text {
+        width: parent.width
+        text: labelled.label
+        color: Theme.text
+        font.pixelSize: Theme.fontSmall
+        font.weight: Font.DemiBold
+        wrapMode: Text.Wrap
+        Accessible.ignored: true
+    }
+    TextField {
+        id: field
+
+        width: parent.width
+        height: 38
+        leftPadding: 12
+        rightPadding: 12
+        placeholderText: labelled.hint
+        echoMode: labelled.isSecure ? TextInput.Password : TextInput.Normal
+        inputMethodHints: labelled.isSecure ? Qt.ImhSensitiveData | Qt.ImhNoPredictiveText : Qt.ImhNone
+        color: Theme.text
+        placeholderTextColor: Theme.secondaryText
+        selectionColor: Theme.accent
+        selectedTextColor: Theme.textOnAccent
+        selectByMouse: true
+        font.pixelSize: Theme.fontBody
+        Accessible.name: labelled.label
+        Accessible.passwordEdit: labelled.isSecure
+        onTextEdited: labelled.edited(text)
+        onAccepted: labelled.accepted()
+
+        background: FieldBackground {
+            hasFocus: field.activeFocus
+        }
+    }
+}

@@ -1,0 +1,70 @@
+// A button as a capsule, with a symbol before or after its words; lighter under the pointer, dimmer
+// while it is pressed.
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+
+AbstractButton {
+    id: button
+
+    property string symbol
+    property string trailingSymbol
+    property bool isProminent: false
+    property bool isDestructive: false
+    property bool isBusy: false
+
+    readonly property color contentColor: isProminent ? Theme.textOnAccent : isDestructive ? Theme.danger : Theme.text
+    readonly property color restingColor: isProminent ? Theme.accent : Theme.card
+
+    implicitHeight: 34
+    leftPadding: 16
+    rightPadding: 16
+    hoverEnabled: true
+    focusPolicy: Qt.StrongFocus
+    opacity: enabled ? 1 : 0.5
+    Accessible.role: Accessible.Button
+    Accessible.name: text
+    Keys.onReturnPressed: click()
+    Keys.onEnterPressed: click()
+
+    background: Rectangle {
+        radius: height / 2
+        color: button.down ? Qt.darker(button.restingColor, 1.12) : !button.hovered ? button.restingColor : button.isProminent ? Qt.lighter(button.restingColor, 1.12) : Theme.hoveredCard
+        border.width: button.isProminent ? 0 : 1
+        border.color: Theme.line
+
+        FocusRing {
+            target: button
+            radius: height / 2
+        }
+    }
+    contentItem: RowLayout {
+        spacing: Theme.spaceSmall
+
+        Spinner {
+            running: button.isBusy
+            color: button.contentColor
+        }
+        Symbol {
+            visible: button.symbol.length > 0 && !button.isBusy
+            name: button.symbol
+            size: 16
+            color: button.contentColor
+        }
+        Text {
+            Layout.fillWidth: true
+            text: button.text
+            color: button.contentColor
+            font.pixelSize: Theme.fontBody
+            font.weight: Font.DemiBold
+            horizontalAlignment: Text.AlignHCenter
+            elide: Text.ElideRight
+        }
+        Symbol {
+            visible: button.trailingSymbol.length > 0
+            name: button.trailingSymbol
+            size: 14
+            color: button.contentColor
+        }
+    }
+}

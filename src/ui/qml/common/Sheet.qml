@@ -1,0 +1,55 @@
+// A sheet over a window: dims what is behind it, keeps the keyboard inside, and goes with Escape.
+//
+// Whether it is shown is its model's matter: `isShown` is bound, and `dismissed` asks for the end.
+import QtQuick
+import QtQuick.Controls.Basic
+
+Popup {
+    id: sheet
+
+    default property alias content: body.data
+    property bool isShown: false
+    property string title
+    signal dismissed
+
+    anchors.centerIn: parent
+    width: Math.min(460, parent ? parent.width - 2 * Theme.spaceLarge : 460)
+    padding: Theme.spaceLarge - Theme.spaceSmall
+    modal: true
+    dim: true
+    focus: true
+    closePolicy: Popup.CloseOnEscape
+    visible: isShown
+    onClosed: if (isShown) dismissed()
+    onAboutToShow: body.nextItemInFocusChain().forceActiveFocus(Qt.PopupFocusReason)
+
+    background: Rectangle {
+        radius: Theme.radius + Theme.spaceTiny
+        color: Theme.card
+        border.width: 1
+        border.color: Theme.line
+    }
+    contentItem: Column {
+        spacing: Theme.spaceSmall
+        Accessible.role: Accessible.Dialog
+        Accessible.name: sheet.title
+
+        Text {
+            width: parent.width
+            text: sheet.title
+            color: Theme.text
+            font.pixelSize: Theme.fontTitle
+            font.weight: Font.Bold
+            wrapMode: Text.Wrap
+            Accessible.role: Accessible.Heading
+            Accessible.name: text
+        }
+        FocusScope {
+            id: body
+
+            width: parent.width
+            implicitHeight: childrenRect.height
+            focus: true
+        }
+    }
+}

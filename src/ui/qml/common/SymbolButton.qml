@@ -1,0 +1,35 @@
+// A button that shows a symbol alone, and says its words to whoever asks.
+import QtQuick
+import QtQuick.Controls.Basic
+
+AbstractButton {
+    id: button
+
+    property string symbol
+
+    implicitWidth: 32
+    implicitHeight: 32
+    hoverEnabled: true
+    focusPolicy: Qt.StrongFocus
+    Accessible.role: Accessible.Button
+    Accessible.name: text
+    Keys.onReturnPressed: click()
+    Keys.onEnterPressed: click()
+
+    background: Rectangle {
+        radius: Theme.radiusSmall
+        color: button.hovered || button.down ? Theme.hover : "transparent"
+
+        FocusRing {
+            target: button
+        }
+    }
+    contentItem: Item {
+        Symbol {
+            anchors.centerIn: parent
+            name: button.symbol
+            size: 18
+            color: Theme.secondaryText
+        }
+    }
+}

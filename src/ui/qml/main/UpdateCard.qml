@@ -1,0 +1,100 @@
+// An update that is ready to be installed, with its release notes on request.
+import QtQuick
+import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import "../common"
+
+Card {
+    id: card
+
+    required property var model
+
+    padding: Theme.spaceSmall + Theme.spaceTiny
+
+    ColumnLayout {
+        width: parent.width
+        spacing: Theme.spaceSmall
+
+        RowLayout {
+            Layout.fillWidth: true
+            spacing: Theme.spaceSmall
+
+            Symbol {
+                name: "arrow.down.circle.fill"
+                size: 24
+                color: Theme.accent
+            }
+            ColumnLayout {
+                Layout.fillWidth: true
+                spacing: 0
+
+                Text {
+                    Layout.fillWidth: true
+                    text: qsTr("Update ready")
+                    color: Theme.text
+                    font.pixelSize: Theme.fontBody
+                    font.weight: Font.DemiBold
+                    elide: Text.ElideRight
+                    Accessible.role: Accessible.Heading
+                    Accessible.name: text
+                }
+                Text {
+                    Layout.fillWidth: true
+                    text: card.model.versionLine
+                    color: Theme.secondaryText
+                    font.pixelSize: Theme.fontSmall
+                    elide: Text.ElideRight
+                    textFormat: Text.PlainText
+                    Accessible.role: Accessible.StaticText
+                    Accessible.name: text
+                }
+            }
+        }
+        PillButton {
+            id: restart
+
+            Layout.fillWidth: true
+            leftPadding: Theme.spaceSmall
+            rightPadding: Theme.spaceSmall
+            text: qsTr("Restart to Update")
+            isProminent: true
+            enabled: card.model.canRestart
+            Accessible.description: card.model.tooltip
+            onClicked: card.model.restart()
+
+            // A disabled button has no pointer of its own, and is the one that needs explaining.
+            HoverHandler {
+                id: pointer
+            }
+            ToolTip.visible: pointer.hovered
+            ToolTip.delay: 500
+            ToolTip.text: card.model.tooltip
+        }
+        PillButton {
+            Layout.fillWidth: true
+            visible: card.model.hasNotes
+            text: qsTr("What's new")
+            onClicked: card.model.toggleNotes()
+        }
+    }
+    Popup {
+        x: card.width + Theme.spaceMedium
+        y: card.height - height
+        padding: 0
+        margins: Theme.spaceSmall
+        visible: card.model.showNotes
+        closePolicy: Popup.CloseOnEscape | Popup.CloseOnPressOutsideParent
+        focus: true
+        onClosed: if (card.model.showNotes) card.model.toggleNotes()
+
+        background: Rectangle {
+            radius: Theme.radius
+            color: Theme.card
+            border.width: 1
+            border.color: Theme.line
+        }
+        contentItem: ReleaseNotes {
+            blocks: card.model.notes
+        }
+    }
+}

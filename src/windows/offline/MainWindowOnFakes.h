@@ -1,0 +1,59 @@
+// The main window's real models on fakes, brought into a state that somebody wants to look at.
+//
+// Main thread only. Time stands still until it is let pass.
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <optional>
+#include <span>
+
+#include "fakes/FakeClock.h"
+#include "session/DictionaryList.h"
+#include "session/SessionOnFakes.h"
+#include "session/ShortcutList.h"
+#include "ui/models/MainWindowModel.h"
+
+namespace vemo {
+
+/// A base, so that it is there before the session.
+struct OfflineTime {
+  FakeMainThread mainThread;
+  FakeClock clock{mainThread};
+};
+
+class MainWindowOnFakes : private OfflineTime, private SessionOnFakes {
+ public:
+  /// All states that can be asked for, in the order in which they are best looked at.
+  static QStringList states();
+
+  /// `state` is one of states().
+  explicit MainWindowOnFakes(const QString& state);
+
+  MainWindowModel& model() { return *m_model; }
+
+  void pass(Clock::Duration duration) { clock.advance(duration); }
+
+ private:
+  struct State {
+    const char16_t* name;
+    void (*prepare)(MainWindowOnFakes&);  ///< what is there at the start
+    void (*act)(MainWindowOnFakes&);      ///< what happens then
+  };
+  static std::span<const State> table();
+
+  void start();
+  void signOut();
+  void fillHistory();
+  void fillDictionary(int count);
+  void fillShortcuts(int count);
+  void fillWithLongTexts();
+  void use(const QByteArray& consumption);
+  void connectSlack();
+
+  std::optional<DictionaryList> m_dictionary;
+  std::optional<ShortcutList> m_shortcuts;
+  std::optional<MainWindowModel> m_model;
+};
+
+}  // namespace vemo

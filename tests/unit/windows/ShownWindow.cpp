@@ -1,0 +1,71 @@
+#include "ShownWindow.h"
+
+#include <gtest/gtest.h>
+
+#include "windows/SymbolImages.h"
+
+namespace vemo {
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+void collect(QQuickItem& item, QStringList& texts) {
+  if (!item.isVisible()) return;
+  for (const char* property : {"text", "placeholderText", "label", "title"}) {
+    const QString text = item.property(property).toString();
+    if (!text.isEmpty() && !texts.contains(text)) texts.append(text);
+  }
+  const auto children = item.childItems();
+  for (auto* child : children) collect(*child, texts);
+}
+
+/// One for the whole test program: Qt can't make a second one reliably.
+void makeApplication() {
+  static int argumentCount = 1;
+  static char name[] = "test";
+  static char* arguments[] = {name, nullptr};
+  if (QGuiApplication::instance()) return;
+  QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+  new QGuiApplication(argumentCount, arguments);
+}
+
+}  // namespace
+
+void ShownWindow::note(QtMsgType type, const QMessageLogContext&, const QString& message) {
+  if (type == QtDebugMsg || type == QtInfoMsg) return;
+  s_complaints.append(message);
+}
+
+ShownWindow::ShownWindow(const QString& file, QObject& model, QSize size)
+    : m_handlerBefore(qInstallMessageHandler(&note)) {
+  makeApplication();
+  s_complaints.clear();
+  m_view = std::make_unique<QQuickView>();
+  QQmlEngine::setObjectOwnership(&model, QQmlEngine::CppOwnership);
+  m_view->setResizeMode(QQuickView::SizeRootObjectToView);
+  m_view->resize(size);
+  m_view->engine()->addImageProvider(u"symbols"_s,
+                                     new SymbolImages(QStringLiteral(VEMO_SYMBOLS_IN_SOURCE)));
+  m_view->setInitialProperties({{u"model"_s, QVariant::fromValue(&model)}});
+  m_view->setSource(QUrl::fromLocalFile(QStringLiteral(VEMO_QML_IN_SOURCE) + u'/' + file));
+  m_view->show();
+  draw();
+}
+
+ShownWindow::~ShownWindow() {
+  qInstallMessageHandler(m_handlerBefore);
+}
+
+QImage ShownWindow::draw() {
+  for (int round = 0; round < 5; ++round) QCoreApplication::processEvents();
+  return m_view->grabWindow();
+}
+
+QStringList ShownWindow::texts() {
+  QStringList texts;
+  collect(*m_view->contentItem(), texts);
+  return texts;
+}
+
+}  // namespace vemo

@@ -1,0 +1,43 @@
+// A window's QML on a model, shown on Qt's display without a screen, with everything that the
+// console would say.
+#pragma once
+
+#include <QGuiApplication>
+#include <QImage>
+#include <QQmlContext>
+#include <QQmlEngine>
+#include <QQuickItem>
+#include <QQuickView>
+#include <QStringList>
+#include <memory>
+
+namespace vemo {
+
+class ShownWindow {
+ public:
+  /// Makes Qt's application if there is none yet. `file` is relative to the folder of the QML.
+  ShownWindow(const QString& file, QObject& model, QSize size);
+  ~ShownWindow();
+
+  QQuickItem& root() { return *m_view->rootObject(); }
+  QQuickWindow& window() { return *m_view; }
+  QQmlEngine& engine() { return *m_view->engine(); }
+
+  /// Lets everything that waits in Qt's queue happen, and draws.
+  QImage draw();
+
+  /// Each text that can be seen, whether it is drawn or told to assistive tools alone.
+  QStringList texts();
+
+  /// What QML has complained of since the window was made.
+  const QStringList& complaints() const { return s_complaints; }
+
+ private:
+  static void note(QtMsgType type, const QMessageLogContext& context, const QString& message);
+
+  static inline QStringList s_complaints;
+  QtMessageHandler m_handlerBefore;
+  std::unique_ptr<QQuickView> m_view;
+};
+
+}  // namespace vemo
