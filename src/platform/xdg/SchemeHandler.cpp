@@ -3,11 +3,10 @@
 #undef signals  // gio names a field so
 #include <gio/gdesktopappinfo.h>
 
-#include <QDir>
-#include <QFile>
-#include <QSaveFile>
 #include <QStandardPaths>
 #include <memory>
+
+#include "platform/xdg/DesktopEntryFile.h"
 
 namespace vemo {
 
@@ -21,16 +20,6 @@ struct Unref {
   void operator()(gpointer object) const { g_object_unref(object); }
 };
 
-/// A quoted argument of an Exec line, by the rules of desktop entries.
-QString quoted(const QString& argument) {
-  QString text = argument;
-  // Once for the quotes of the command, and once more as any string of the file.
-  for (const auto& special : {u"\\"_s, u"\""_s, u"`"_s, u"$"_s})
-    text.replace(special, u"\\"_s + special);
-  text.replace(u"\\"_s, u"\\\\"_s);
-  return u'"' + text + u'"';
-}
-
 QByteArray entryFor(const QString& scheme, const QString& program) {
   return u"[Desktop Entry]\n"
          u"Type=Application\n"
@@ -38,15 +27,8 @@ QByteArray entryFor(const QString& scheme, const QString& program) {
          u"Comment=Takes you back to Vemo after signing in\n"
          u"Exec=%1 open %u\n"
          u"NoDisplay=true\n"
-         u"MimeType=x-scheme-handler/%2;\n"_s.arg(quoted(program), scheme)
+         u"MimeType=x-scheme-handler/%2;\n"_s.arg(quotedExecArgument(program), scheme)
              .toUtf8();
-}
-
-bool writeIfDifferent(const QString& path, const QByteArray& content) {
-  QFile existing(path);
-  if (existing.open(QIODevice::ReadOnly) && existing.readAll() == content) return true;
-  QSaveFile file(path);
-  return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.commit();
 }
 
 bool isDefaultFor(const QByteArray& mimeType) {
@@ -59,9 +41,8 @@ bool isDefaultFor(const QByteArray& mimeType) {
 
 bool claimScheme(const QString& scheme, const QString& program) {
   const QString folder = QStandardPaths::writableLocation(QStandardPaths::ApplicationsLocation);
-  if (folder.isEmpty() || !QDir().mkpath(folder)) return false;
-  const QString path = folder + u'/' + entryName;
-  if (!writeIfDifferent(path, entryFor(scheme, program))) return false;
+  if (folder.isEmpty()) return false;
+  if (!writeDesktopEntry(folder + u'/' + entryName, entryFor(scheme, program))) return false;
 
   const QByteArray mimeType = "x-scheme-handler/" + scheme.toUtf8();
   if (isDefaultFor(mimeType)) return true;
