@@ -33,12 +33,28 @@ AuthManager::AuthManager(Neighbours neighbours)
     : m_with(neighbours),
       m_requests(neighbours.configuration, neighbours.system),
       m_tasks(neighbours.mainThread) {
-  migrateLegacyToken();
-  m_isSignedIn = m_with.tokens.read(tokenAccount()).has_value();
   m_email = m_with.settings.get(keys::authEmail);
   m_displayName = m_with.settings.get(keys::authDisplayName);
   m_photoURL = parsedUrl(m_with.settings.get(keys::authPhotoURL, QString()));
+  if (!m_with.tokens.isExpected(tokenAccount())) findSession();
+}
+
+void AuthManager::findSession() {
+  migrateLegacyToken();
+  m_isSignedIn = m_with.tokens.read(tokenAccount()).has_value();
   m_tasks.start([&](std::stop_token stop) { return readAccount(std::move(stop)); });
+}
+
+void AuthManager::tokenArrived() {
+  if (m_isSignedIn) return;
+  findSession();
+  // What the start has tried without a token.
+  if (m_isSignedIn) m_with.telemetry.sendDeviceReport(Urgency::IfDue);
+  changed.notify();
+}
+
+bool AuthManager::mayDictate() const {
+  return m_isSignedIn || (m_with.tokens.isExpected(tokenAccount()) && m_email);
 }
 
 /// A write that fails loses the old token, and the user signs in again.

@@ -48,10 +48,19 @@ class AuthManager {
   };
 
   /// Brings an older version's token into the token store; signed in from the start when there is
-  /// one. Reads profile and languages on a later turn of the main queue.
+  /// one. Reads profile and languages on a later turn of the main queue. All of that happens later,
+  /// in tokenArrived(), when the token store expects the token.
   explicit AuthManager(Neighbours neighbours);
 
+  /// The token store has its first answer, or another one than before.
+  void tokenArrived();
+
   bool isSignedIn() const { return m_isSignedIn; }
+
+  /// Whether a dictation may begin: signed in, or with every sign of it as long as the token store
+  /// has no answer.
+  bool mayDictate() const;
+
   const std::optional<QString>& email() const { return m_email; }
   const std::optional<QString>& displayName() const { return m_displayName; }
   const std::optional<QUrl>& photoURL() const { return m_photoURL; }
@@ -89,6 +98,7 @@ class AuthManager {
 
  private:
   void migrateLegacyToken();
+  void findSession();
   Task<> readAccount(std::stop_token stop);
   QString token() const;
   void logError(const QString& operation, const QString& description);

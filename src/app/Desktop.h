@@ -6,6 +6,7 @@
 #include <QString>
 #include <chrono>
 #include <memory>
+#include <stop_token>
 
 #include "platform/atspi/AtspiSecureInput.h"
 #include "platform/canberra/CanberraSounds.h"
@@ -49,8 +50,10 @@ struct Desktop {
   PulseAudioInput audioInput{pulse};
   PulseInputDevice inputDevice{pulse};
   CanberraSounds sounds{soundsFolder(), u"Vemo"_s, u"brelmox.Vemo"_s};
-  /// Its first answer says whether somebody is signed in, and the token store keeps what it hears.
-  SecretServiceBackend keyring{std::chrono::milliseconds(200), std::chrono::seconds(3)};
+  SecretServiceBackend keyring;
+  /// For a thread that may wait: a keyring that has just been started takes its time.
+  std::stop_source impatience;
+  SecretServiceBackend patientKeyring{std::chrono::seconds(5), impatience.get_token()};
   std::unique_ptr<X11Clipboard> clipboard;
   std::unique_ptr<X11KeyPoster> keyPoster;
   std::unique_ptr<X11FocusedApplication> focusedApplication;

@@ -20,6 +20,12 @@ Program::Program(Foundation& foundation, Desktop& desktop,
       sealedSecrets(places::secretsFolder(), QSysInfo::machineUniqueId(),
                     [&foundation](const QString& line) { foundation.debugLog(line); }),
       tokens({&desktop.keyring, &sealedSecrets}, foundation.debugLog),
+      tokenReader({.tokens = tokens,
+                   .backends = {&desktop.patientKeyring, &sealedSecrets},
+                   .giveUp = desktop.impatience,
+                   .mainThread = foundation.mainThread,
+                   .clock = foundation.clock},
+                  {QString::fromUtf16(authTokenAccount), QString::fromUtf16(slackApiTokenAccount)}),
       telemetry({.clock = foundation.clock,
                  .mainThread = foundation.mainThread,
                  .settings = foundation.settings,
@@ -111,7 +117,18 @@ Program::Program(Foundation& foundation, Desktop& desktop,
                      if (desktop.systemEvents.onDidWake) desktop.systemEvents.onDidWake();
                      telemetry.sendDeviceReport(Urgency::IfDue);
                    }),
+      keyringWatch(desktop.gio, foundation.mainThread, [this] { tokenReader.keyringChanged(); }),
+      observations{
+          tokenReader.arrived.observe([this](const QString& account) { tokenArrived(account); }),
+          // A sign-out that the keyring didn't take is repeated.
+          auth.changed.observe([this] { tokenReader.secretsChanged(); }),
+          slack.changed.observe([this] { tokenReader.secretsChanged(); })},
       tasks(foundation.mainThread),
       remoteControl(appState, std::move(remotely)) {}
+
+void Program::tokenArrived(const QString& account) {
+  if (account == authTokenAccount) auth.tokenArrived();
+  if (account == slackApiTokenAccount) slack.tokenArrived();
+}
 
 }  // namespace vemo

@@ -20,6 +20,7 @@
 #include "platform/qt/QtHttpSession.h"
 #include "platform/qt/QtLastRequest.h"
 #include "platform/sealed/SealedSecretBackend.h"
+#include "platform/secretservice/KeyringWatch.h"
 #include "platform/xdg/BrowserSignIn.h"
 #include "platform/xdg/LinuxPermissions.h"
 #include "session/AppState.h"
@@ -29,6 +30,7 @@
 #include "shaping/ContextProcessor.h"
 #include "storage/DeploymentConfiguration.h"
 #include "storage/SecureTokenStore.h"
+#include "storage/TokenReader.h"
 #include "telemetry/Telemetry.h"
 #include "transcription/TranscriptionClient.h"
 #include "ui/HUDWindowController.h"
@@ -39,12 +41,15 @@ struct Program {
   Program(Foundation& foundation, Desktop& desktop, const DeploymentConfiguration& configuration,
           DictationRemoteControl::Program remotely);
 
+  void tokenArrived(const QString& account);
+
   QtHttpSession session;
   QtHttpSession hedgeSession;
   QtHttpSession sharedSession;  ///< of everything but dictation
   LinuxPermissions permissionsOfSystem;
   SealedSecretBackend sealedSecrets;  ///< where there is no keyring
   SecureTokenStore tokens;
+  TokenReader tokenReader;
   QtLastRequest lastRequest;
   Telemetry telemetry;
   SystemRandom random;
@@ -65,6 +70,8 @@ struct Program {
   HUDWindowController hud;
   AppState appState;
   LogindSleep machineSleep;
+  KeyringWatch keyringWatch;
+  std::vector<Observation> observations;
   TaskScope tasks;
   DictationRemoteControl remoteControl;
 };

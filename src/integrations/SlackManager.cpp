@@ -58,8 +58,13 @@ Learnt<SlackDirectory::Rooms> learnRooms(const QByteArray& answer) {
 }  // namespace
 
 SlackManager::SlackManager(Neighbours neighbours) : m_with(neighbours) {
-  migrateLegacyToken();
   loadCache();
+  if (!m_with.tokens.isExpected(tokenAccount())) findToken();
+}
+
+void SlackManager::tokenArrived() {
+  findToken();
+  changed.notify();
 }
 
 void SlackManager::migrateLegacyToken() {
@@ -77,12 +82,16 @@ void SlackManager::migrateLegacyToken() {
 }
 
 void SlackManager::loadCache() {
-  const QString token = m_with.tokens.read(tokenAccount()).value_or(QString());
   const Settings& settings = m_with.settings;
   m_workspaceName = settings.get(cacheKeyWorkspace, QString());
   m_directory = SlackDirectory(
       decodeSlackUsers(settings.get(cacheKeyUsers, QByteArray())).value_or(SlackUsers()),
       decodeSlackChannels(settings.get(cacheKeyChannels, QByteArray())).value_or(SlackChannels()));
+}
+
+void SlackManager::findToken() {
+  migrateLegacyToken();
+  const QString token = m_with.tokens.read(tokenAccount()).value_or(QString());
   const bool knowsAnything = !users().empty() || !channels().empty() || !m_workspaceName.isEmpty();
   m_isConnected = !token.isEmpty() && knowsAnything;
 }

@@ -56,7 +56,11 @@ class SlackManager final : public MentionLookup {
   };
 
   /// Brings an older version's token into the token store, and loads what the last sync has learnt.
+  /// The token is looked for later, in tokenArrived(), when the token store expects it.
   explicit SlackManager(Neighbours neighbours);
+
+  /// The token store has its first answer, or another one than before.
+  void tokenArrived();
 
   bool isConnected() const { return m_isConnected; }
   const QString& workspaceName() const { return m_workspaceName; }
@@ -79,6 +83,7 @@ class SlackManager final : public MentionLookup {
  private:
   void migrateLegacyToken();
   void loadCache();
+  void findToken();
 
   Task<bool> sync(std::stop_token stop);
   Task<std::optional<HttpError>> readWorkspace(QByteArray token, std::stop_token stop);

@@ -24,10 +24,19 @@ AppState::AppState(AppStateNeighbours neighbours)
       m_tasks(neighbours.mainThread) {
   if (!m_with.settings.contains(keys::isEnabled)) m_with.settings.set(keys::isEnabled, true);
   m_isEnabled = m_with.settings.get(keys::isEnabled, true);
-  if (m_with.auth.isSignedIn()) m_history.load();
-  const auto forward = [this] { changed.notify(); };
-  m_observations.push_back(m_with.permissions.changed.observe(forward));
-  m_observations.push_back(m_with.auth.changed.observe(forward));
+  signInMayHaveChanged();
+  m_observations.push_back(m_with.permissions.changed.observe([this] { changed.notify(); }));
+  m_observations.push_back(m_with.auth.changed.observe([this] {
+    signInMayHaveChanged();
+    changed.notify();
+  }));
+}
+
+/// Whose session shows only after the start finds the history then.
+void AppState::signInMayHaveChanged() {
+  const bool isSignedIn = m_with.auth.isSignedIn();
+  if (isSignedIn && !m_wasSignedIn) m_history.load();
+  m_wasSignedIn = isSignedIn;
 }
 
 AppState::~AppState() {
@@ -157,7 +166,7 @@ QString AppState::statusText() const {
   if (!m_isEnabled) return u"Disabled"_s;
   if (m_with.permissions.micStatus() != MicStatus::Granted) return u"Microphone access needed"_s;
   if (!m_with.permissions.axTrusted()) return u"Accessibility access needed"_s;
-  if (!m_with.auth.isSignedIn()) return u"Sign in to connect"_s;
+  if (!m_with.auth.mayDictate()) return u"Sign in to connect"_s;
   return QString::fromUtf16(readyStatusText);
 }
 

@@ -125,6 +125,7 @@ class AppState {
   using Generation = std::uint64_t;
 
   // AppState.cpp
+  void signInMayHaveChanged();
   void setPhase(Phase phase);
   void cancelActiveWork();
   void promptForMissingPermissions();
@@ -168,6 +169,7 @@ class AppState {
   AppStateNeighbours m_with;
   Phase m_phase;
   bool m_isEnabled = true;
+  bool m_wasSignedIn = false;
   DictationHistory m_history;
   DictationSounds m_sounds;
   Generation m_generation = 0;

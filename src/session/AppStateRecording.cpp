@@ -53,7 +53,7 @@ void AppState::startRecording() {
 }
 
 bool AppState::passesSignInGate() {
-  if (m_with.auth.isSignedIn()) return true;
+  if (m_with.auth.mayDictate()) return true;
   m_with.hud.showError(u"Please sign in to dictate"_s);
   m_with.windows.bringForward();
   m_with.debugLog(u"recording blocked — user not signed in"_s);

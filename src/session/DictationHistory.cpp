@@ -16,6 +16,7 @@ DictationHistory::DictationHistory(const Clock& clock, Settings& settings)
     : m_clock(clock), m_settings(settings) {}
 
 void DictationHistory::load() {
+  m_isLoaded = true;
   const auto stored = m_settings.get(keys::recentDictations);
   auto items = stored ? decodeDictations(*stored) : std::nullopt;
   if (!items) return;
@@ -26,6 +27,7 @@ void DictationHistory::load() {
 void DictationHistory::recordDictation(const QString& text) {
   const QString recorded = trimmed(text);
   if (recorded.isEmpty()) return;
+  if (!m_isLoaded) load();
   m_lastTranscript = recorded;
   std::erase_if(m_recentDictations, [&](const auto& item) { return item.text == recorded; });
   m_recentDictations.insert(m_recentDictations.begin(),
@@ -35,6 +37,7 @@ void DictationHistory::recordDictation(const QString& text) {
 }
 
 void DictationHistory::clear() {
+  m_isLoaded = true;
   m_lastTranscript.clear();
   m_recentDictations.clear();
   m_settings.remove(keys::recentDictations);

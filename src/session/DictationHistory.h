@@ -19,8 +19,8 @@ class DictationHistory {
   /// Takes what the settings hold; data that doesn't decode is ignored.
   void load();
 
-  /// Puts the trimmed text in front, as a new entry; an older entry of equal text goes. Blank text
-  /// changes nothing.
+  /// Puts the trimmed text in front of what is stored, as a new entry; an older entry of equal text
+  /// goes. Blank text changes nothing.
   void recordDictation(const QString& text);
 
   /// Forgets all of it, in the settings too.
@@ -43,6 +43,7 @@ class DictationHistory {
   Settings& m_settings;
   QString m_lastTranscript;
   std::vector<DictationItem> m_recentDictations;
+  bool m_isLoaded = false;
 };
 
 }  // namespace vemo

@@ -1,6 +1,7 @@
 #include "storage/SecureTokenStore.h"
 
 #include <cassert>
+#include <tuple>
 #include <utility>
 
 #include "storage/DebugLog.h"
@@ -35,6 +36,16 @@ std::optional<QString> usableText(const std::expected<QByteArray, SecretError>& 
   return QString::fromUtf8(*secret);
 }
 
+SecureTokenStore::Standing standingAfter(const std::expected<QByteArray, SecretError>& secret) {
+  if (secret || secret.error() == SecretError::NotFound) return SecureTokenStore::Standing::Settled;
+  return secret.error() == SecretError::Unavailable ? SecureTokenStore::Standing::NoStore
+                                                    : SecureTokenStore::Standing::Open;
+}
+
+bool isWithoutIt(const std::expected<void, SecretError>& removed) {
+  return removed || removed.error() == SecretError::NotFound;
+}
+
 }  // namespace
 
 SecureTokenStore::SecureTokenStore(std::vector<SecretBackend*> backends, DebugLog& debugLog)
@@ -45,31 +56,41 @@ SecureTokenStore::SecureTokenStore(std::vector<SecretBackend*> backends, DebugLo
 std::optional<QString> SecureTokenStore::read(const QString& account) {
   {
     const std::lock_guard lock(m_mutex);
-    if (const auto known = m_cache.find(account); known != m_cache.end()) return known->second;
+    if (const auto known = m_memory.find(account); known != m_memory.end())
+      return known->second.value;
   }
-  std::optional<QString> value;
-  for (SecretBackend* backend : m_backends) {
-    const auto secret = backend->find(service(), account);
-    value = usableText(secret);
-    if (!value) continue;
-    if (backend != m_backends.front()) promote(account, *secret, *backend);
-    break;
-  }
+  const Found found = lookUp(account, m_backends);
   // What a write or a removal has put there meanwhile is newer than what was found.
   const std::lock_guard lock(m_mutex);
-  m_cache.try_emplace(account, value);
-  return value;
+  m_memory.try_emplace(account, Memory{.value = found.value, .standing = found.standing});
+  return found.value;
 }
 
-void SecureTokenStore::promote(const QString& account, const QByteArray& secret,
+SecureTokenStore::Found SecureTokenStore::lookUp(const QString& account, const Backends& backends) {
+  Found found;
+  for (SecretBackend* backend : backends) {
+    const bool isFirst = backend == backends.front();
+    const auto secret = backend->find(service(), account);
+    if (isFirst) found.standing = standingAfter(secret);
+    found.value = usableText(secret);
+    if (!found.value) continue;
+    found.standing = Standing::Settled;
+    if (!isFirst) found.isPromoted = promote(account, *secret, *backends.front(), *backend);
+    break;
+  }
+  return found;
+}
+
+bool SecureTokenStore::promote(const QString& account, const QByteArray& secret, SecretBackend& to,
                                SecretBackend& from) {
-  const auto added = m_backends.front()->add(service(), account, secret);
+  const auto added = to.add(service(), account, secret);
   if (added) {
     from.remove(service(), account);
     m_debugLog(u"keychain: moved item into the data protection keychain"_s);
   } else if (added.error() != SecretError::Unavailable) {
     m_debugLog(u"keychain: promotion failed (OSStatus %1)"_s.arg(osStatus(added.error())));
   }
+  return added.has_value();
 }
 
 bool SecureTokenStore::write(const QString& value, const QString& account) {
@@ -78,11 +99,13 @@ bool SecureTokenStore::write(const QString& value, const QString& account) {
   SecretError lastError = SecretError::Failed;
   for (SecretBackend* backend : m_backends) {
     const auto added = backend->add(service(), account, value.toUtf8());
-    if (added) {
-      remember(account, value);
-      return true;
+    if (!added) {
+      lastError = added.error();
+      continue;
     }
-    lastError = added.error();
+    remember(account, value);
+    if (backend == m_backends.front()) settleRemoval(account, added);
+    return true;
   }
   m_debugLog(u"keychain: write failed for both backends (OSStatus %1)"_s.arg(osStatus(lastError)));
   return false;
@@ -93,14 +116,92 @@ bool SecureTokenStore::remove(const QString& account) {
   bool areAllWithoutIt = true;
   for (SecretBackend* backend : m_backends) {
     const auto removed = backend->remove(service(), account);
-    if (!removed && removed.error() != SecretError::NotFound) areAllWithoutIt = false;
+    if (!isWithoutIt(removed)) areAllWithoutIt = false;
+    if (backend == m_backends.front()) settleRemoval(account, removed);
   }
   return areAllWithoutIt;
 }
 
+void SecureTokenStore::expect(const QString& account) {
+  const std::lock_guard lock(m_mutex);
+  m_memory.try_emplace(account,
+                       Memory{.value = {}, .isExpected = true, .standing = Standing::Open});
+}
+
+bool SecureTokenStore::isExpected(const QString& account) const {
+  return memoryOf(account).isExpected;
+}
+
+SecureTokenStore::Standing SecureTokenStore::standing(const QString& account) const {
+  return memoryOf(account).standing;
+}
+
+bool SecureTokenStore::refresh(const QString& account, const Backends& backends) {
+  const Memory before = memoryOf(account);
+  if (before.isRemovalOpen) {
+    finishRemoval(account, *backends.front(), before.changeCount);
+    return false;
+  }
+  const Found found = lookUp(account, backends);
+  bool isNews = false;
+  bool isOvertaken = false;
+  {
+    const std::lock_guard lock(m_mutex);
+    Memory& memory = m_memory[account];
+    isOvertaken = memory.changeCount != before.changeCount;
+    isNews = std::exchange(memory.isExpected, false);
+    if (!isOvertaken) {
+      memory.standing = found.standing;
+      isNews = isNews || (found.value && memory.value != found.value);
+      if (found.value) memory.value = found.value;
+    }
+  }
+  if (isOvertaken && found.isPromoted) bringInLine(account, *backends.front());
+  return isNews;
+}
+
+void SecureTokenStore::finishRemoval(const QString& account, SecretBackend& backend,
+                                     unsigned changeCount) {
+  const auto removed = backend.remove(service(), account);
+  bool isOvertaken = false;
+  {
+    const std::lock_guard lock(m_mutex);
+    isOvertaken = m_memory[account].changeCount != changeCount;
+  }
+  if (isOvertaken)
+    bringInLine(account, backend);
+  else
+    settleRemoval(account, removed);
+}
+
+/// What was done here may have undone what a write or a removal did at the same time.
+void SecureTokenStore::bringInLine(const QString& account, SecretBackend& backend) {
+  if (const auto value = memoryOf(account).value)
+    std::ignore = backend.add(service(), account, value->toUtf8());
+  else
+    std::ignore = backend.remove(service(), account);
+}
+
+SecureTokenStore::Memory SecureTokenStore::memoryOf(const QString& account) const {
+  const std::lock_guard lock(m_mutex);
+  const auto known = m_memory.find(account);
+  return known == m_memory.end() ? Memory() : known->second;
+}
+
 void SecureTokenStore::remember(const QString& account, std::optional<QString> value) {
   const std::lock_guard lock(m_mutex);
-  m_cache.insert_or_assign(account, std::move(value));
+  Memory& memory = m_memory[account];
+  memory.value = std::move(value);
+  memory.isExpected = false;
+  ++memory.changeCount;
+}
+
+void SecureTokenStore::settleRemoval(const QString& account,
+                                     const std::expected<void, SecretError>& outcome) {
+  const std::lock_guard lock(m_mutex);
+  Memory& memory = m_memory[account];
+  memory.isRemovalOpen = !outcome && outcome.error() == SecretError::Failed;
+  memory.standing = memory.isRemovalOpen ? Standing::Open : Standing::Settled;
 }
 
 }  // namespace vemo

@@ -2,7 +2,8 @@
 //
 // Backends are tried in order: the first one is where new items go; an item found only in a later
 // one moves to the first. The first answer for an account, its absence included, is kept in memory,
-// so that further reads cost a map look-up.
+// so that further reads cost a map look-up. An account that is expected reads as absent, without
+// asking, until a refresh has its first answer: so a program starts without waiting for a keyring.
 //
 // Any thread, synchronous. No operation throws; a failure is an absent or false result. Values are
 // never logged. The lock guards the memory alone and is never held across a call to a backend.
@@ -37,14 +38,56 @@ class SecureTokenStore {
   /// True when no backend holds the item any more.
   bool remove(const QString& account);
 
- private:
-  void remember(const QString& account, std::optional<QString> value);
-  void promote(const QString& account, const QByteArray& secret, SecretBackend& from);
+  /// Announces a refresh of the account.
+  void expect(const QString& account);
 
-  const std::vector<SecretBackend*> m_backends;
+  /// Whether the first answer to an expected account is still to come.
+  bool isExpected(const QString& account) const;
+
+  /// How the memory of an account stands to the first backend.
+  enum class Standing {
+    Settled,
+    NoStore,  ///< there was no such store on this desktop
+    Open,     ///< locked or silent: it may hold a secret that nobody knows, or one that was removed
+  };
+  Standing standing(const QString& account) const;
+
+  /// Asks these backends, in their order, whatever is in memory, or removes what a removal has left
+  /// behind. Takes as long as they take, so it is for a thread that may wait. Writes and removals
+  /// meanwhile count more than the answer. True when read() answers for the first time, or
+  /// differently.
+  bool refresh(const QString& account, const std::vector<SecretBackend*>& backends);
+
+ private:
+  using Backends = std::vector<SecretBackend*>;
+
+  struct Memory {
+    std::optional<QString> value;
+    bool isExpected = false;
+    Standing standing = Standing::Settled;
+    bool isRemovalOpen = false;
+    unsigned changeCount = 0;  ///< writes and removals
+  };
+
+  struct Found {
+    std::optional<QString> value;
+    Standing standing = Standing::Settled;
+    bool isPromoted = false;
+  };
+
+  Found lookUp(const QString& account, const Backends& backends);
+  bool promote(const QString& account, const QByteArray& secret, SecretBackend& to,
+               SecretBackend& from);
+  void finishRemoval(const QString& account, SecretBackend& backend, unsigned changeCount);
+  void bringInLine(const QString& account, SecretBackend& backend);
+  void settleRemoval(const QString& account, const std::expected<void, SecretError>& outcome);
+  Memory memoryOf(const QString& account) const;
+  void remember(const QString& account, std::optional<QString> value);
+
+  const Backends m_backends;
   DebugLog& m_debugLog;
-  std::mutex m_mutex;
-  std::map<QString, std::optional<QString>> m_cache;
+  mutable std::mutex m_mutex;
+  std::map<QString, Memory> m_memory;
 };
 
 }  // namespace vemo

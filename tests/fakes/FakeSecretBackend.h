@@ -25,6 +25,8 @@ class FakeSecretBackend : public SecretBackend {
 
   /// Runs inside find(), after it has looked and before it answers.
   std::function<void()> onFound;
+  /// The same inside remove().
+  std::function<void()> onRemoved;
 
   /// "find SERVICE ACCOUNT" and so on, in order. Secrets are not among it.
   std::vector<QString> calls;
@@ -36,7 +38,7 @@ class FakeSecretBackend : public SecretBackend {
   std::expected<QByteArray, SecretError> find(const QString& service,
                                               const QString& account) override {
     auto answer = look({service, account});
-    if (onFound) onFound();
+    if (const auto hook = onFound) hook();
     return answer;
   }
 
@@ -50,11 +52,9 @@ class FakeSecretBackend : public SecretBackend {
   }
 
   std::expected<void, SecretError> remove(const QString& service, const QString& account) override {
-    const std::lock_guard lock(m_mutex);
-    record("remove", {service, account});
-    if (removeFailure) return std::unexpected(*removeFailure);
-    if (items.erase({service, account}) == 0) return std::unexpected(SecretError::NotFound);
-    return {};
+    const auto answer = erase({service, account});
+    if (const auto hook = onRemoved) hook();
+    return answer;
   }
 
  private:
@@ -65,6 +65,14 @@ class FakeSecretBackend : public SecretBackend {
     const auto found = items.find(item);
     if (found == items.end()) return std::unexpected(SecretError::NotFound);
     return found->second;
+  }
+
+  std::expected<void, SecretError> erase(const Item& item) {
+    const std::lock_guard lock(m_mutex);
+    record("remove", item);
+    if (removeFailure) return std::unexpected(*removeFailure);
+    if (items.erase(item) == 0) return std::unexpected(SecretError::NotFound);
+    return {};
   }
 
   void record(const char* operation, const Item& item) {

@@ -3,11 +3,13 @@
 #include <libsecret/secret.h>
 
 #include <algorithm>
-#include <functional>
-#include <future>
+#include <condition_variable>
 #include <memory>
+#include <mutex>
+#include <optional>
 #include <system_error>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace vemo {
@@ -156,39 +158,60 @@ class Keyring {
   SharedCancellable m_cancellable;
 };
 
-/// Opens the keyring and uses it, on a thread that isn't waited for longer than `limit`.
+/// An answer that a thread gives and another waits for, though not for long.
 template <typename T>
-std::expected<T, SecretError> within(
-    std::chrono::milliseconds limit,
-    std::move_only_function<std::expected<T, SecretError>(Keyring&)> use) {
-  const SharedCancellable cancellable(g_cancellable_new(), Unreference{});
-  std::packaged_task<std::expected<T, SecretError>()> call(
-      [cancellable, use = std::move(use)]() mutable -> std::expected<T, SecretError> {
-        auto keyring = Keyring::open(cancellable);
-        if (!keyring) return std::unexpected(keyring.error());
-        return use(*keyring);
-      });
-  auto result = call.get_future();
-  try {
-    std::thread(std::move(call)).detach();
-  } catch (const std::system_error&) {
-    return std::unexpected(SecretError::Failed);
+struct Call {
+  using Answer = std::expected<T, SecretError>;
+
+  std::mutex mutex;
+  std::condition_variable_any answered;
+  std::optional<Answer> answer;
+
+  void complete(Answer value) {
+    const std::lock_guard lock(mutex);
+    answer = std::move(value);
+    answered.notify_all();
   }
-  if (result.wait_for(limit) == std::future_status::ready) return result.get();
-  g_cancellable_cancel(cancellable.get());
-  return std::unexpected(SecretError::Failed);
-}
+
+  std::optional<Answer> wait(std::chrono::milliseconds limit, const std::stop_token& giveUp) {
+    std::unique_lock lock(mutex);
+    answered.wait_for(lock, giveUp, limit, [this] { return answer.has_value(); });
+    return answer;
+  }
+};
+
+constexpr std::chrono::seconds restAfterSilence{1};
 
 }  // namespace
 
-SecretServiceBackend::SecretServiceBackend(std::chrono::milliseconds timeLimit,
-                                           std::optional<std::chrono::milliseconds> firstTimeLimit)
-    : m_timeLimit(timeLimit), m_nextTimeLimit(firstTimeLimit.value_or(timeLimit)) {}
+SecretServiceBackend::SecretServiceBackend(Milliseconds timeLimit, std::stop_token giveUp)
+    : m_timeLimit(timeLimit), m_giveUp(std::move(giveUp)) {}
+
+/// Opens the keyring and uses it, on a thread that isn't waited for longer than the limit.
+template <typename T, typename Use>
+std::expected<T, SecretError> SecretServiceBackend::call(Use use) {
+  if (std::chrono::steady_clock::now() < m_silentUntil.load())
+    return std::unexpected(SecretError::Failed);
+  const SharedCancellable cancellable(g_cancellable_new(), Unreference{});
+  const auto call = std::make_shared<Call<T>>();
+  try {
+    std::thread([call, cancellable, use = std::move(use)] {
+      auto keyring = Keyring::open(cancellable);
+      call->complete(keyring ? use(*keyring) : std::unexpected(keyring.error()));
+    }).detach();
+  } catch (const std::system_error&) {
+    return std::unexpected(SecretError::Failed);
+  }
+  if (auto answer = call->wait(m_timeLimit, m_giveUp)) return *std::move(answer);
+  g_cancellable_cancel(cancellable.get());
+  m_silentUntil = std::chrono::steady_clock::now() + restAfterSilence;
+  return std::unexpected(SecretError::Failed);
+}
 
 std::expected<QByteArray, SecretError> SecretServiceBackend::find(const QString& service,
                                                                   const QString& account) {
-  return within<QByteArray>(
-      takeTimeLimit(), [service = service.toUtf8(), account = account.toUtf8()](Keyring& keyring) {
+  return call<QByteArray>(
+      [service = service.toUtf8(), account = account.toUtf8()](Keyring& keyring) {
         return keyring.find(attributesOf(service, account).get());
       });
 }
@@ -196,18 +219,17 @@ std::expected<QByteArray, SecretError> SecretServiceBackend::find(const QString&
 std::expected<void, SecretError> SecretServiceBackend::add(const QString& service,
                                                            const QString& account,
                                                            const QByteArray& secret) {
-  return within<void>(takeTimeLimit(), [service = service.toUtf8(), account = account.toUtf8(),
-                                        secret](Keyring& keyring) {
-    return keyring.add(attributesOf(service, account).get(), secret);
-  });
+  return call<void>(
+      [service = service.toUtf8(), account = account.toUtf8(), secret](Keyring& keyring) {
+        return keyring.add(attributesOf(service, account).get(), secret);
+      });
 }
 
 std::expected<void, SecretError> SecretServiceBackend::remove(const QString& service,
                                                               const QString& account) {
-  return within<void>(takeTimeLimit(),
-                      [service = service.toUtf8(), account = account.toUtf8()](Keyring& keyring) {
-                        return keyring.remove(attributesOf(service, account).get());
-                      });
+  return call<void>([service = service.toUtf8(), account = account.toUtf8()](Keyring& keyring) {
+    return keyring.remove(attributesOf(service, account).get());
+  });
 }
 
 }  // namespace vemo

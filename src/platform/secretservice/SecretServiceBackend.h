@@ -4,16 +4,16 @@
 // that an item stored by hand is found too:
 //   secret-tool store --label=Vemo service brelmox.Vemo account authToken
 //
-// Any thread. Each call runs on a thread of its own and is given up after the time limit; it is
-// Failed then. The first may have a limit of its own: a keyring that has just been started takes
-// its time over its first answer. Never unlocks and never prompts: what is locked is Failed. Failed
-// too when the desktop has a keyring but no default collection to put items in. Without session bus
-// or keyring: Unavailable.
+// Any thread. Each call runs on a thread of its own and is given up after the time limit, or when
+// it is told to give up; it is Failed then. A keyring that was silent for so long is left alone for
+// a second, in which calls are Failed at once: who asks for several things in a row waits once.
+// Never unlocks and never prompts: what is locked is Failed. Failed too when the desktop has a
+// keyring but no default collection to put items in. Without session bus or keyring: Unavailable.
 #pragma once
 
 #include <atomic>
 #include <chrono>
-#include <optional>
+#include <stop_token>
 
 #include "ports/SecretBackend.h"
 
@@ -21,9 +21,11 @@ namespace vemo {
 
 class SecretServiceBackend : public SecretBackend {
  public:
-  explicit SecretServiceBackend(
-      std::chrono::milliseconds timeLimit = std::chrono::milliseconds(200),
-      std::optional<std::chrono::milliseconds> firstTimeLimit = {});
+  using Milliseconds = std::chrono::milliseconds;
+
+  /// The limit of who holds a user up is that of the port.
+  explicit SecretServiceBackend(Milliseconds timeLimit = Milliseconds(200),
+                                std::stop_token giveUp = {});
 
   std::expected<QByteArray, SecretError> find(const QString& service,
                                               const QString& account) override;
@@ -32,10 +34,14 @@ class SecretServiceBackend : public SecretBackend {
   std::expected<void, SecretError> remove(const QString& service, const QString& account) override;
 
  private:
-  std::chrono::milliseconds takeTimeLimit() { return m_nextTimeLimit.exchange(m_timeLimit); }
+  using Time = std::chrono::steady_clock::time_point;
 
-  const std::chrono::milliseconds m_timeLimit;
-  std::atomic<std::chrono::milliseconds> m_nextTimeLimit;
+  template <typename T, typename Use>
+  std::expected<T, SecretError> call(Use use);
+
+  const Milliseconds m_timeLimit;
+  const std::stop_token m_giveUp;
+  std::atomic<Time> m_silentUntil{Time::min()};
 };
 
 }  // namespace vemo

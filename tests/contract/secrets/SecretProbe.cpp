@@ -1,12 +1,9 @@
-// Asks the keyring with the default time limit: secret_probe find|add|remove [FIRST_LIMIT_MS].
+// Asks the keyring twice with the default time limit: secret_probe find|add|remove.
 //
-// Prints the outcome and the milliseconds that the caller was held. With a limit for the first
-// call, there are two, and both times are printed.
+// Prints each outcome and the milliseconds that the caller was held.
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
-#include <optional>
 
 #include "platform/secretservice/SecretServiceBackend.h"
 
@@ -44,11 +41,9 @@ const char* outcomeOf(SecretServiceBackend& backend, const char* operation) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 2 && argc != 3) return 2;
-  std::optional<Milliseconds> firstLimit;
-  if (argc == 3) firstLimit = Milliseconds(std::atoi(argv[2]));
-  SecretServiceBackend backend(Milliseconds(200), firstLimit);
-  for (int call = 1; call < argc; ++call) {
+  if (argc != 2) return 2;
+  SecretServiceBackend backend;
+  for (int call = 0; call < 2; ++call) {
     const auto start = std::chrono::steady_clock::now();
     const char* outcome = outcomeOf(backend, argv[1]);
     const auto held =

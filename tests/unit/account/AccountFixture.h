@@ -57,8 +57,10 @@ class AccountFixture : public testing::Test {
                                                                  .googleSignIn = googleSignIn,
                                                                  .configuration = configuration,
                                                                  .system = with.system});
-    if (heldToken()) http.answer(profilePath, 500);
-    http.answer(languagesPath, 500);
+    if (!tokens().isExpected(tokenAccount)) {
+      if (heldToken()) http.answer(profilePath, 500);
+      http.answer(languagesPath, 500);
+    }
     settle();
   }
 

@@ -36,6 +36,10 @@ class SlackManagerTest : public testing::Test {
   void startAnew() {
     tokens =
         std::make_unique<SecureTokenStore>(std::vector<SecretBackend*>{&secrets}, storage.debugLog);
+    makeSlack();
+  }
+
+  void makeSlack() {
     slack = std::make_unique<SlackManager>(
         SlackManager::Neighbours{.tokens = *tokens,
                                  .settings = storage.settings,
@@ -104,6 +108,25 @@ TEST_F(SlackManagerTest, ConnectingKeepsTheTrimmedTokenAndReadsTheDirectory) {
   EXPECT_EQ(slack->resolveUserMention(u"maria"_s), u"@maria"_s);
   EXPECT_EQ(slack->resolveChannelMention(u"general"_s), u"#general"_s);
   EXPECT_EQ(slack->lastSyncError(), std::nullopt);
+}
+
+TEST_F(SlackManagerTest, ATokenThatTheKeyringGivesLaterConnectsLater) {
+  answerAll();
+  ASSERT_TRUE(connect(u"xoxp-1"_s));
+  tokens =
+      std::make_unique<SecureTokenStore>(std::vector<SecretBackend*>{&secrets}, storage.debugLog);
+  tokens->expect(u"slackApiToken"_s);
+  secrets.calls.clear();
+  makeSlack();
+  EXPECT_THAT(secrets.calls, IsEmpty()) << "the start waits for no keyring";
+  EXPECT_FALSE(slack->isConnected());
+  EXPECT_THAT(slack->users(), SizeIs(1));
+  int changes = 0;
+  const auto observation = slack->changed.observe([&] { ++changes; });
+  tokens->refresh(u"slackApiToken"_s, {&secrets});
+  slack->tokenArrived();
+  EXPECT_TRUE(slack->isConnected());
+  EXPECT_EQ(changes, 1);
 }
 
 TEST_F(SlackManagerTest, TheThreeRequestsAreTheseInThisOrder) {

@@ -69,6 +69,15 @@ TEST_F(DictationHistoryTest, LoadingTakesTheStoredListAndItsFirstText) {
   EXPECT_EQ(loaded.lastTranscript(), u"newer"_s);
 }
 
+TEST_F(DictationHistoryTest, ADictationBeforeTheLoadingKeepsWhatIsStored) {
+  history.recordDictation(u"older"_s);
+  DictationHistory unloaded(clock, storage.settings);
+  unloaded.recordDictation(u"newer"_s);
+  ASSERT_EQ(stored().size(), 2);
+  EXPECT_EQ(stored().back().text, u"older"_s);
+  EXPECT_EQ(unloaded.recentDictations(), stored());
+}
+
 TEST_F(DictationHistoryTest, DataThatDoesNotDecodeIsIgnored) {
   storage.settings.set(keys::recentDictations, QByteArray("[{\"id\":1}]"));
   history.load();

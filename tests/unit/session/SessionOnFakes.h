@@ -57,6 +57,7 @@ class SessionOnFakes {
   void startUp() {
     tokens =
         std::make_unique<SecureTokenStore>(std::vector<SecretBackend*>{&secrets}, storage.debugLog);
+    if (isTokenExpected) tokens->expect(u"authToken"_s);
     auth = std::make_unique<AuthManager>(
         AuthManager::Neighbours{.mainThread = m_mainThread,
                                 .clock = m_clock,
@@ -133,6 +134,7 @@ class SessionOnFakes {
   /// Apart from the session's, so that signing out drops no event that a test asks for.
   TelemetryOnFakes accountTelemetry{m_mainThread, m_clock, storage};
   FakeSecretBackend secrets;
+  bool isTokenExpected = false;  ///< the keyring hasn't answered when the session starts
   FakeSystemPermissions system;
   FakeHttpSession http{m_mainThread, m_clock};
   FakeHttpSession hedgeHttp{m_mainThread, m_clock};
