@@ -1,7 +1,7 @@
 // A store for secrets, such as the desktop's keyring: items found by service and account.
 //
-// Any thread, synchronous. On a keyring that doesn't answer, a call takes no longer than 200 ms, and
-// several in a row no longer than one; it is Failed then.
+// Any thread, synchronous. On a keyring that doesn't answer, a call takes no longer than 200 ms,
+// and several in a row no longer than one; it is Failed then.
 #pragma once
 
 #include <QByteArray>
