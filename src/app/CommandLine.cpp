@@ -14,22 +14,27 @@ const QString usage =
     u"Usage: vemo [COMMAND]\n"
     u"Without a command, Vemo starts and stays in the background.\n\n"
     u"Commands for the running Vemo:\n"
-    u"  toggle   start or stop a dictation\n"
-    u"  start    start a dictation\n"
-    u"  stop     end the dictation and paste its text\n"
-    u"  status   say how the dictation stands\n"
-    u"  quit     end Vemo\n"
-    u"  sign-in  open the page on which you sign in\n"
-    u"  sign-out forget the account on this machine\n\n"
+    u"  toggle          start or stop a dictation\n"
+    u"  start           start a dictation\n"
+    u"  stop            end the dictation and paste its text\n"
+    u"  status          say how the dictation stands\n"
+    u"  quit            end Vemo\n"
+    u"  sign-in         open the page on which you sign in\n"
+    u"  cancel-sign-in  wait for that page no longer\n"
+    u"  sign-out        forget the account on this machine\n\n"
     u"Options:\n"
     u"  --help     show this text\n"
     u"  --version  show the version\n"_s;
 
 /// What is typed, and the operation of RemoteControl that it means.
-const std::map<QString, QString> remoteCommands{
-    {u"toggle"_s, u"toggle"_s},   {u"start"_s, u"start"_s}, {u"stop"_s, u"stop"_s},
-    {u"status"_s, u"status"_s},   {u"quit"_s, u"quit"_s},   {u"sign-in"_s, u"signIn"_s},
-    {u"sign-out"_s, u"signOut"_s}};
+const std::map<QString, QString> remoteCommands{{u"toggle"_s, u"toggle"_s},
+                                                {u"start"_s, u"start"_s},
+                                                {u"stop"_s, u"stop"_s},
+                                                {u"status"_s, u"status"_s},
+                                                {u"quit"_s, u"quit"_s},
+                                                {u"sign-in"_s, u"signIn"_s},
+                                                {u"cancel-sign-in"_s, u"cancelSignIn"_s},
+                                                {u"sign-out"_s, u"signOut"_s}};
 
 }  // namespace
 

@@ -21,6 +21,8 @@ class RemoteControl {
 
   /// Opens the page on which the user signs in. The line says how the account stands.
   virtual QString signIn() = 0;
+  /// Ends the wait for a sign-in page, which can't be seen to have been closed.
+  virtual QString cancelSignIn() = 0;
   virtual QString signOut() = 0;
   /// An address that the desktop opens with this program.
   virtual void open(const QString& address) = 0;

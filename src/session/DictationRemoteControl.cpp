@@ -41,6 +41,11 @@ QString DictationRemoteControl::signIn() {
   return u"The sign-in page is on its way to your browser."_s;
 }
 
+QString DictationRemoteControl::cancelSignIn() {
+  m_appState.cancelSignIn();
+  return status();
+}
+
 QString DictationRemoteControl::signOut() {
   m_appState.clearLocalUserData();
   return status();

@@ -29,6 +29,7 @@ class DictationRemoteControl : public RemoteControl {
   QString status() const override;
   void quit() override;
   QString signIn() override;
+  QString cancelSignIn() override;
   QString signOut() override;
   void open(const QString& address) override;
 

@@ -31,6 +31,7 @@ class BusRemoteControl::Adaptor : public QObject {
   QString status() { return m_control.status(); }
   void quit() { m_control.quit(); }
   QString signIn() { return m_control.signIn(); }
+  QString cancelSignIn() { return m_control.cancelSignIn(); }
   QString signOut() { return m_control.signOut(); }
   void open(const QString& address) { m_control.open(address); }
 

@@ -27,6 +27,7 @@ class RecordingRemoteControl : public RemoteControl {
   QString status() const override { return u"idle: Sign in to connect"_s; }
   void quit() override { note("quit"); }
   QString signIn() override { return note("signIn"); }
+  QString cancelSignIn() override { return note("cancelSignIn"); }
   QString signOut() override { return note("signOut"); }
   void open(const QString& address) override { note(("open " + address.toUtf8()).constData()); }
 
@@ -74,10 +75,11 @@ TEST_F(BusRemoteControlTest, CommandsReachTheProgramAndBringItsAnswerBack) {
   EXPECT_EQ(send(u"status"_s), u"idle: Sign in to connect"_s);
   EXPECT_EQ(send(u"quit"_s), QString());
   EXPECT_EQ(send(u"signIn"_s), u"signIn done"_s);
+  EXPECT_EQ(send(u"cancelSignIn"_s), u"cancelSignIn done"_s);
   EXPECT_EQ(send(u"signOut"_s), u"signOut done"_s);
   EXPECT_EQ(send(u"open"_s, {u"vemo://a?b=c"_s}), QString());
-  EXPECT_THAT(control.calls, ElementsAre("toggle", "start", "stop", "quit", "signIn", "signOut",
-                                         "open vemo://a?b=c"));
+  EXPECT_THAT(control.calls, ElementsAre("toggle", "start", "stop", "quit", "signIn",
+                                         "cancelSignIn", "signOut", "open vemo://a?b=c"));
 }
 
 TEST_F(BusRemoteControlTest, ACommandThatDoesNotExistIsAnErrorAndNoCall) {

@@ -24,6 +24,8 @@ TEST(CommandLineTest, EachRemoteCommandIsTakenAsItStands) {
 TEST(CommandLineTest, WordsWithAHyphenAreOneOperation) {
   EXPECT_EQ(std::get<RemoteCommand>(*parseCommandLine({u"sign-in"_s})).name, u"signIn"_s);
   EXPECT_EQ(std::get<RemoteCommand>(*parseCommandLine({u"sign-out"_s})).name, u"signOut"_s);
+  EXPECT_EQ(std::get<RemoteCommand>(*parseCommandLine({u"cancel-sign-in"_s})).name,
+            u"cancelSignIn"_s);
 }
 
 TEST(CommandLineTest, AnAddressIsOpened) {
