@@ -78,7 +78,8 @@ TEST_F(ConfigurationTest, EveryKeyOfAccountsIsTaken) {
       "[server]\nbehind-proxy = yes\n[accounts]\nenabled = yes\n"
       "database = postgresql://vemo@db/vemo\nclient-identifiers = one.two, three\n"
       "issuers = https://issuer other\njwks-address = https://issuer/keys\n"
-      "sign-ins-a-minute = 3\nbeta-updates = yes\n");
+      "sign-ins-a-minute = 3\nbeta-updates = yes\n"
+      "[telemetry]\nenabled = no\nkept-days = 7\n");
   ASSERT_TRUE(configuration) << configuration.error();
   const auto& accounts = configuration->accounts;
   EXPECT_TRUE(configuration->behindProxy);
@@ -90,6 +91,8 @@ TEST_F(ConfigurationTest, EveryKeyOfAccountsIsTaken) {
   EXPECT_EQ(accounts.jwksAddress, "https://issuer/keys");
   EXPECT_EQ(accounts.signInsAMinute, 3);
   EXPECT_TRUE(accounts.betaUpdates);
+  EXPECT_FALSE(configuration->telemetry.enabled);
+  EXPECT_EQ(configuration->telemetry.keptDays, 7);
 }
 
 TEST_F(ConfigurationTest, AccountsAreOffAndWouldLiveInAFileOfTheDataFolder) {

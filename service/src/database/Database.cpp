@@ -1,10 +1,8 @@
 #include "database/Database.h"
 
-#include <fcntl.h>
 #include <soci/postgresql/soci-postgresql.h>
 #include <soci/sqlite3/soci-sqlite3.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <boost/url.hpp>
 #include <cerrno>
@@ -14,20 +12,22 @@ namespace vemo::service {
 
 namespace {
 
-/// Nobody else's reach from the first byte on; the files beside it inherit the mode.
+/// Nobody else's reach from the first byte on; the files beside it inherit the mode. The file is
+/// not opened for this: to close it would drop the locks that other connections of this process
+/// hold on it, and a program that comes and goes would take their write-ahead log away.
 void makePrivateFile(const std::filesystem::path& path) {
   std::error_code error;
   if (std::filesystem::create_directories(path.parent_path(), error))
     std::filesystem::permissions(path.parent_path(), std::filesystem::perms::owner_all, error);
-  const int file = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0600);
-  if (file < 0) throw soci::soci_error(path.string() + ": " + std::strerror(errno));
+  const auto fail = [&path](const std::string& reason) {
+    throw soci::soci_error(path.string() + ": " + reason);
+  };
+  if (::mknod(path.c_str(), S_IFREG | S_IRUSR | S_IWUSR, 0) != 0 && errno != EEXIST)
+    fail(std::strerror(errno));
   struct stat status = {};
-  const bool known = ::fstat(file, &status) == 0;
-  ::close(file);
-  if (!known || !S_ISREG(status.st_mode))
-    throw soci::soci_error(path.string() + ": is not a regular file");
-  if ((status.st_mode & (S_IRWXG | S_IRWXO)) != 0)
-    throw soci::soci_error(path.string() + ": others may read it; run chmod 600 on it");
+  if (::stat(path.c_str(), &status) != 0) fail(std::strerror(errno));
+  if (!S_ISREG(status.st_mode)) fail("is not a regular file");
+  if ((status.st_mode & (S_IRWXG | S_IRWXO)) != 0) fail("others may read it; run chmod 600 on it");
 }
 
 /// Adds what an operator leaves open: how soon a server that doesn't answer counts as gone.

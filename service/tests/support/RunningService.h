@@ -23,6 +23,7 @@ class RunningService {
     RecognitionQueue::Size queue{.workers = 1, .waiting = 8};
     EngineKind::Output output = EngineKind::Output::BareWords;
     AccountSettings accounts = {};
+    TelemetrySettings telemetry = {};
     bool behindProxy = false;
     std::filesystem::path tokensFile = {};  ///< of its own when empty
     std::vector<TrustedProvider> providers = {};
@@ -34,6 +35,7 @@ class RunningService {
   RunningService(const EngineKind& engine, const Settings& settings)
       : m_configuration{.behindProxy = settings.behindProxy,
                         .accounts = settings.accounts,
+                        .telemetry = settings.telemetry,
                         .limits = settings.limits},
         m_engine(engine),
         m_tokensFile(settings.tokensFile.empty() ? m_folder.path() / "tokens"
