@@ -82,6 +82,7 @@ std::span<const Window::State> Window::table() {
        [](Window& w) {
          w.m_model->selectTab(u"dictionary"_s);
          w.accountHttp.neverAnswer(u"/dictionary"_s);
+         w.accountHttp.neverAnswer(u"/dictionary"_s);
          w.m_model->windowShown();
        }},
       {u"dictionary-full", [](Window& w) { w.fillDictionary(6); },
@@ -158,6 +159,8 @@ void Window::start() {
   configuration.googleAuthorizationEndpoint = QUrl(u"https://accounts.example/auth"_s);
   configuration.googleTokenEndpoint = QUrl(u"https://accounts.example/token"_s);
   accountHttp.answerAlways(u"/dictionary"_s, 500);
+  accountHttp.answerAlways(u"/dictionary/1"_s, 204);
+  accountHttp.answerAlways(u"/dictionary/2"_s, 204);
   startUp();
   m_dictionary.emplace(mainThread, storage.settings, *auth);
   m_shortcuts.emplace(storage.settings, *auth);

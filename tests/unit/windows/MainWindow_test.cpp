@@ -20,13 +20,16 @@ using testing::Not;
 constexpr QSize standardSize{860, 620};
 constexpr QSize smallestSize{640, 480};
 
-std::unique_ptr<ShownWindow> show(MainWindowModel& model, QSize size = standardSize) {
-  return std::make_unique<ShownWindow>(u"main/MainWindow.qml"_s, model, size);
+std::unique_ptr<ShownWindow> show(MainWindowOnFakes& offline, QSize size = standardSize) {
+  auto window = std::make_unique<ShownWindow>(u"main/MainWindow.qml"_s, offline.model(), size);
+  offline.pass({});
+  window->draw();
+  return window;
 }
 
 QStringList textsOf(const QString& state) {
   MainWindowOnFakes offline(state);
-  return show(offline.model())->texts();
+  return show(offline)->texts();
 }
 
 class MainWindowStateTest : public testing::TestWithParam<QString> {};
@@ -34,7 +37,7 @@ class MainWindowStateTest : public testing::TestWithParam<QString> {};
 TEST_P(MainWindowStateTest, IsDrawnWithoutAComplaint) {
   MainWindowOnFakes offline(GetParam());
   for (const QSize size : {standardSize, smallestSize}) {
-    const auto window = show(offline.model(), size);
+    const auto window = show(offline, size);
     const QImage image = window->draw();
     EXPECT_EQ(image.size(), size);
     EXPECT_THAT(window->complaints(), IsEmpty());

@@ -34,6 +34,8 @@ void makeApplication() {
 
 void ShownWindow::note(QtMsgType type, const QMessageLogContext&, const QString& message) {
   if (type == QtDebugMsg || type == QtInfoMsg) return;
+  // Not every machine has a font for each of the languages.
+  if (message.contains(u"OpenType support missing"_s)) return;
   s_complaints.append(message);
 }
 
@@ -47,14 +49,29 @@ ShownWindow::ShownWindow(const QString& file, QObject& model, QSize size)
   m_view->resize(size);
   m_view->engine()->addImageProvider(u"symbols"_s,
                                      new SymbolImages(QStringLiteral(VEMO_SYMBOLS_IN_SOURCE)));
+  standStill();
   m_view->setInitialProperties({{u"model"_s, QVariant::fromValue(&model)}});
   m_view->setSource(QUrl::fromLocalFile(QStringLiteral(VEMO_QML_IN_SOURCE) + u'/' + file));
   m_view->show();
   draw();
 }
 
+/// So that what is drawn doesn't depend on when.
+void ShownWindow::standStill() {
+  QQmlComponent look(m_view->engine());
+  look.setData(R"(import QtQuick; import "common"
+                  QtObject { Component.onCompleted: Theme.reducedMotion = true })",
+               QUrl::fromLocalFile(QStringLiteral(VEMO_QML_IN_SOURCE) + u"/look"_s));
+  delete look.create();
+}
+
 ShownWindow::~ShownWindow() {
   qInstallMessageHandler(m_handlerBefore);
+}
+
+void ShownWindow::activate() {
+  m_view->requestActivate();
+  draw();
 }
 
 QImage ShownWindow::draw() {

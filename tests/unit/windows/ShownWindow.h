@@ -10,6 +10,12 @@
 #include <QQuickView>
 #include <QStringList>
 #include <memory>
+#include <ostream>
+
+/// What a failing test shows of a text.
+inline void PrintTo(const QString& text, std::ostream* stream) {
+  *stream << text.toStdString();
+}
 
 namespace vemo {
 
@@ -23,6 +29,9 @@ class ShownWindow {
   QQuickWindow& window() { return *m_view; }
   QQmlEngine& engine() { return *m_view->engine(); }
 
+  /// Gives it the keyboard.
+  void activate();
+
   /// Lets everything that waits in Qt's queue happen, and draws.
   QImage draw();
 
@@ -33,6 +42,7 @@ class ShownWindow {
   const QStringList& complaints() const { return s_complaints; }
 
  private:
+  void standStill();
   static void note(QtMsgType type, const QMessageLogContext& context, const QString& message);
 
   static inline QStringList s_complaints;

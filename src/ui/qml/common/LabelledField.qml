@@ -41,7 +41,6 @@ Column {
         selectByMouse: true
         font.pixelSize: Theme.fontBody
         Accessible.name: labelled.label
-        Accessible.passwordEdit: labelled.isSecure
         onTextEdited: labelled.edited(text)
         onAccepted: labelled.accepted()
 

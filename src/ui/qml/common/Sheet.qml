@@ -21,7 +21,7 @@ Popup {
     closePolicy: Popup.CloseOnEscape
     visible: isShown
     onClosed: if (isShown) dismissed()
-    onAboutToShow: body.nextItemInFocusChain().forceActiveFocus(Qt.PopupFocusReason)
+    onOpened: body.nextItemInFocusChain().forceActiveFocus(Qt.PopupFocusReason)
 
     background: Rectangle {
         radius: Theme.radius + Theme.spaceTiny

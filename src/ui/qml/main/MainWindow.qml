@@ -11,6 +11,9 @@ Rectangle {
     LayoutMirroring.enabled: Qt.application.layoutDirection === Qt.RightToLeft
     LayoutMirroring.childrenInherit: true
 
+    Component.onCompleted: model.windowShown()
+    Component.onDestruction: model.windowHidden()
+
     Loader {
         anchors.fill: parent
         focus: true

@@ -13,24 +13,29 @@ ItemDelegate {
     required property string written
     property bool isFirst: false
     property bool isLast: false
-    property bool isCurrent: false
-    property bool hasFocus: false
+    property bool isTabStop: false
     signal editing
     signal deleting
+    signal walking(int to)
 
     height: 52
     padding: 0
     hoverEnabled: true
-    focusPolicy: Qt.NoFocus
+    focusPolicy: isTabStop || activeFocus ? Qt.StrongFocus : Qt.NoFocus
     Accessible.role: Accessible.ListItem
     Accessible.name: qsTr("%1, written as %2").arg(spoken).arg(written)
+    Keys.onReturnPressed: editing()
+    Keys.onEnterPressed: editing()
+    Keys.onDeletePressed: deleting()
+    Keys.onDownPressed: walking(index + 1)
+    Keys.onUpPressed: walking(index - 1)
     onClicked: editing()
 
     background: RowBackground {
         isFirst: row.isFirst
         isLast: row.isLast
-        isLit: row.hovered || row.hasFocus
-        hasRing: row.hasFocus
+        isLit: row.hovered || row.activeFocus
+        hasRing: row.visualFocus
     }
     contentItem: RowLayout {
         spacing: Theme.spaceSmall
@@ -65,14 +70,14 @@ ItemDelegate {
             Layout.rightMargin: -Theme.spaceTiny
             symbol: "pencil"
             text: qsTr("Edit %1").arg(row.spoken)
-            focusPolicy: row.isCurrent ? Qt.StrongFocus : Qt.NoFocus
+            focusPolicy: row.isTabStop || activeFocus ? Qt.StrongFocus : Qt.NoFocus
             onClicked: row.editing()
         }
         SymbolButton {
             Layout.rightMargin: Theme.spaceSmall
             symbol: "trash"
             text: qsTr("Delete %1").arg(row.spoken)
-            focusPolicy: row.isCurrent ? Qt.StrongFocus : Qt.NoFocus
+            focusPolicy: row.isTabStop || activeFocus ? Qt.StrongFocus : Qt.NoFocus
             onClicked: row.deleting()
         }
     }

@@ -1,7 +1,7 @@
 // A list of "say this, write that" rows, of whatever length, with what it is for above it.
 //
-// The list is one stop of the Tab key: the arrow keys walk through it, Enter changes a row, Delete
-// deletes it, and Tab goes on to the buttons of the row.
+// However many rows there are, one of them is a stop of the Tab key: the arrow keys walk from it to the
+// others, Enter changes a row, Delete deletes it, and Tab goes on to its buttons.
 import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Layouts
@@ -32,8 +32,7 @@ ListView {
     clip: true
     reuseItems: true
     cacheBuffer: 400
-    activeFocusOnTab: count > 0
-    keyNavigationEnabled: true
+    keyNavigationEnabled: false
     highlightMoveDuration: 0
     Accessible.role: Accessible.List
     Accessible.name: title
@@ -42,10 +41,21 @@ ListView {
 
     onContentYChanged: isAtTop = contentY <= originY + 1
     onOriginYChanged: if (isAtTop) contentY = originY
-    onActiveFocusChanged: if (activeFocus && currentIndex < 0 && count > 0) currentIndex = 0
-    Keys.onReturnPressed: if (currentItem) phrases.edit(currentItem.entryId)
-    Keys.onEnterPressed: if (currentItem) phrases.edit(currentItem.entryId)
-    Keys.onDeletePressed: if (currentItem) phrases.remove(currentItem.entryId)
+
+    function walkTo(index) {
+        if (index < 0 || index >= count)
+            return
+        positionViewAtIndex(index, ListView.Contain)
+        // The keyboard goes first: what it leaves then stops being a stop of the Tab key.
+        itemAtIndex(index).forceActiveFocus(Qt.TabFocusReason)
+        currentIndex = index
+    }
+
+    function remove(row) {
+        if (row.activeFocus)
+            walkTo(row.index + 1 < count ? row.index + 1 : row.index - 1)
+        phrases.remove(row.entryId)
+    }
 
     header: Item {
         width: list.width
@@ -113,9 +123,9 @@ ListView {
         width: list.rowWidth
         isFirst: index === 0
         isLast: index === list.count - 1
-        isCurrent: ListView.isCurrentItem
-        hasFocus: ListView.isCurrentItem && list.activeFocus
+        isTabStop: index === Math.max(0, list.currentIndex)
         onEditing: list.phrases.edit(entryId)
-        onDeleting: list.phrases.remove(entryId)
+        onDeleting: list.remove(this)
+        onWalking: to => list.walkTo(to)
     }
 }

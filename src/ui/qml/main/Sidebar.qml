@@ -58,7 +58,7 @@ Rectangle {
             function focusTab(index) {
                 const item = itemAt((index + count) % count)
                 item.forceActiveFocus(Qt.TabFocusReason)
-                item.click()
+                item.clicked()
             }
         }
         Item {
