@@ -112,6 +112,21 @@ Program::Program(Foundation& foundation, Desktop& desktop,
                 .haptics = desktop.haptics,
                 .windows = desktop.windows,
                 .systemEvents = desktop.systemEvents}),
+      mainWindow({.mainThread = foundation.mainThread,
+                  .clock = foundation.clock,
+                  .settings = foundation.settings,
+                  .telemetry = telemetry,
+                  .appState = appState,
+                  .auth = auth,
+                  .permissions = permissions,
+                  .slack = slack,
+                  .dictionary = dictionary,
+                  .shortcuts = shortcuts,
+                  .configuration = configuration,
+                  .openSettings =
+                      [this] {
+                        if (openSettings) openSettings();
+                      }}),
       machineSleep(desktop.gio, foundation.mainThread,
                    [this, &desktop] {
                      if (desktop.systemEvents.onDidWake) desktop.systemEvents.onDidWake();

@@ -4,6 +4,8 @@
 // was given it.
 #pragma once
 
+#include <functional>
+
 #include "account/AuthManager.h"
 #include "account/GoogleSignIn.h"
 #include "app/Desktop.h"
@@ -34,6 +36,7 @@
 #include "telemetry/Telemetry.h"
 #include "transcription/TranscriptionClient.h"
 #include "ui/HUDWindowController.h"
+#include "ui/models/MainWindowModel.h"
 
 namespace vemo {
 
@@ -69,6 +72,8 @@ struct Program {
   TextInjector injector;
   HUDWindowController hud;
   AppState appState;
+  std::function<void()> openSettings;  ///< set by who shows the windows
+  MainWindowModel mainWindow;
   LogindSleep machineSleep;
   KeyringWatch keyringWatch;
   std::vector<Observation> observations;
