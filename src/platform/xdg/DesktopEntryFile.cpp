@@ -4,12 +4,24 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
+#include <algorithm>
 
 namespace vemo {
 
 using namespace Qt::Literals::StringLiterals;
 
+namespace {
+
+bool isPlain(const QString& argument) {
+  return std::ranges::all_of(argument, [](QChar letter) {
+    return letter.unicode() < 0x80 && (letter.isLetterOrNumber() || u"/._-+"_s.contains(letter));
+  });
+}
+
+}  // namespace
+
 QString quotedExecArgument(const QString& argument) {
+  if (isPlain(argument)) return argument;
   QString text = argument;
   // Once for the quotes of the command, and once more as any string of the file.
   for (const auto& special : {u"\\"_s, u"\""_s, u"`"_s, u"$"_s})

@@ -9,7 +9,8 @@
 
 namespace vemo {
 
-/// An argument of an Exec line, in quotes and with everything escaped that means something there.
+/// An argument of an Exec line, with everything escaped that means something there. In quotes only
+/// where it needs them: xdg-open, on its own without a desktop, takes quotes for part of the name.
 QString quotedExecArgument(const QString& argument);
 
 /// Makes the file hold `content`, with its folder; one that does already is left as it is. A reader

@@ -73,7 +73,7 @@ TEST_F(AutostartEntryTest, WritesAPercentSignSoThatItIsNoFieldCode) {
 TEST_F(AutostartEntryTest, ReplacesWhatSomebodyHasChanged) {
   write(entry(), "[Desktop Entry]\nType=Application\nName=Vemo\nExec=/gone\nHidden=true\n");
   ASSERT_TRUE(item().registerItem());
-  EXPECT_TRUE(read(entry()).contains("Exec=\"/opt/vemo\" --launched-at-login\n"));
+  EXPECT_TRUE(read(entry()).contains("Exec=/opt/vemo --launched-at-login\n"));
   EXPECT_FALSE(read(entry()).contains("Hidden"));
 }
 

@@ -167,7 +167,7 @@ TEST_F(BrowserSignInTest, AClaimIsRenewedForAnotherProgramAndKeepsOtherClaims) {
   EXPECT_TRUE(list.readAll().contains("x-scheme-handler/https=browser.desktop"));
   QFile entry(folder.filePath(u"data/applications/brelmox.Vemo.sign-in.desktop"_s));
   ASSERT_TRUE(entry.open(QIODevice::ReadOnly));
-  EXPECT_TRUE(entry.readAll().contains("Exec=\"/bin/false\" open %u\n"));
+  EXPECT_TRUE(entry.readAll().contains("Exec=/bin/false open %u\n"));
 }
 
 }  // namespace
