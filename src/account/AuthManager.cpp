@@ -53,8 +53,8 @@ void AuthManager::tokenArrived() {
   changed.notify();
 }
 
-bool AuthManager::mayDictate() const {
-  return m_isSignedIn || (m_with.tokens.isExpected(tokenAccount()) && m_email);
+bool AuthManager::isSessionUnknown() const {
+  return !m_isSignedIn && m_with.tokens.isExpected(tokenAccount());
 }
 
 /// A write that fails loses the old token, and the user signs in again.

@@ -57,9 +57,8 @@ class AuthManager {
 
   bool isSignedIn() const { return m_isSignedIn; }
 
-  /// Whether a dictation may begin: signed in, or with every sign of it as long as the token store
-  /// has no answer.
-  bool mayDictate() const;
+  /// Whether the token store has no answer yet; isSignedIn() is false until then.
+  bool isSessionUnknown() const;
 
   const std::optional<QString>& email() const { return m_email; }
   const std::optional<QString>& displayName() const { return m_displayName; }

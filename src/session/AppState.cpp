@@ -32,11 +32,15 @@ AppState::AppState(AppStateNeighbours neighbours)
   }));
 }
 
-/// Whose session shows only after the start finds the history then.
+/// Whose session shows only after the start finds the history then, and goes on recording.
 void AppState::signInMayHaveChanged() {
   const bool isSignedIn = m_with.auth.isSignedIn();
   if (isSignedIn && !m_wasSignedIn) m_history.load();
   m_wasSignedIn = isSignedIn;
+  if (m_with.auth.isSessionUnknown() || !std::exchange(m_beganWithSessionUnknown, false)) return;
+  if (isSignedIn || m_phase.kind != Phase::Kind::Recording) return;
+  cancelActiveWork();
+  refuseWithoutSignIn();
 }
 
 AppState::~AppState() {
@@ -166,7 +170,7 @@ QString AppState::statusText() const {
   if (!m_isEnabled) return u"Disabled"_s;
   if (m_with.permissions.micStatus() != MicStatus::Granted) return u"Microphone access needed"_s;
   if (!m_with.permissions.axTrusted()) return u"Accessibility access needed"_s;
-  if (!m_with.auth.mayDictate()) return u"Sign in to connect"_s;
+  if (!m_with.auth.isSignedIn() && !m_with.auth.isSessionUnknown()) return u"Sign in to connect"_s;
   return QString::fromUtf16(readyStatusText);
 }
 

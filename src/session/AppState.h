@@ -133,6 +133,7 @@ class AppState {
   // AppStateRecording.cpp
   void startRecording();
   bool passesSignInGate();
+  void refuseWithoutSignIn();
   bool passesPermissionGate();
   bool passesDebounce() const;
   void recordingStarted();
@@ -170,6 +171,7 @@ class AppState {
   Phase m_phase;
   bool m_isEnabled = true;
   bool m_wasSignedIn = false;
+  bool m_beganWithSessionUnknown = false;  ///< the last recording
   DictationHistory m_history;
   DictationSounds m_sounds;
   Generation m_generation = 0;

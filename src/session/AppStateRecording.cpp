@@ -53,11 +53,16 @@ void AppState::startRecording() {
 }
 
 bool AppState::passesSignInGate() {
-  if (m_with.auth.mayDictate()) return true;
+  m_beganWithSessionUnknown = m_with.auth.isSessionUnknown();
+  if (m_with.auth.isSignedIn() || m_beganWithSessionUnknown) return true;
+  refuseWithoutSignIn();
+  return false;
+}
+
+void AppState::refuseWithoutSignIn() {
   m_with.hud.showError(u"Please sign in to dictate"_s);
   m_with.windows.bringForward();
   m_with.debugLog(u"recording blocked — user not signed in"_s);
-  return false;
 }
 
 bool AppState::passesPermissionGate() {

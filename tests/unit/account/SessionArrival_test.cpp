@@ -80,18 +80,14 @@ TEST_F(SessionArrivalTest, ALegacyTokenWaitsForTheAnswerAndTheSecureOneWins) {
   EXPECT_FALSE(storage.settings.contains(keys::authToken));
 }
 
-TEST_F(SessionArrivalTest, UntilTheAnswerWhoWasSignedInMayDictateAndNobodyElse) {
-  EXPECT_FALSE(auth->mayDictate());
-  storage.settings.set(keys::authEmail, u"a@b.c"_s);
-  startUp();
-  EXPECT_TRUE(auth->mayDictate());
-  EXPECT_FALSE(auth->isSignedIn());
+TEST_F(SessionArrivalTest, UntilTheAnswerTheSessionIsUnknown) {
+  EXPECT_TRUE(auth->isSessionUnknown());
   keyringAnswers();
-  EXPECT_FALSE(auth->mayDictate()) << "the answer was that nobody is";
+  EXPECT_FALSE(auth->isSessionUnknown());
+  EXPECT_FALSE(auth->isSignedIn());
 }
 
 TEST_F(SessionArrivalTest, WhoSignsOutBeforeTheAnswerStaysSignedOut) {
-  storage.settings.set(keys::authEmail, u"a@b.c"_s);
   secrets.items[item] = "token";
   secrets.onFound = [this] {
     secrets.onFound = nullptr;
@@ -99,7 +95,7 @@ TEST_F(SessionArrivalTest, WhoSignsOutBeforeTheAnswerStaysSignedOut) {
   };
   keyringAnswers();
   EXPECT_FALSE(auth->isSignedIn());
-  EXPECT_FALSE(auth->mayDictate());
+  EXPECT_FALSE(auth->isSessionUnknown());
   EXPECT_EQ(secrets.items.count(item), 0);
 }
 

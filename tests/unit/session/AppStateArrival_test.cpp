@@ -5,6 +5,7 @@ namespace vemo {
 namespace {
 
 using testing::Contains;
+using testing::IsEmpty;
 using testing::SizeIs;
 
 class AppStateArrivalTest : public SessionFixture {
@@ -15,16 +16,14 @@ class AppStateArrivalTest : public SessionFixture {
     if (tokens->refresh(u"authToken"_s, {&secrets})) auth->tokenArrived();
     mainThread.drain();
   }
-
-  void wasSignedInBefore() { storage.settings.set(keys::authEmail, u"a@b.c"_s); }
 };
 
-TEST_F(AppStateArrivalTest, WhoWasSignedInDictatesAtOnceAndTheTokenThatArrivedGoesWithIt) {
-  wasSignedInBefore();
+TEST_F(AppStateArrivalTest, ADictationMayBeginAtOnceAndTheTokenThatArrivedGoesWithIt) {
   startUp();
   EXPECT_EQ(appState->statusText(), u"Ready"_s);
   startRecording();
   keyringAnswers();
+  EXPECT_EQ(appState->phase(), Phase::recording());
   http.answer(dictatePath, 200, success(u"hi"_s));
   hear(1.0);
   stopRecording();
@@ -33,20 +32,34 @@ TEST_F(AppStateArrivalTest, WhoWasSignedInDictatesAtOnceAndTheTokenThatArrivedGo
               Contains(std::pair<QByteArray, QByteArray>("Authorization", "Bearer token")));
 }
 
-TEST_F(AppStateArrivalTest, WhoWasNeverSignedInIsAskedToSignIn) {
+TEST_F(AppStateArrivalTest, ARecordingOfNobodyEndsWithTheAnswerAndAsksToSignIn) {
+  secrets.remove(u"brelmox.Vemo"_s, u"authToken"_s);
   startUp();
-  EXPECT_EQ(appState->statusText(), u"Sign in to connect"_s);
-  appState->handleToggleTrigger();
+  startRecording();
+  hud.takeCalls();
+  keyringAnswers();
   EXPECT_EQ(appState->phase(), Phase::idle());
+  EXPECT_FALSE(recorder.isRecording());
+  EXPECT_EQ(appState->statusText(), u"Sign in to connect"_s);
   EXPECT_TRUE(storage.hasLogged(u"recording blocked — user not signed in"_s));
+  EXPECT_THAT(http.requests(), IsEmpty());
+}
+
+TEST_F(AppStateArrivalTest, ASignOutInALaterRecordingLetsItGoOn) {
+  startUp();
+  keyringAnswers();
+  startRecording();
+  auth->signOut();
+  EXPECT_EQ(appState->phase(), Phase::recording());
 }
 
 TEST_F(AppStateArrivalTest, WhoseKeyringIsLockedIsAskedToSignInUntilItIsUnlocked) {
-  wasSignedInBefore();
   secrets.findFailure = SecretError::Failed;
   startUp();
   keyringAnswers();
   EXPECT_EQ(appState->statusText(), u"Sign in to connect"_s);
+  appState->handleToggleTrigger();
+  EXPECT_EQ(appState->phase(), Phase::idle());
   secrets.findFailure.reset();
   keyringAnswers();
   EXPECT_EQ(appState->statusText(), u"Ready"_s);
