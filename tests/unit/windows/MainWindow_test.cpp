@@ -20,8 +20,10 @@ using testing::Not;
 constexpr QSize standardSize{860, 620};
 constexpr QSize smallestSize{640, 480};
 
-std::unique_ptr<ShownWindow> show(MainWindowOnFakes& offline, QSize size = standardSize) {
-  auto window = std::make_unique<ShownWindow>(u"main/MainWindow.qml"_s, offline.model(), size);
+std::unique_ptr<ShownWindow> show(MainWindowOnFakes& offline, QSize size = standardSize,
+                                  Brightness brightness = Brightness::Light) {
+  auto window =
+      std::make_unique<ShownWindow>(u"main/MainWindow.qml"_s, offline.model(), size, brightness);
   offline.pass({});
   window->draw();
   return window;
@@ -35,14 +37,21 @@ QStringList textsOf(const QString& state) {
 class MainWindowStateTest : public testing::TestWithParam<QString> {};
 
 TEST_P(MainWindowStateTest, IsDrawnWithoutAComplaint) {
-  MainWindowOnFakes offline(GetParam());
-  for (const QSize size : {standardSize, smallestSize}) {
-    const auto window = show(offline, size);
+  struct Sight {
+    QString name;
+    QSize size;
+    Brightness brightness;
+  };
+  for (const auto& [name, size, brightness] :
+       {Sight{u"light"_s, standardSize, Brightness::Light},
+        Sight{u"dark-and-small"_s, smallestSize, Brightness::Dark}}) {
+    MainWindowOnFakes offline(GetParam());
+    const auto window = show(offline, size, brightness);
     const QImage image = window->draw();
     EXPECT_EQ(image.size(), size);
     EXPECT_THAT(window->complaints(), IsEmpty());
     if (const QString folder = qEnvironmentVariable("VEMO_SCREENSHOTS"); !folder.isEmpty())
-      image.save(QDir(folder).filePath(u"%1-%2.png"_s.arg(GetParam()).arg(size.width())));
+      image.save(QDir(folder).filePath(u"%1-%2.png"_s.arg(GetParam(), name)));
   }
 }
 
@@ -61,6 +70,23 @@ TEST(MainWindowTest, TheSignInCardSaysWhatItOffers) {
 TEST(MainWindowTest, TheSidebarHasTheTabsAndTheSettings) {
   EXPECT_THAT(textsOf(u"home-empty"_s), IsSupersetOf({u"Home"_s, u"Stats"_s, u"Dictionary"_s,
                                                       u"Shortcuts"_s, u"Settings"_s}));
+}
+
+TEST(MainWindowTest, WhereTextRunsFromRightToLeftEverythingIsTurnedAround) {
+  for (const auto& state : MainWindowOnFakes::states()) {
+    MainWindowOnFakes offline(state);
+    QGuiApplication::setLayoutDirection(Qt::RightToLeft);
+    const auto window = show(offline, smallestSize);
+    const QImage image = window->draw();
+    QGuiApplication::setLayoutDirection(Qt::LeftToRight);
+    EXPECT_THAT(window->complaints(), IsEmpty()) << state.toStdString();
+    if (const QString folder = qEnvironmentVariable("VEMO_SCREENSHOTS"); !folder.isEmpty())
+      image.save(QDir(folder).filePath(state + u"-right-to-left.png"_s));
+    if (!offline.model().isSignedIn() || offline.model().hasOpenSheet()) continue;
+    EXPECT_NE(image.pixelColor(smallestSize.width() - 4, 4), image.pixelColor(4, 4));
+    EXPECT_EQ(image.pixelColor(smallestSize.width() - 4, 4), QColor(u"#ecedea"_s))
+        << "the sidebar is on the right";
+  }
 }
 
 TEST(MainWindowTest, HomeSaysWhatVemoDoesAndHowToBegin) {

@@ -39,7 +39,7 @@ void ShownWindow::note(QtMsgType type, const QMessageLogContext&, const QString&
   s_complaints.append(message);
 }
 
-ShownWindow::ShownWindow(const QString& file, QObject& model, QSize size)
+ShownWindow::ShownWindow(const QString& file, QObject& model, QSize size, Brightness brightness)
     : m_handlerBefore(qInstallMessageHandler(&note)) {
   makeApplication();
   s_complaints.clear();
@@ -49,20 +49,23 @@ ShownWindow::ShownWindow(const QString& file, QObject& model, QSize size)
   m_view->resize(size);
   m_view->engine()->addImageProvider(u"symbols"_s,
                                      new SymbolImages(QStringLiteral(VEMO_SYMBOLS_IN_SOURCE)));
-  standStill();
+  setLook(brightness);
   m_view->setInitialProperties({{u"model"_s, QVariant::fromValue(&model)}});
   m_view->setSource(QUrl::fromLocalFile(QStringLiteral(VEMO_QML_IN_SOURCE) + u'/' + file));
   m_view->show();
   draw();
 }
 
-/// So that what is drawn doesn't depend on when.
-void ShownWindow::standStill() {
+/// Without motion, so that what is drawn doesn't depend on when.
+void ShownWindow::setLook(Brightness brightness) {
   QQmlComponent look(m_view->engine());
   look.setData(R"(import QtQuick; import "common"
-                  QtObject { Component.onCompleted: Theme.reducedMotion = true })",
+                  QtObject {
+                    property bool isDark
+                    Component.onCompleted: { Theme.reducedMotion = true; Theme.isDark = isDark }
+                  })",
                QUrl::fromLocalFile(QStringLiteral(VEMO_QML_IN_SOURCE) + u"/look"_s));
-  delete look.create();
+  delete look.createWithInitialProperties({{u"isDark"_s, brightness == Brightness::Dark}});
 }
 
 ShownWindow::~ShownWindow() {

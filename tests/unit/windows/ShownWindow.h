@@ -19,10 +19,13 @@ inline void PrintTo(const QString& text, std::ostream* stream) {
 
 namespace vemo {
 
+enum class Brightness { Light, Dark };
+
 class ShownWindow {
  public:
   /// Makes Qt's application if there is none yet. `file` is relative to the folder of the QML.
-  ShownWindow(const QString& file, QObject& model, QSize size);
+  ShownWindow(const QString& file, QObject& model, QSize size,
+              Brightness brightness = Brightness::Light);
   ~ShownWindow();
 
   QQuickItem& root() { return *m_view->rootObject(); }
@@ -42,7 +45,7 @@ class ShownWindow {
   const QStringList& complaints() const { return s_complaints; }
 
  private:
-  void standStill();
+  void setLook(Brightness brightness);
   static void note(QtMsgType type, const QMessageLogContext& context, const QString& message);
 
   static inline QStringList s_complaints;

@@ -19,6 +19,7 @@ Card {
             Text {
                 Layout.fillWidth: true
                 text: qsTr("Talk, don't type")
+                horizontalAlignment: Text.AlignLeft
                 color: Theme.text
                 font.pixelSize: Theme.fontHeading
                 font.weight: Font.Bold
@@ -29,6 +30,7 @@ Card {
             Text {
                 Layout.fillWidth: true
                 text: qsTr("Use your voice in any app, instantly")
+                horizontalAlignment: Text.AlignLeft
                 color: Theme.secondaryText
                 font.pixelSize: Theme.fontBody
                 wrapMode: Text.Wrap
@@ -40,18 +42,16 @@ Card {
             Layout.fillWidth: true
             columns: card.width < 520 ? 1 : 2
             columnSpacing: Theme.spaceLarge
-            rowSpacing: Theme.spaceSmall
+            rowSpacing: Theme.spaceMedium
 
             Feature {
                 Layout.fillWidth: true
-                Layout.preferredWidth: 1
                 symbol: "text.badge.checkmark"
                 title: qsTr("Smart formatting")
                 text: qsTr("Punctuation and structure by AI")
             }
             Feature {
                 Layout.fillWidth: true
-                Layout.preferredWidth: 1
                 symbol: "lock.fill"
                 title: qsTr("Your data, completely secure")
             }

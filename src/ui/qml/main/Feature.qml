@@ -29,11 +29,13 @@ RowLayout {
     }
     ColumnLayout {
         Layout.fillWidth: true
+        Layout.alignment: Qt.AlignVCenter
         spacing: 0
 
         Text {
             Layout.fillWidth: true
             text: feature.title
+            horizontalAlignment: Text.AlignLeft
             color: Theme.text
             font.pixelSize: Theme.fontBody
             font.weight: Font.DemiBold
@@ -43,6 +45,7 @@ RowLayout {
             Layout.fillWidth: true
             visible: text.length > 0
             text: feature.text
+            horizontalAlignment: Text.AlignLeft
             color: Theme.secondaryText
             font.pixelSize: Theme.fontSmall
             wrapMode: Text.Wrap

@@ -17,6 +17,7 @@ TabPage {
         Text {
             Layout.fillWidth: true
             text: tab.model.home.keysLine
+            horizontalAlignment: Text.AlignLeft
             color: Theme.text
             font.pixelSize: Theme.fontTitle
             font.weight: Font.DemiBold

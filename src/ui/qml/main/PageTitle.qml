@@ -3,6 +3,7 @@ import QtQuick
 import "../common"
 
 Text {
+    horizontalAlignment: Text.AlignLeft
     color: Theme.text
     font.pixelSize: Theme.fontHeading
     font.weight: Font.Bold

@@ -21,6 +21,7 @@ Card {
         Text {
             Layout.fillWidth: true
             text: explainer.answer
+            horizontalAlignment: Text.AlignLeft
             color: Theme.secondaryText
             font.pixelSize: Theme.fontBody
             lineHeight: 1.3

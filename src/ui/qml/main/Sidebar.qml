@@ -29,6 +29,7 @@ Rectangle {
             Text {
                 Layout.fillWidth: true
                 text: "Vemo"
+                horizontalAlignment: Text.AlignLeft
                 color: Theme.text
                 font.pixelSize: Theme.fontTitle
                 font.weight: Font.DemiBold

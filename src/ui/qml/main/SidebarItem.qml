@@ -36,6 +36,7 @@ AbstractButton {
         Text {
             Layout.fillWidth: true
             text: item.text
+            horizontalAlignment: Text.AlignLeft
             color: Theme.text
             font.pixelSize: Theme.fontBody
             font.weight: item.isSelected ? Font.DemiBold : Font.Normal

@@ -36,6 +36,7 @@ Item {
 
                             width: parent.width
                             text: modelData
+                            horizontalAlignment: Text.AlignLeft
                             color: Theme.text
                             font.pixelSize: Theme.fontHero
                             font.weight: Font.Bold

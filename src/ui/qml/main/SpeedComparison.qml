@@ -44,6 +44,7 @@ Card {
                     Text {
                         Layout.fillWidth: true
                         text: row.modelData.label
+                        horizontalAlignment: Text.AlignLeft
                         color: Theme.text
                         font.pixelSize: Theme.fontBody
                     }
@@ -73,6 +74,7 @@ Card {
         Text {
             Layout.fillWidth: true
             text: qsTr("Speaking is 3x to 4x faster than keyboard typing. Vemo formats punctuation, spelling, and structure automatically so you can capture thoughts at the speed of speech.")
+            horizontalAlignment: Text.AlignLeft
             color: Theme.secondaryText
             font.pixelSize: Theme.fontSmall
             lineHeight: 1.3

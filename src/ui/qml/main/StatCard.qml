@@ -26,6 +26,7 @@ Card {
         Text {
             width: parent.width
             text: card.title
+            horizontalAlignment: Text.AlignLeft
             color: Theme.secondaryText
             font.pixelSize: Theme.fontSmall
             font.weight: Font.DemiBold
@@ -51,6 +52,7 @@ Card {
             }
         }
         Row {
+            anchors.left: parent.left
             visible: card.badge.length > 0
             spacing: Theme.spaceTiny
 
@@ -72,6 +74,7 @@ Card {
             width: parent.width
             visible: text.length > 0
             text: card.detail
+            horizontalAlignment: Text.AlignLeft
             color: Theme.secondaryText
             font.pixelSize: Theme.fontSmall
             lineHeight: 1.25
