@@ -31,6 +31,7 @@ class MainWindowKeyboardTest : public testing::Test {
     window =
         std::make_unique<ShownWindow>(u"main/MainWindow.qml"_s, offline->model(), QSize(860, 620));
     window->activate();
+    offline->model().windowShown();
     offline->pass({});
     window->draw();
   }
@@ -86,6 +87,27 @@ TEST_F(MainWindowKeyboardTest, EveryStopOfTheTabKeyHasAName) {
     const auto stops = tabStops();
     EXPECT_FALSE(stops.isEmpty()) << state.toStdString();
     EXPECT_THAT(stops, Not(Contains(QString()))) << state.toStdString();
+  }
+}
+
+TEST_F(MainWindowKeyboardTest, WhatCanHaveTheKeyboardHasANameARoleAndSomethingToDo) {
+  for (const auto& state : MainWindowOnFakes::states()) {
+    show(state);
+    int found = 0;
+    for (auto* item : window->window().contentItem()->findChildren<QQuickItem*>()) {
+      auto* accessible = QAccessible::queryAccessibleInterface(item);
+      if (!item->isVisible() || !item->activeFocusOnTab()) continue;
+      ASSERT_TRUE(accessible);
+      ++found;
+      const auto about = state.toStdString() + ": " + item->metaObject()->className();
+      EXPECT_FALSE(accessible->text(QAccessible::Name).isEmpty()) << about;
+      EXPECT_NE(accessible->role(), QAccessible::NoRole) << about;
+      EXPECT_NE(accessible->role(), QAccessible::Client) << about;
+      EXPECT_TRUE(accessible->actionInterface() || accessible->valueInterface() ||
+                  accessible->textInterface())
+          << about;
+    }
+    EXPECT_GT(found, 0) << state.toStdString();
   }
 }
 

@@ -24,6 +24,7 @@ std::unique_ptr<ShownWindow> show(MainWindowOnFakes& offline, QSize size = stand
                                   Brightness brightness = Brightness::Light) {
   auto window =
       std::make_unique<ShownWindow>(u"main/MainWindow.qml"_s, offline.model(), size, brightness);
+  offline.model().windowShown();
   offline.pass({});
   window->draw();
   return window;

@@ -11,9 +11,6 @@ Rectangle {
     LayoutMirroring.enabled: Qt.application.layoutDirection === Qt.RightToLeft
     LayoutMirroring.childrenInherit: true
 
-    Component.onCompleted: model.windowShown()
-    Component.onDestruction: model.windowHidden()
-
     Loader {
         anchors.fill: parent
         focus: true
