@@ -13,6 +13,7 @@
 #include "session/SessionOnFakes.h"
 #include "session/ShortcutList.h"
 #include "ui/models/MainWindowModel.h"
+#include "windows/offline/OfflineWindow.h"
 
 namespace vemo {
 
@@ -22,7 +23,7 @@ struct OfflineTime {
   FakeClock clock{mainThread};
 };
 
-class MainWindowOnFakes : private OfflineTime, private SessionOnFakes {
+class MainWindowOnFakes : public OfflineWindow, private OfflineTime, private SessionOnFakes {
  public:
   /// All states that can be asked for, in the order in which they are best looked at.
   static QStringList states();
@@ -32,7 +33,9 @@ class MainWindowOnFakes : private OfflineTime, private SessionOnFakes {
 
   MainWindowModel& model() { return *m_model; }
 
-  void pass(Clock::Duration duration) { clock.advance(duration); }
+  Scene scene() const override { return Scene::Main; }
+  QObject& viewModel() override { return *m_model; }
+  void pass(Clock::Duration duration) override { clock.advance(duration); }
 
  private:
   struct State {
