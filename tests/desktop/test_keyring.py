@@ -1,0 +1,111 @@
+#!/usr/bin/python3
+"""What Vemo does with a keyring that is locked, silent or gone when it starts, and comes back later."""
+
+import contextlib
+import os
+import pathlib
+import signal
+import subprocess
+import time
+import unittest
+
+import editors
+from dictation_server import DictationServer, transcription
+from gi.repository import Gio, GLib
+from vemo_program import Vemo, clear_token, store_token
+from virtual_desktop import wait_until
+
+TOKEN = "marked-token-dipper"
+PASSWORD = b"virtual desktop"
+UNLOCK = pathlib.Path(__file__).parent.parent / "contract/secrets/unlock-keyring"
+SOON = 3  # seconds: far above what an answer takes on a busy machine, far below a keyring's patience
+
+
+def call(name, path, interface, method, arguments):
+    bus = Gio.bus_get_sync(Gio.BusType.SESSION)
+    return bus.call_sync(name, path, interface, method, arguments, None, Gio.DBusCallFlags.NONE, -1, None).unpack()
+
+
+def lock_keyring():
+    call("org.freedesktop.secrets", "/org/freedesktop/secrets", "org.freedesktop.Secret.Service", "Lock",
+         GLib.Variant("(ao)", (["/org/freedesktop/secrets/aliases/default"],)))
+
+
+def unlock_keyring():
+    subprocess.run([UNLOCK], input=PASSWORD, check=True, timeout=60)
+
+
+@contextlib.contextmanager
+def silent_keyring():
+    process, = call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                    "GetConnectionUnixProcessID", GLib.Variant("(s)", ("org.freedesktop.secrets",)))
+    os.kill(process, signal.SIGSTOP)
+    try:
+        yield
+    finally:
+        os.kill(process, signal.SIGCONT)
+
+
+class KeyringTest(unittest.TestCase):
+    def setUp(self):
+        store_token(TOKEN)
+        self.addCleanup(clear_token)
+        self.server = self.enterContext(DictationServer())
+        self.editor = self.enterContext(editors.Mousepad())
+
+    def start_vemo(self):
+        self.vemo = self.enterContext(Vemo(self.server.address))
+
+    def await_status(self, status):
+        wait_until(lambda: self.vemo.status() == status, lambda: f"“{status}”; {self.vemo.story()}")
+
+    def assert_dictation_works(self):
+        self.server.answers = [transcription("It works.")]
+        self.vemo.dictate()
+        wait_until(lambda: self.editor.text() == "It works.", "the text to arrive")
+        self.assertEqual(self.server.requests[-1].headers["Authorization"], f"Bearer {TOKEN}")
+
+    def test_a_keyring_locked_at_login_and_unlocked_later_signs_in_without_a_restart(self):
+        lock_keyring()
+        self.addCleanup(unlock_keyring)
+        self.start_vemo()
+        self.await_status("idle: Sign in to connect")
+        unlock_keyring()
+        self.await_status("idle")
+        self.assert_dictation_works()
+
+    def test_a_silent_keyring_holds_up_neither_the_start_nor_a_command(self):
+        with silent_keyring():
+            begin = time.monotonic()
+            self.start_vemo()
+            self.assertLess(time.monotonic() - begin, SOON)
+            self.await_status("idle: Sign in to connect")
+            for command in ("status", "start", "sign-out"):
+                begin = time.monotonic()
+                self.vemo.command(command)
+                self.assertLess(time.monotonic() - begin, SOON, command)
+
+    def test_a_keyring_that_answers_late_signs_in(self):
+        with silent_keyring():
+            self.start_vemo()
+            self.await_status("idle: Sign in to connect")
+        self.await_status("idle")
+        self.assert_dictation_works()
+
+    def test_who_signs_out_at_a_locked_keyring_is_signed_out_at_the_next_start_too(self):
+        self.start_vemo()
+        self.await_status("idle")
+        lock_keyring()
+        self.vemo.command("sign-out")
+        self.await_status("idle: Sign in to connect")
+        unlock_keyring()
+
+        def is_removed():
+            found = subprocess.run(["secret-tool", "lookup", "service", "brelmox.Vemo", "account", "authToken"],
+                                   capture_output=True, check=False)
+            return found.stdout == b""
+        wait_until(is_removed, "the token to go from the keyring")
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)
