@@ -14,7 +14,7 @@ Popup {
     margins: Theme.spaceSmall
     modal: false
     focus: true
-    closePolicy: Popup.CloseOnEscape | Popup.CloseOnPressOutside
+    closePolicy: Popup.CloseOnEscape | Popup.CloseOnPressOutsideParent
 
     onOpened: {
         list.currentIndex = Math.max(0, choices.findIndex(choice => choice.isCurrent))

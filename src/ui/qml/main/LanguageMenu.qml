@@ -11,13 +11,27 @@ PillButton {
     text: model.languageTitle
     trailingSymbol: "chevron.up.chevron.down"
     Accessible.role: Accessible.ButtonMenu
-    onClicked: menu.visible ? menu.close() : menu.open()
+    onClicked: {
+        menu.isWanted = true
+        menu.item.toggle()
+    }
 
-    ChoiceMenu {
+    OnDemand {
         id: menu
 
-        y: button.height + Theme.spaceTiny
-        choices: button.model.languages
-        onChosen: code => button.model.chooseLanguage(code)
+        anchors.fill: parent
+        sourceComponent: Item {
+            function toggle() {
+                choiceMenu.visible ? choiceMenu.close() : choiceMenu.open()
+            }
+
+            ChoiceMenu {
+                id: choiceMenu
+
+                y: button.height + Theme.spaceTiny
+                choices: button.model.languages
+                onChosen: code => button.model.chooseLanguage(code)
+            }
+        }
     }
 }

@@ -3,7 +3,7 @@ import QtQuick
 import "../common"
 
 Item {
-    id: content
+    id: view
 
     required property var model
 
@@ -15,8 +15,8 @@ Item {
             top: parent.top
             bottom: parent.bottom
         }
-        width: content.width < 720 ? 180 : 216
-        model: content.model
+        width: view.width < 720 ? 180 : 216
+        model: view.model
     }
     Loader {
         id: tab
@@ -32,59 +32,77 @@ Item {
                 stats: stats,
                 dictionary: dictionary,
                 shortcuts: shortcuts
-            })[content.model.tab]
+            })[view.model.tab]
     }
     Component {
         id: home
 
         HomeTab {
-            model: content.model
+            model: view.model
         }
     }
     Component {
         id: stats
 
         StatsTab {
-            model: content.model.stats
+            model: view.model.stats
         }
     }
     Component {
         id: dictionary
 
         DictionaryTab {
-            phrases: content.model.dictionary
+            phrases: view.model.dictionary
         }
     }
     Component {
         id: shortcuts
 
         ShortcutsTab {
-            phrases: content.model.shortcuts
+            phrases: view.model.shortcuts
         }
     }
-    PhraseSheet {
-        model: content.model.dictionary.sheet
-        addTitle: qsTr("Add Word to Dictionary")
-        editTitle: qsTr("Edit Word")
-        explanation: qsTr("Vemo will correct this word whenever you dictate.")
-        spokenLabel: qsTr("When you say (or common typo)")
-        spokenHint: qsTr("e.g. btw or Worcester or memo")
-        writtenLabel: qsTr("Replace with (output text)")
-        writtenHint: qsTr("e.g. By the way or Worcestershire or vemo")
-        addLabel: qsTr("Add to Dictionary")
+    OnDemand {
+        anchors.fill: parent
+        isWanted: view.model.dictionary.sheet.isOpen
+        sourceComponent: Item {
+            PhraseSheet {
+                model: view.model.dictionary.sheet
+                addTitle: qsTr("Add Word to Dictionary")
+                editTitle: qsTr("Edit Word")
+                explanation: qsTr("Vemo will correct this word whenever you dictate.")
+                spokenLabel: qsTr("When you say (or common typo)")
+                spokenHint: qsTr("e.g. btw or Worcester or memo")
+                writtenLabel: qsTr("Replace with (output text)")
+                writtenHint: qsTr("e.g. By the way or Worcestershire or vemo")
+                addLabel: qsTr("Add to Dictionary")
+            }
+        }
     }
-    PhraseSheet {
-        model: content.model.shortcuts.sheet
-        addTitle: qsTr("Add Shortcut")
-        editTitle: qsTr("Edit Shortcut")
-        explanation: qsTr("Say a trigger phrase to expand into longer snippets.")
-        spokenLabel: qsTr("Trigger Phrase (Say this)")
-        spokenHint: qsTr("e.g. my email address or here's my calendar link")
-        writtenLabel: qsTr("Expanded Snippet (Vemo types this)")
-        addLabel: qsTr("Save Shortcut")
-        isMultiLine: true
+    OnDemand {
+        anchors.fill: parent
+        isWanted: view.model.shortcuts.sheet.isOpen
+        sourceComponent: Item {
+            PhraseSheet {
+                model: view.model.shortcuts.sheet
+                addTitle: qsTr("Add Shortcut")
+                editTitle: qsTr("Edit Shortcut")
+                explanation: qsTr("Say a trigger phrase to expand into longer snippets.")
+                spokenLabel: qsTr("Trigger Phrase (Say this)")
+                spokenHint: qsTr("e.g. my email address or here's my calendar link")
+                writtenLabel: qsTr("Expanded Snippet (Vemo types this)")
+                addLabel: qsTr("Save Shortcut")
+                isMultiLine: true
+            }
+        }
     }
-    SlackSheet {
-        model: content.model.slack
+    OnDemand {
+        anchors.fill: parent
+        isWanted: view.model.slack.isOpen
+        sourceComponent: Item {
+            SlackSheet {
+                model: view.model.slack
+            }
+        }
     }
 }
