@@ -1,0 +1,126 @@
+"""The browser that a sign-in page opens in, by the desktop's own choice of what opens web addresses."""
+
+import contextlib
+import pathlib
+import shutil
+import subprocess
+import tempfile
+
+import gi
+
+gi.require_version("Atspi", "2.0")
+from gi.repository import Atspi, GLib  # noqa: E402
+
+import keyboard  # noqa: E402
+from editors import active_window, chromium_command  # noqa: E402
+from virtual_desktop import DesktopError, wait_until  # noqa: E402
+
+
+class Browser:
+    """Made the default browser of a home by install(vemo), from Vemo's prepare_home."""
+
+    def __enter__(self):
+        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="browser-"))
+        return self
+
+    def __exit__(self, *_):
+        shutil.rmtree(self.folder, ignore_errors=True)
+
+    def script(self):
+        raise NotImplementedError
+
+    def install(self, vemo):
+        program = self.folder / "browser"
+        program.write_text(f"#!/bin/sh\n{self.script()}\n")
+        program.chmod(0o700)
+        applications = vemo.home / ".local/share/applications"
+        applications.mkdir(parents=True)
+        (applications / "browser.desktop").write_text(
+            f"[Desktop Entry]\nType=Application\nName=Browser\nExec={program} %u\nMimeType=x-scheme-handler/http;\n")
+        (vemo.home / ".config/mimeapps.list").write_text(
+            "[Default Applications]\nx-scheme-handler/http=browser.desktop\n")
+
+
+class NotingBrowser(Browser):
+    """Shows nothing; what was opened is for the test to deal with."""
+
+    def script(self):
+        return f"""printf '%s' "$1" > '{self.folder}/new' && mv '{self.folder}/new' '{self.folder}/page'"""
+
+    def page(self):
+        """The address that was opened; waits for it, and forgets it."""
+        path = self.folder / "page"
+        wait_until(path.exists, "a page to be opened")
+        address = path.read_text()
+        path.unlink()
+        return address
+
+
+class Chromium(Browser):
+    """Chromium as it is packaged, with no policy: the question before another program opens is answered as a person
+    answers it."""
+
+    def __exit__(self, *_):
+        for window in self._windows():
+            subprocess.run(["xdotool", "windowclose", window], check=False, capture_output=True)
+        wait_until(lambda: not self._windows(), "Chromium to close its windows")
+        super().__exit__()
+
+    def script(self):
+        *command, _ = chromium_command(self.folder / "profile", "")
+        return f"""exec {' '.join(command)} --force-renderer-accessibility "$1" >/dev/null 2>&1"""
+
+    def _windows(self):
+        found = subprocess.run(["xdotool", "search", "--class", "chromium"], capture_output=True, check=False)
+        return found.stdout.decode().split()
+
+    def _button(self, name):
+        desktop = Atspi.get_desktop(0)
+        for index in range(desktop.get_child_count()):
+            application = desktop.get_child_at_index(index)
+            try:
+                if application and application.get_name() == "Chromium":
+                    # No main loop runs here to hear of changes.
+                    application.clear_cache()
+                    found = showing_button(application, name)
+                    if found:
+                        return found
+            except GLib.Error:
+                pass  # a window that is just arriving or leaving
+        return None
+
+    def await_button(self, name):
+        return wait_until(lambda: self._button(name), f"Chromium to show the button “{name}”")
+
+    def press(self, name, has_worked):
+        """Clicks on a button. Chromium drops what comes before it has drawn a page, or too soon after a question has
+        come up, so the click is repeated when nothing has come of it."""
+        wait_until(lambda: (active_window() or "") in self._windows(), "Chromium to be in front")
+        for _ in range(20):
+            place = Atspi.Component.get_extents(self.await_button(name), Atspi.CoordType.SCREEN)
+            subprocess.run(["xdotool", "mousemove", str(place.x + place.width // 2), str(place.y + place.height // 2),
+                            "click", "1"], check=True)
+            with contextlib.suppress(DesktopError):
+                return wait_until(has_worked, "the click to work", 1.5)
+        raise DesktopError(f"clicked on “{name}” in vain")
+
+    def allow_opening(self, application):
+        """Says yes to the question whether the page may open the application."""
+        name = f"Open {application}"
+        self.press(name, lambda: not self._button(name))
+
+    def close_page(self):
+        keyboard.strike("Control_L", "w")
+        wait_until(lambda: not self._windows(), "the page to close")
+
+
+def showing_button(item, name):
+    states = item.get_state_set()
+    if item.get_role() == Atspi.Role.PUSH_BUTTON and item.get_name() == name and states.contains(Atspi.StateType.SHOWING):
+        return item
+    for index in range(item.get_child_count()):
+        child = item.get_child_at_index(index)
+        found = child and showing_button(child, name)
+        if found:
+            return found
+    return None
