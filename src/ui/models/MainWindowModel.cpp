@@ -9,6 +9,7 @@
 #include "session/ShortcutList.h"
 #include "telemetry/Telemetry.h"
 #include "ui/models/LegalPages.h"
+#include "ui/models/MenuRows.h"
 
 namespace vemo {
 
@@ -87,6 +88,14 @@ void MainWindowModel::selectTab(const QString& wanted) {
     Q_EMIT tabChanged();
     return;
   }
+}
+
+QVariantList MainWindowModel::menu() const {
+  return menuRows(m_with.menu());
+}
+
+void MainWindowModel::pressMenuRow(const QString& identifier) {
+  vemo::pressMenuRow(m_with.menu(), identifier);
 }
 
 void MainWindowModel::openSettings() {

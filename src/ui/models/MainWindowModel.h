@@ -8,8 +8,10 @@
 #include <QString>
 #include <QVariantList>
 #include <functional>
+#include <vector>
 
 #include "base/Notifier.h"
+#include "ports/StatusItem.h"
 #include "ui/models/DictionaryModel.h"
 #include "ui/models/HomeModel.h"
 #include "ui/models/NavigationTab.h"
@@ -65,6 +67,8 @@ class MainWindowModel : public QObject {
     ShortcutList& shortcuts;
     const DeploymentConfiguration& configuration;
     std::function<void()> openSettings;  ///< brings up the settings window
+    /// What the desktop's panel offers, for desktops whose panel shows no such menus.
+    std::function<std::vector<MenuItem>()> menu = [] { return std::vector<MenuItem>(); };
     QLocale locale = QLocale::system();
   };
 
@@ -89,6 +93,9 @@ class MainWindowModel : public QObject {
   /// A name that no tab has changes nothing.
   Q_INVOKABLE void selectTab(const QString& name);
   Q_INVOKABLE void openSettings();
+  /// As menuRows() lists them.
+  Q_INVOKABLE QVariantList menu() const;
+  Q_INVOKABLE void pressMenuRow(const QString& identifier);
 
   /// The window has come up: the account and the user's lists are read.
   Q_INVOKABLE void windowShown();

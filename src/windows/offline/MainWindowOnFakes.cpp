@@ -176,8 +176,24 @@ void Window::start() {
                                         .shortcuts = *m_shortcuts,
                                         .configuration = configuration,
                                         .openSettings = [] {},
+                                        .menu = [this] { return menu(); },
                                         .locale = QLocale(u"en_US"_s)});
   pass(0s);
+}
+
+std::vector<MenuItem> Window::menu() const {
+  const auto item = [](MenuItem::Kind kind, const QString& text) {
+    return MenuItem{.kind = kind, .identifier = text, .text = text};
+  };
+  auto toggle = item(MenuItem::Kind::Toggle, u"Enable Vemo"_s);
+  toggle.isChecked = appState->isEnabled();
+  toggle.action = [this] { appState->setEnabled(!appState->isEnabled()); };
+  return {item(MenuItem::Kind::Line, appState->statusText()),
+          item(MenuItem::Kind::Divider, {}),
+          toggle,
+          item(MenuItem::Kind::Divider, {}),
+          item(MenuItem::Kind::Button, u"Check for Updates…"_s),
+          item(MenuItem::Kind::Button, u"Quit Vemo"_s)};
 }
 
 void Window::signOut() {

@@ -47,6 +47,7 @@ class MainWindowOnFakes : public OfflineWindow, private OfflineTime, private Ses
 
   void start();
   void signOut();
+  std::vector<MenuItem> menu() const;
   void fillHistory();
   void fillDictionary(int count);
   void fillShortcuts(int count);

@@ -14,6 +14,7 @@ namespace {
 
 using testing::Contains;
 using testing::IsEmpty;
+using testing::IsSupersetOf;
 using testing::Not;
 
 class MainWindowKeyboardTest : public testing::Test {
@@ -137,6 +138,19 @@ TEST_F(MainWindowKeyboardTest, ALanguageIsChosenFromTheMenu) {
   press(Qt::Key_Down);
   press(Qt::Key_Return);
   EXPECT_EQ(model().home()->languageTitle(), u"Language: Hinglish"_s);
+}
+
+TEST_F(MainWindowKeyboardTest, WhatThePanelsMenuOffersIsReachedFromTheWindow) {
+  show(u"home-empty"_s);
+  walkTo(u"Vemo menu"_s);
+  press(Qt::Key_Space);
+  EXPECT_THAT(window->texts(), IsSupersetOf({u"Ready"_s, u"✓ Enable Vemo"_s, u"Quit Vemo"_s}));
+  press(Qt::Key_Down);
+  press(Qt::Key_Return);
+  EXPECT_THAT(window->texts(), Not(Contains(u"Quit Vemo"_s))) << "the menu has closed";
+  walkTo(u"Vemo menu"_s);
+  press(Qt::Key_Space);
+  EXPECT_THAT(window->texts(), Contains(u"Enable Vemo"_s)) << "which is off now";
 }
 
 TEST_F(MainWindowKeyboardTest, AWordIsAddedAndEnterSavesIt) {

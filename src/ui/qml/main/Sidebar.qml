@@ -36,6 +36,9 @@ Rectangle {
                 Accessible.role: Accessible.StaticText
                 Accessible.name: text
             }
+            ProgramMenu {
+                model: sidebar.model
+            }
         }
         Repeater {
             id: tabs
