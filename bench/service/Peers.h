@@ -64,8 +64,10 @@ class DelayedEngine : public Engine {
 /// The whole service, but for its recogniser.
 class ServicePeer : public Peer {
  public:
-  ServicePeer(RecognitionQueue::Size queue, std::chrono::milliseconds delay) {
+  ServicePeer(RecognitionQueue::Size queue, std::chrono::milliseconds delay,
+              const AccountSettings& accounts = {}) {
     Configuration configuration;
+    configuration.accounts = accounts;
     configuration.port = 0;
     configuration.tokensFile = m_folder.path() / "tokens";
     configuration.workers = queue.workers;

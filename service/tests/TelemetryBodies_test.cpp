@@ -41,7 +41,7 @@ TEST(TelemetryBodiesTest, NamesAreWordsOfUpTo64Letters) {
 TEST(TelemetryBodiesTest, PropertiesAreFlatAndBounded) {
   EXPECT_TRUE(isGood("\"n\"", R"({"a":1,"b":-1.5,"c":true,"d":"text é"})"));
   for (const auto* props : {"[]", "null", "7", R"({"a":null})", R"({"a":{}})", R"({"a":[]})",
-                            R"({"":1})", R"({"a b":1})"})
+                            R"({"":1})", R"({"a b":1})", R"({"a":1e999})", R"({"a":-1e999})"})
     EXPECT_FALSE(isGood("\"n\"", props)) << props;
   const auto text = [](std::size_t length) {
     return R"({"a":")" + std::string(length, 't') + "\"}";

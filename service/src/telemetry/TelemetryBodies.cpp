@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <boost/json.hpp>
+#include <cmath>
 
 #include "http/JsonBody.h"
 
@@ -33,8 +34,13 @@ bool isText(const json::value& value) {
   return value.is_string() && value.get_string().size() <= longestText;
 }
 
+/// A number with a long exponent is read as infinity, which no JSON can say again.
+bool isNumber(const json::value& value) {
+  return value.is_double() ? std::isfinite(value.get_double()) : value.is_number();
+}
+
 bool isFact(const json::value& value) {
-  return value.is_number() || value.is_bool() || isText(value);
+  return isNumber(value) || value.is_bool() || isText(value);
 }
 
 bool isListOfTexts(const json::value& value) {
