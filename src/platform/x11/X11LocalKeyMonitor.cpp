@@ -1,0 +1,161 @@
+#include "platform/x11/X11LocalKeyMonitor.h"
+
+#include <QCoreApplication>
+#include <array>
+#include <utility>
+
+#include "platform/x11/X11Connection.h"
+#include "platform/x11/X11KeySymbols.h"
+#include "platform/x11/XcbXkb.h"
+
+namespace vemo {
+
+namespace {
+
+constexpr std::uint8_t sentByProgram = 0x80;
+constexpr std::size_t modifierCount = 8;
+
+}  // namespace
+
+/// What the keys and the modifiers of the keyboard stand for. Without a server to ask, keys go by
+/// their place alone.
+class X11LocalKeyMonitor::Layout {
+ public:
+  Layout() : m_connection(X11Connection::create()) {
+    if (m_connection) m_symbols = X11KeySymbols::create(*m_connection);
+    if (!m_symbols) return;
+    m_connection->setEventHandler(
+        [this](const xcb_generic_event_t& event) { m_symbols->handleEvent(event); });
+    readModifiers();
+  }
+
+  X11VirtualKey key(xcb_keycode_t code) {
+    constexpr std::uint16_t coreKeyboard = XCB_XKB_ID_USE_CORE_KBD;
+    if (!m_symbols) return x11VirtualKey(code, XKB_KEY_NoSymbol, FnKey::StoodFor);
+    const bool hasFnKey = m_symbols->hasSymbol(coreKeyboard, XKB_KEY_XF86Fn);
+    return x11VirtualKey(code, m_symbols->plainSymbol(coreKeyboard, code),
+                         hasFnKey ? FnKey::Reported : FnKey::StoodFor);
+  }
+
+  ModifierFlags flags(std::uint16_t state) const {
+    ModifierFlags flags = 0;
+    for (std::size_t i = 0; i < modifierCount; ++i) {
+      if (state >> i & 1) flags |= m_flags[i];
+    }
+    return flags;
+  }
+
+ private:
+  /// Keys that the keyboard's layout gives each of the server's modifiers.
+  void readModifiers() {
+    const auto reply = m_connection->reply<xcb_get_modifier_mapping_reply_t>(
+        xcb_get_modifier_mapping(m_connection->xcb()).sequence);
+    if (!reply) return;
+    const xcb_keycode_t* codes = xcb_get_modifier_mapping_keycodes(reply.get());
+    const std::size_t perModifier = reply->keycodes_per_modifier;
+    for (std::size_t i = 0; i < modifierCount * perModifier; ++i) {
+      if (codes[i]) m_flags[i / perModifier] |= key(codes[i]).flag;
+    }
+  }
+
+  std::unique_ptr<X11Connection> m_connection;
+  std::unique_ptr<X11KeySymbols> m_symbols;
+  std::array<ModifierFlags, modifierCount> m_flags{};
+};
+
+X11LocalKeyMonitor::X11LocalKeyMonitor() {
+  m_releaseTimer.setSingleShot(true);
+  m_releaseTimer.setInterval(0);
+  QObject::connect(&m_releaseTimer, &QTimer::timeout, &m_releaseTimer, [this] { finishRelease(); });
+}
+
+X11LocalKeyMonitor::~X11LocalKeyMonitor() {
+  if (m_isInstalled && QCoreApplication::instance())
+    QCoreApplication::instance()->removeNativeEventFilter(this);
+}
+
+void X11LocalKeyMonitor::start(Handler handler) {
+  if (!std::exchange(m_isInstalled, true))
+    QCoreApplication::instance()->installNativeEventFilter(this);
+  if (!m_layout) m_layout = std::make_unique<Layout>();
+  m_handler = std::move(handler);
+}
+
+void X11LocalKeyMonitor::stop() {
+  m_handler = nullptr;
+  m_layout.reset();
+}
+
+bool X11LocalKeyMonitor::nativeEventFilter(const QByteArray& eventType, void* message, qintptr*) {
+  if (eventType != "xcb_generic_event_t") return false;
+  const auto& event = *static_cast<xcb_generic_event_t*>(message);
+  switch (event.response_type & ~sentByProgram) {
+    case XCB_KEY_PRESS:
+      return keyWentDown(reinterpret_cast<const xcb_key_press_event_t&>(event));
+    case XCB_KEY_RELEASE:
+      return keyWentUp(reinterpret_cast<const xcb_key_release_event_t&>(event));
+    case XCB_FOCUS_OUT:
+      letGoOfAll();
+      break;
+  }
+  return false;
+}
+
+bool X11LocalKeyMonitor::keyWentDown(const xcb_key_press_event_t& event) {
+  if (m_release && m_release->code == event.detail && m_release->time == event.time) {
+    m_release.reset();
+    m_releaseTimer.stop();
+  }
+  finishRelease();
+  if (m_held.contains(event.detail)) return m_swallowed.contains(event.detail);
+  if (!m_handler) return false;
+
+  const X11VirtualKey key = m_layout->key(event.detail);
+  m_held.emplace(event.detail, key);
+  const auto type = key.isModifier ? KeyEvent::Type::FlagsChanged : KeyEvent::Type::KeyDown;
+  const auto handling = tell({type, key.code, m_layout->flags(event.state) | heldFlags()});
+  if (handling == Handling::Swallow) m_swallowed.insert(event.detail);
+  return handling == Handling::Swallow;
+}
+
+bool X11LocalKeyMonitor::keyWentUp(const xcb_key_release_event_t& event) {
+  finishRelease();
+  if (!m_held.contains(event.detail)) return false;
+  m_release = {event.detail, event.time, event.state};
+  m_releaseTimer.start();
+  return m_swallowed.contains(event.detail);
+}
+
+void X11LocalKeyMonitor::finishRelease() {
+  const auto release = std::exchange(m_release, std::nullopt);
+  if (!release) return;
+  m_releaseTimer.stop();
+  const auto held = m_held.extract(release->code);
+  m_swallowed.erase(release->code);
+  if (held.empty() || !m_handler) return;
+  const X11VirtualKey& key = held.mapped();
+  const auto type = key.isModifier ? KeyEvent::Type::FlagsChanged : KeyEvent::Type::KeyUp;
+  tell({type, key.code, (m_layout->flags(release->state) & ~key.flag) | heldFlags()});
+}
+
+void X11LocalKeyMonitor::letGoOfAll() {
+  finishRelease();
+  while (!m_held.empty()) {
+    m_release = {m_held.begin()->first, XCB_CURRENT_TIME, 0};
+    finishRelease();
+  }
+}
+
+ModifierFlags X11LocalKeyMonitor::heldFlags() const {
+  ModifierFlags flags = 0;
+  for (const auto& [code, key] : m_held) flags |= key.flag;
+  return flags;
+}
+
+/// The handler may end the monitoring.
+LocalKeyMonitor::Handling X11LocalKeyMonitor::tell(const KeyEvent& event) {
+  const Handler handler = m_handler;
+  return handler(event);
+}
+
+}  // namespace vemo
