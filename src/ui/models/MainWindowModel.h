@@ -51,6 +51,8 @@ class MainWindowModel : public QObject {
   Q_PROPERTY(QObject* shortcuts READ shortcuts CONSTANT)
   Q_PROPERTY(QObject* slack READ slack CONSTANT)
   Q_PROPERTY(QObject* toast READ toast CONSTANT)
+  /// The card of a downloaded update; null where there can't be one.
+  Q_PROPERTY(QObject* update READ update CONSTANT)
 
  public:
   /// What it works with; all of it outlives the model.
@@ -69,6 +71,7 @@ class MainWindowModel : public QObject {
     std::function<void()> openSettings;  ///< brings up the settings window
     /// What the desktop's panel offers, for desktops whose panel shows no such menus.
     std::function<std::vector<MenuItem>()> menu = [] { return std::vector<MenuItem>(); };
+    QObject* update = nullptr;  ///< the card of a downloaded update
     QLocale locale = QLocale::system();
   };
 
@@ -87,6 +90,7 @@ class MainWindowModel : public QObject {
   ShortcutsModel* shortcuts() { return &m_shortcuts; }
   SlackConnectionModel* slack() { return &m_slack; }
   ToastModel* toast() { return &m_toast; }
+  QObject* update() const { return m_with.update; }
 
   Q_INVOKABLE void signIn();
   Q_INVOKABLE void cancelSignIn();

@@ -1,8 +1,10 @@
 #include "windows/offline/MainWindowOnFakes.h"
 
+#include <memory>
 #include <utility>
 #include <vector>
 
+#include "fakes/FakeUpdater.h"
 #include "session/DictationItem.h"
 #include "shaping/CustomEntries.h"
 
@@ -124,6 +126,17 @@ std::span<const Window::State> Window::table() {
          w.http.fail(u"/api/auth.test"_s, UrlError::NotConnectedToInternet);
          w.connectSlack();
        }},
+      {u"update-ready", [](Window& w) { w.fillHistory(); }, [](Window& w) { w.downloadUpdate(); }},
+      {u"update-notes", nothing,
+       [](Window& w) {
+         w.downloadUpdate();
+         w.m_updateCard->toggleNotes();
+       }},
+      {u"update-waiting", nothing,
+       [](Window& w) {
+         w.downloadUpdate();
+         w.m_model->home()->toggleDictation();
+       }},
       {u"slack-connected", nothing,
        [](Window& w) {
          w.http.answer(u"/api/auth.test"_s, 200, R"({"team":"Example Ltd."})");
@@ -164,6 +177,19 @@ void Window::start() {
   startUp();
   m_dictionary.emplace(mainThread, storage.settings, *auth);
   m_shortcuts.emplace(storage.settings, *auth);
+  m_updates.emplace(UpdateManager::Neighbours{
+      .mainThread = mainThread,
+      .clock = clock,
+      .settings = storage.settings,
+      .debugLog = storage.debugLog,
+      .telemetry = telemetry,
+      .windows = windows,
+      .sheets = m_sheets,
+      .configuration = configuration,
+      .makeUpdater = [](auto&&...) { return std::make_unique<FakeUpdater>(); },
+      .isDictationIdle = [this] { return appState->phase() == Phase::idle(); },
+      .terminate = [] {}});
+  m_updateCard.emplace(*m_updates, *appState);
   m_model.emplace(MainWindowModel::With{.mainThread = mainThread,
                                         .clock = clock,
                                         .settings = storage.settings,
@@ -177,6 +203,7 @@ void Window::start() {
                                         .configuration = configuration,
                                         .openSettings = [] {},
                                         .menu = [this] { return menu(); },
+                                        .update = &*m_updateCard,
                                         .locale = QLocale(u"en_US"_s)});
   pass(0s);
 }
@@ -243,6 +270,15 @@ void Window::fillWithLongTexts() {
 void Window::use(const QByteArray& consumption) {
   accountHttp.answerAlways(u"/desktop/auth/profile"_s, 200,
                            R"({"status":"ok","user":{"consumption":)" + consumption + "}}");
+}
+
+void Window::downloadUpdate() {
+  m_updates->willInstallUpdateOnQuit(
+      {.displayVersion = u"1.5.0"_s,
+       .buildVersion = u"61"_s,
+       .notes = u"# New\n- Dictate in **25** languages\n- The pill comes in `teal`\n\n# Fixed\n- A "
+                u"long dictation keeps its last words\nThanks to everybody who has written."_s},
+      [] {});
 }
 
 void Window::connectSlack() {

@@ -8,11 +8,14 @@
 #include <optional>
 #include <span>
 
+#include "fakes/FakeApplicationSheets.h"
 #include "fakes/FakeClock.h"
 #include "session/DictionaryList.h"
 #include "session/SessionOnFakes.h"
 #include "session/ShortcutList.h"
 #include "ui/models/MainWindowModel.h"
+#include "ui/models/UpdateReadyCardModel.h"
+#include "updates/UpdateManager.h"
 #include "windows/offline/OfflineWindow.h"
 
 namespace vemo {
@@ -54,9 +57,13 @@ class MainWindowOnFakes : public OfflineWindow, private OfflineTime, private Ses
   void fillWithLongTexts();
   void use(const QByteArray& consumption);
   void connectSlack();
+  void downloadUpdate();
 
   std::optional<DictionaryList> m_dictionary;
   std::optional<ShortcutList> m_shortcuts;
+  FakeApplicationSheets m_sheets;
+  std::optional<UpdateManager> m_updates;
+  std::optional<UpdateReadyCardModel> m_updateCard;
   std::optional<MainWindowModel> m_model;
 };
 

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
+#include <algorithm>
 
 #include "ShownWindow.h"
 #include "windows/offline/MainWindowOnFakes.h"
@@ -88,6 +89,16 @@ TEST(MainWindowTest, WhereTextRunsFromRightToLeftEverythingIsTurnedAround) {
     EXPECT_EQ(image.pixelColor(smallestSize.width() - 4, 4), QColor(u"#ecedea"_s))
         << "the sidebar is on the right";
   }
+}
+
+TEST(MainWindowTest, AnUpdateThatIsReadyHasACardWithItsNotesOnRequest) {
+  const auto texts = textsOf(u"update-ready"_s);
+  EXPECT_THAT(texts, IsSupersetOf({u"Update ready"_s, u"Vemo 1.5.0"_s, u"Restart to Update"_s,
+                                   u"What's new"_s}));
+  const auto isNew = [](const QString& text) { return text.contains(u"languages"_s); };
+  EXPECT_EQ(std::ranges::count_if(texts, isNew), 0);
+  EXPECT_EQ(std::ranges::count_if(textsOf(u"update-notes"_s), isNew), 1);
+  EXPECT_THAT(textsOf(u"home-empty"_s), Not(Contains(u"Update ready"_s)));
 }
 
 TEST(MainWindowTest, HomeSaysWhatVemoDoesAndHowToBegin) {

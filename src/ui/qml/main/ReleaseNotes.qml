@@ -1,5 +1,5 @@
 // What is new in an update: headings, bullets and paragraphs, which can be selected and copied.
-// Blocks have `kind` ("heading", "bullet" or "paragraph") and `text`.
+// Blocks have `kind` ("heading", "bullet" or "paragraph") and `markup`.
 import QtQuick
 import QtQuick.Controls.Basic
 import "../common"
@@ -13,6 +13,12 @@ ScrollView {
     implicitHeight: Math.min(rows.implicitHeight + 32, 420)
     contentWidth: availableWidth
     contentHeight: rows.implicitHeight + 32
+    focus: true
+    activeFocusOnTab: true
+    Accessible.role: Accessible.Document
+    Accessible.name: qsTr("What's new")
+    Keys.onDownPressed: ScrollBar.vertical.increase()
+    Keys.onUpPressed: ScrollBar.vertical.decrease()
     ScrollBar.vertical.policy: ScrollBar.AsNeeded
 
     Column {
@@ -45,9 +51,10 @@ ScrollView {
                 }
                 TextEdit {
                     width: row.width - (bullet.visible ? bullet.width + row.spacing : 0)
-                    text: row.modelData.text
-                    textFormat: TextEdit.MarkdownText
+                    text: row.modelData.markup
+                    textFormat: TextEdit.RichText
                     readOnly: true
+                    onLinkActivated: link => Qt.openUrlExternally(link)
                     selectByMouse: true
                     color: Theme.text
                     selectionColor: Theme.accent
@@ -56,7 +63,7 @@ ScrollView {
                     font.weight: row.modelData.kind === "heading" ? Font.DemiBold : Font.Normal
                     wrapMode: TextEdit.Wrap
                     Accessible.role: row.modelData.kind === "heading" ? Accessible.Heading : Accessible.StaticText
-                    Accessible.name: row.modelData.text
+                    Accessible.name: getText(0, length)
                 }
             }
         }

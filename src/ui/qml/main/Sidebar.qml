@@ -71,7 +71,7 @@ Rectangle {
         Loader {
             Layout.fillWidth: true
             Layout.bottomMargin: active ? Theme.spaceSmall : 0
-            active: sidebar.model.update !== null && sidebar.model.update !== undefined && sidebar.model.update.isShown
+            active: sidebar.model.update !== null && sidebar.model.update.isShown
             visible: active
             sourceComponent: UpdateCard {
                 model: sidebar.model.update

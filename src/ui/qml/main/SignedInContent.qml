@@ -15,7 +15,7 @@ Item {
             top: parent.top
             bottom: parent.bottom
         }
-        width: view.width < 720 ? 180 : 216
+        width: view.width < 720 ? 204 : 216
         model: view.model
     }
     Loader {

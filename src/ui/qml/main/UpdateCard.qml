@@ -9,7 +9,7 @@ Card {
 
     required property var model
 
-    padding: Theme.spaceSmall + Theme.spaceTiny
+    padding: Theme.spaceSmall
 
     ColumnLayout {
         width: parent.width
@@ -54,8 +54,8 @@ Card {
             id: restart
 
             Layout.fillWidth: true
-            leftPadding: Theme.spaceSmall
-            rightPadding: Theme.spaceSmall
+            leftPadding: Theme.spaceTiny
+            rightPadding: Theme.spaceTiny
             text: qsTr("Restart to Update")
             isProminent: true
             enabled: card.model.canRestart
