@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/prctl.h>
 
 #include <QFile>
 #include <QProcess>
@@ -46,6 +47,8 @@ class PrivateBus {
     auto& process = m_processes.emplace_back(std::make_unique<QProcess>());
     process->setProcessEnvironment(environment());
     process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    // A test that dies leaves nothing running.
+    process->setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
     process->start(program, arguments);
     return *process;
   }
