@@ -1,7 +1,8 @@
 #include "http/HttpServer.h"
 
 #include <boost/asio.hpp>
-#include <boost/lexical_cast.hpp>
+
+#include "http/Listening.h"
 
 namespace vemo::service {
 
@@ -31,22 +32,13 @@ HttpServer::HttpServer(net::io_context& io, const Limits& limits, const Router& 
 
 std::expected<void, std::string> HttpServer::listen(const std::string& address,
                                                     std::uint16_t port) {
-  try {
-    const tcp::endpoint endpoint(net::ip::make_address(address), port);
-    m_acceptor.open(endpoint.protocol());
-    m_acceptor.set_option(net::socket_base::reuse_address(true));
-    m_acceptor.bind(endpoint);
-    m_acceptor.listen();
-  } catch (const boost::system::system_error& error) {
-    return std::unexpected("cannot listen on " + address + " port " + std::to_string(port) + ": " +
-                           error.code().message());
-  }
+  if (auto listening = listenOn(m_acceptor, address, port); !listening) return listening;
   net::co_spawn(m_io, [this] { return accept(); }, net::detached);
   return {};
 }
 
 std::string HttpServer::address() const {
-  return "http://" + boost::lexical_cast<std::string>(m_acceptor.local_endpoint());
+  return addressOf(m_acceptor);
 }
 
 net::awaitable<void> HttpServer::accept() {

@@ -9,8 +9,9 @@ namespace vemo::service {
 namespace {
 
 /// What a query may hold without being encoded, and the percent sign itself.
-bool isQueryLetter(unsigned char letter) {
-  return std::isalnum(letter) || std::string_view("-._~!$&'()*+,;=:@/?%").contains(letter);
+bool isQueryLetter(char letter) {
+  return std::isalnum(static_cast<unsigned char>(letter)) ||
+         std::string_view("-._~!$&'()*+,;=:@/?%").contains(letter);
 }
 
 std::optional<std::string> decoded(std::string_view text) {

@@ -13,7 +13,7 @@ namespace vemo::service {
 
 class FormFields {
  public:
-  static constexpr std::size_t largest = 8 * 1024;
+  static constexpr std::size_t largest = std::size_t{8} * 1024;
 
   /// None when the text is too long, isn't percent-encoded as it should be, names a field twice or
   /// holds a zero.

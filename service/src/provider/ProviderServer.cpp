@@ -3,8 +3,8 @@
 #include <boost/asio.hpp>
 #include <boost/beast/core/flat_buffer.hpp>
 #include <boost/beast/http.hpp>
-#include <boost/lexical_cast.hpp>
 
+#include "http/Listening.h"
 #include "provider/PeerLogin.h"
 
 namespace vemo::service {
@@ -51,21 +51,11 @@ ProviderServer::ProviderServer(net::io_context& io, AccessLog& log)
 
 std::expected<void, std::string> ProviderServer::listen(const std::string& address,
                                                         std::uint16_t port) {
-  try {
-    const tcp::endpoint endpoint(net::ip::make_address(address), port);
-    m_acceptor.open(endpoint.protocol());
-    m_acceptor.set_option(net::socket_base::reuse_address(true));
-    m_acceptor.bind(endpoint);
-    m_acceptor.listen();
-  } catch (const boost::system::system_error& error) {
-    return std::unexpected("cannot listen on " + address + " port " + std::to_string(port) +
-                           " for local sign-in: " + error.code().message());
-  }
-  return {};
+  return listenOn(m_acceptor, address, port);
 }
 
 std::string ProviderServer::address() const {
-  return "http://" + boost::lexical_cast<std::string>(m_acceptor.local_endpoint());
+  return addressOf(m_acceptor);
 }
 
 void ProviderServer::serve(LocalProvider& provider) {

@@ -22,7 +22,7 @@ namespace vemo::service {
 class ProviderServer {
  public:
   static constexpr std::size_t mostConnections = 64;
-  static constexpr std::size_t largestHead = 16 * 1024;
+  static constexpr std::size_t largestHead = std::size_t{16} * 1024;
 
   explicit ProviderServer(boost::asio::io_context& io, AccessLog& log);
 
