@@ -127,6 +127,17 @@ TEST_P(UsageCountingTest, TheCycleStartsAnewWithTheMonth) {
   EXPECT_EQ(counted(token, "totalWordsTranscribed"), 4);
 }
 
+TEST_P(UsageCountingTest, ATextDoesNotWaitForACounterThatIsHeld) {
+  const auto token = signIn();
+  Database other(m_settings.accounts.database);
+  other.session() << (GetParam() == Deployment::Sqlite ? "BEGIN IMMEDIATE" : "BEGIN");
+  if (GetParam() != Deployment::Sqlite) other.session() << "LOCK TABLE counted_requests";
+  EXPECT_EQ(dictate(token, speech(1), "d1").status, 200);
+  EXPECT_EQ(counted(token, "totalRequests"), 0);
+  other.session() << "ROLLBACK";
+  EXPECT_TRUE(eventually([&] { return counted(token, "totalRequests") == 1; }));
+}
+
 TEST_P(UsageCountingTest, ATextIsDeliveredWhenItCannotBeCounted) {
   const auto token = signIn();
   m_script.hold();
