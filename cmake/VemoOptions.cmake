@@ -3,6 +3,7 @@ option(VEMO_BUILD_TESTS "Build the tests" ON)
 option(VEMO_BUILD_BENCHMARKS "Build the benchmarks" OFF)
 option(VEMO_BUILD_FUZZERS "Build the fuzz targets (Clang only)" OFF)
 set(VEMO_SANITIZERS "" CACHE STRING "Comma-separated list for -fsanitize=, such as address,undefined")
+option(VEMO_HARDENED "Compile as for a release: hardened, and without a trace of the source's folder" OFF)
 set(VEMO_BUILD_NUMBER 1 CACHE STRING "Build number, counted up with each release")
 
 set(CMAKE_CXX_STANDARD 23)
@@ -28,4 +29,19 @@ if(VEMO_SANITIZERS)
   add_compile_options(-fsanitize=${VEMO_SANITIZERS} -fno-sanitize-recover=all
                       -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${VEMO_SANITIZERS})
+endif()
+
+if(VEMO_HARDENED)
+  include(CheckPIESupported)
+  check_pie_supported(LANGUAGES CXX)
+  set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+  add_compile_options(-fstack-protector-strong -fstack-clash-protection
+                      -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=3)
+  if(CMAKE_SYSTEM_PROCESSOR STREQUAL "x86_64")
+    add_compile_options(-fcf-protection=full)
+  endif()
+  add_link_options(-Wl,-z,relro,-z,now,-z,noexecstack,--as-needed)
+  # The same bytes, wherever the source and the build stand.
+  add_compile_options(-ffile-prefix-map=${CMAKE_BINARY_DIR}=build
+                      -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.)
 endif()
