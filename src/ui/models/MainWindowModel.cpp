@@ -90,8 +90,11 @@ void MainWindowModel::selectTab(const QString& wanted) {
   }
 }
 
+/// Without what would bring up the window that is there.
 QVariantList MainWindowModel::menu() const {
-  return menuRows(m_with.menu());
+  auto items = m_with.menu();
+  std::erase_if(items, [](const MenuItem& item) { return item.identifier == u"open window"; });
+  return menuRows(items);
 }
 
 void MainWindowModel::pressMenuRow(const QString& identifier) {

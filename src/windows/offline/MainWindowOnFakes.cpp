@@ -190,6 +190,15 @@ void Window::start() {
       .isDictationIdle = [this] { return appState->phase() == Phase::idle(); },
       .terminate = [] {}});
   m_updateCard.emplace(*m_updates, *appState);
+  m_menu.emplace(MenuModel::With{.settings = storage.settings,
+                                 .appState = *appState,
+                                 .auth = *auth,
+                                 .permissions = *permissions,
+                                 .scenes = m_scenes,
+                                 .updates = [] { return MenuUpdates(); },
+                                 .restartToUpdate = [] {},
+                                 .checkForUpdates = [] {},
+                                 .quitClosingSheets = [this] { ++m_quits; }});
   m_model.emplace(MainWindowModel::With{.mainThread = mainThread,
                                         .clock = clock,
                                         .settings = storage.settings,
@@ -201,26 +210,11 @@ void Window::start() {
                                         .dictionary = *m_dictionary,
                                         .shortcuts = *m_shortcuts,
                                         .configuration = configuration,
-                                        .openSettings = [] {},
-                                        .menu = [this] { return menu(); },
+                                        .openSettings = [this] { m_scenes.open(Scene::Settings); },
+                                        .menu = [this] { return m_menu->items(); },
                                         .update = &*m_updateCard,
                                         .locale = QLocale(u"en_US"_s)});
   pass(0s);
-}
-
-std::vector<MenuItem> Window::menu() const {
-  const auto item = [](MenuItem::Kind kind, const QString& text) {
-    return MenuItem{.kind = kind, .identifier = text, .text = text};
-  };
-  auto toggle = item(MenuItem::Kind::Toggle, u"Enable Vemo"_s);
-  toggle.isChecked = appState->isEnabled();
-  toggle.action = [this] { appState->setEnabled(!appState->isEnabled()); };
-  return {item(MenuItem::Kind::Line, appState->statusText()),
-          item(MenuItem::Kind::Divider, {}),
-          toggle,
-          item(MenuItem::Kind::Divider, {}),
-          item(MenuItem::Kind::Button, u"Check for Updates…"_s),
-          item(MenuItem::Kind::Button, u"Quit Vemo"_s)};
 }
 
 void Window::signOut() {

@@ -10,10 +10,12 @@
 
 #include "fakes/FakeApplicationSheets.h"
 #include "fakes/FakeClock.h"
+#include "fakes/FakeScenes.h"
 #include "session/DictionaryList.h"
 #include "session/SessionOnFakes.h"
 #include "session/ShortcutList.h"
 #include "ui/models/MainWindowModel.h"
+#include "ui/models/MenuModel.h"
 #include "ui/models/UpdateReadyCardModel.h"
 #include "updates/UpdateManager.h"
 #include "windows/offline/OfflineWindow.h"
@@ -36,6 +38,10 @@ class MainWindowOnFakes : public OfflineWindow, private OfflineTime, private Ses
 
   MainWindowModel& model() { return *m_model; }
 
+  /// What the user has opened and ended.
+  const FakeScenes& scenes() const { return m_scenes; }
+  int quits() const { return m_quits; }
+
   Scene scene() const override { return Scene::Main; }
   QObject& viewModel() override { return *m_model; }
   void pass(Clock::Duration duration) override { clock.advance(duration); }
@@ -50,7 +56,6 @@ class MainWindowOnFakes : public OfflineWindow, private OfflineTime, private Ses
 
   void start();
   void signOut();
-  std::vector<MenuItem> menu() const;
   void fillHistory();
   void fillDictionary(int count);
   void fillShortcuts(int count);
@@ -64,6 +69,9 @@ class MainWindowOnFakes : public OfflineWindow, private OfflineTime, private Ses
   FakeApplicationSheets m_sheets;
   std::optional<UpdateManager> m_updates;
   std::optional<UpdateReadyCardModel> m_updateCard;
+  FakeScenes m_scenes;
+  std::optional<MenuModel> m_menu;
+  int m_quits = 0;
   std::optional<MainWindowModel> m_model;
 };
 

@@ -145,12 +145,24 @@ TEST_F(MainWindowKeyboardTest, WhatThePanelsMenuOffersIsReachedFromTheWindow) {
   walkTo(u"Vemo menu"_s);
   press(Qt::Key_Space);
   EXPECT_THAT(window->texts(), IsSupersetOf({u"Ready"_s, u"✓ Enable Vemo"_s, u"Quit Vemo"_s}));
+  EXPECT_THAT(window->texts(), Not(Contains(u"Open Vemo Window"_s))) << "it is here";
+  press(Qt::Key_Down);
   press(Qt::Key_Down);
   press(Qt::Key_Return);
   EXPECT_THAT(window->texts(), Not(Contains(u"Quit Vemo"_s))) << "the menu has closed";
   walkTo(u"Vemo menu"_s);
   press(Qt::Key_Space);
   EXPECT_THAT(window->texts(), Contains(u"Enable Vemo"_s)) << "which is off now";
+}
+
+TEST_F(MainWindowKeyboardTest, TheCommandsOfTheProgramHaveTheirKeys) {
+  for (const auto& state : {u"signed-out"_s, u"home-empty"_s}) {
+    show(state);
+    press(Qt::Key_Comma, Qt::ControlModifier);
+    EXPECT_TRUE(offline->scenes().isOpen(Scene::Settings));
+    press(Qt::Key_Q, Qt::ControlModifier);
+    EXPECT_EQ(offline->quits(), 1);
+  }
 }
 
 TEST_F(MainWindowKeyboardTest, AWordIsAddedAndEnterSavesIt) {

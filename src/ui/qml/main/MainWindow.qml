@@ -11,6 +11,14 @@ Rectangle {
     LayoutMirroring.enabled: Qt.application.layoutDirection === Qt.RightToLeft
     LayoutMirroring.childrenInherit: true
 
+    Shortcut {
+        sequence: "Ctrl+,"
+        onActivated: window.model.openSettings()
+    }
+    Shortcut {
+        sequence: "Ctrl+Q"
+        onActivated: window.model.pressMenuRow("quit")
+    }
     Loader {
         anchors.fill: parent
         focus: true

@@ -92,4 +92,12 @@ Item {
             }
         }
     }
+    ProgramMenu {
+        anchors {
+            top: parent.top
+            right: parent.right
+            margins: Theme.spaceSmall
+        }
+        model: card.model
+    }
 }
