@@ -1,0 +1,100 @@
+// The updater of this platform: reads a signed feed, fetches what it offers, and puts it beside the
+// version that runs.
+//
+// Only a copy in a folder of the user's own is replaced; elsewhere the user is told that there is a
+// new version. A feed or an archive that isn't signed by the key in force, a feed older than one
+// that was seen or past its date, and an archive that isn't what the feed says are refused, and end
+// the session with an error. Downloads are resumed where they stopped, at the next check.
+//
+// Main thread only; archives are checked and unpacked on a thread of their own. Destroying it ends
+// what is under way.
+#pragma once
+
+#include "base/Clock.h"
+#include "base/SerialQueue.h"
+#include "base/TaskScope.h"
+#include "platform/updater/Appcast.h"
+#include "platform/updater/SelfContainedCopy.h"
+#include "platform/updater/UpdateMemory.h"
+#include "ports/HttpSession.h"
+#include "ports/SystemInformation.h"
+#include "ports/Updater.h"
+
+namespace vemo {
+
+/// The codes of the updater's own errors.
+enum class UpdateTrouble {
+  FeedUnreadable = 1000,
+  NoUpdate = UpdateError::noUpdate,
+  FeedRefused = 1002,
+  DownloadFailed = 2001,
+  ArchiveRefused = 3000,
+  NotSigned = 3001,
+  InstallationFailed = 4005,
+};
+
+class SelfUpdater : public Updater {
+ public:
+  struct With {
+    MainThread& mainThread;
+    Clock& clock;
+    /// Its limit for a whole transfer is what bounds a slow server: each piece of an archive has to
+    /// come in that time.
+    HttpSession& session;
+    QByteArray publicKey;  ///< in base64
+    SystemInformation system;
+    std::optional<SelfContainedCopy> copy;
+    QString memoryFile;
+    std::function<void(const QString& line)> log;
+    std::function<void(const QString& title, const QString& text)> announce;  ///< to the user
+    std::function<void()> relaunch;  ///< ends this program and starts the current version
+  };
+
+  /// An archive is fetched in pieces of this size.
+  static constexpr qint64 pieceSize = 1024 * 1024;
+
+  SelfUpdater(With with, UpdaterDelegate& delegate, UpdateUserDriverDelegate& userDriver);
+
+  bool canCheckForUpdates() const override { return !m_isBusy; }
+  std::optional<QDateTime> lastUpdateCheckDate() const override { return m_memory.lastCheck; }
+  bool automaticallyChecksForUpdates() const override { return m_memory.automaticallyChecks; }
+  bool automaticallyDownloadsUpdates() const override { return m_memory.automaticallyDownloads; }
+  void setAutomaticallyChecksForUpdates(bool isOn) override;
+  void setAutomaticallyDownloadsUpdates(bool isOn) override;
+  void checkForUpdates() override { begin(UpdateCheck::UserInitiated); }
+  void checkForUpdatesInBackground() override { begin(UpdateCheck::Scheduled); }
+
+  /// At the program's end: what is ready becomes the version that starts next.
+  void installOnQuit();
+
+ private:
+  using Outcome = std::expected<void, UpdateTrouble>;
+
+  void begin(UpdateCheck check);
+  void remember();
+  Task<> checkDaily(std::stop_token stop);
+  Task<> runSession(UpdateCheck check, std::stop_token stop);
+  Task<Outcome> findAndFetch(UpdateCheck check, std::stop_token stop);
+  Task<std::expected<QByteArray, UpdateTrouble>> fetch(QString name, std::stop_token stop);
+  Task<std::expected<Appcast, UpdateTrouble>> readFeed(std::stop_token stop);
+  Task<Outcome> download(AppcastItem item, QString file, std::stop_token stop);
+  Task<Outcome> prepare(AppcastItem item, QString file);
+  void offer(const AppcastItem& item);
+  void installNow();
+  bool install();
+  void tell(UpdateCheck check, const QString& title, const QString& text) const;
+  std::unexpected<UpdateTrouble> refuse(UpdateTrouble trouble, const QString& why) const;
+  QUrl address(const QString& name) const;
+
+  With m_with;
+  UpdaterDelegate& m_delegate;
+  UpdateUserDriverDelegate& m_userDriver;
+  const QByteArray m_builtInKey;
+  UpdateMemory m_memory;
+  bool m_isBusy = false;
+  std::optional<AppcastItem> m_ready;
+  SerialQueue m_worker{"vemo.updater"};
+  TaskScope m_tasks;
+};
+
+}  // namespace vemo

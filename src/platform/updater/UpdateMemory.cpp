@@ -1,0 +1,56 @@
+#include "platform/updater/UpdateMemory.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QSaveFile>
+
+namespace vemo {
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+constexpr qint64 largestFile = 64 * 1024;
+
+QString base64(const QByteArray& bytes) {
+  return QString::fromLatin1(bytes.toBase64());
+}
+
+}  // namespace
+
+UpdateMemory UpdateMemory::read(const QString& file, const QByteArray& builtIn) {
+  UpdateMemory memory{.serial = 0, .key = {0, builtIn}, .lastCheck = {}};
+  QFile opened(file);
+  if (!opened.open(QIODevice::ReadOnly)) return memory;
+  const QJsonObject json = QJsonDocument::fromJson(opened.read(largestFile)).object();
+  memory.automaticallyChecks = json[u"automaticallyChecks"].toBool(true);
+  memory.automaticallyDownloads = json[u"automaticallyDownloads"].toBool(true);
+  const auto lastCheck = QDateTime::fromString(json[u"lastCheck"].toString(), Qt::ISODate);
+  if (lastCheck.isValid()) memory.lastCheck = lastCheck;
+  if (json[u"builtInKey"].toString() != base64(builtIn)) return memory;
+  memory.serial = json[u"serial"].toString().toULongLong();
+  const auto key = publicKeyFrom(json[u"key"].toString().toLatin1());
+  if (key) memory.key = {json[u"keyNumber"].toString().toUInt(), *key};
+  return memory;
+}
+
+void UpdateMemory::write(const QString& file, const QByteArray& builtIn) const {
+  QDir().mkpath(QFileInfo(file).path());
+  const QJsonObject json{
+      {u"serial"_s, QString::number(serial)},
+      {u"builtInKey"_s, base64(builtIn)},
+      {u"key"_s, base64(key.key)},
+      {u"keyNumber"_s, QString::number(key.number)},
+      {u"lastCheck"_s, lastCheck ? lastCheck->toUTC().toString(Qt::ISODate) : QString()},
+      {u"automaticallyChecks"_s, automaticallyChecks},
+      {u"automaticallyDownloads"_s, automaticallyDownloads}};
+  QSaveFile saved(file);
+  if (!saved.open(QIODevice::WriteOnly)) return;
+  saved.write(QJsonDocument(json).toJson());
+  saved.commit();
+}
+
+}  // namespace vemo

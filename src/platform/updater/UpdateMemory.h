@@ -1,0 +1,27 @@
+// What an updater remembers between starts, in one small file.
+//
+// The newest feed and the newest key that it has seen are what an old feed and an old key are told
+// by. A file that can't be read counts as absent. Main thread only.
+#pragma once
+
+#include <QDateTime>
+#include <QString>
+#include <optional>
+
+#include "platform/updater/UpdateSignatures.h"
+
+namespace vemo {
+
+struct UpdateMemory {
+  quint64 serial = 0;  ///< of the newest feed, under the key in force
+  TrustedKey key;
+  std::optional<QDateTime> lastCheck;
+  bool automaticallyChecks = true;
+  bool automaticallyDownloads = true;
+
+  /// Begins anew with `builtIn` where another key had been built in.
+  static UpdateMemory read(const QString& file, const QByteArray& builtIn);
+  void write(const QString& file, const QByteArray& builtIn) const;
+};
+
+}  // namespace vemo

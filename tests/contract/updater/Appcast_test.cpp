@@ -1,0 +1,86 @@
+#include "platform/updater/Appcast.h"
+
+#include <gtest/gtest.h>
+
+namespace vemo {
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+Appcast feed() {
+  return {.serial = 3,
+          .expires = QDateTime(QDate(2026, 3, 20), QTime(1, 2, 3), Qt::UTC),
+          .items = {{.shown = {.displayVersion = u"1.4.0"_s,
+                               .buildVersion = u"57"_s,
+                               .isCritical = true,
+                               .notes = u"# <New> & \"good\"\n- it"_s},
+                     .build = 57,
+                     .channel = u"beta"_s,
+                     .minimumSystemVersion = u"12.8"_s,
+                     .architecture = u"x86_64"_s,
+                     .archive = u"vemo-57.tar.xz"_s,
+                     .archiveSize = 10,
+                     .archiveSignature = QByteArray(64, 's'),
+                     .files = {{u"bin/vemo"_s, 5, QByteArray(32, 'h'), true},
+                               {u"lib/libQt6Core.so.6"_s, 7, QByteArray(32, 'i'), false}}}}};
+}
+
+bool isRead(const QByteArray& xml) {
+  return Appcast::read(xml).has_value();
+}
+
+QByteArray changed(const QByteArray& from, const QByteArray& to) {
+  QByteArray xml = feed().write();
+  EXPECT_TRUE(xml.contains(from)) << from.constData();
+  return xml.replace(from, to);
+}
+
+}  // namespace
+
+TEST(AppcastTest, IsReadAsItWasWritten) {
+  const auto read = Appcast::read(feed().write());
+  ASSERT_TRUE(read) << qPrintable(read.error());
+  EXPECT_EQ(*read, feed());
+}
+
+TEST(AppcastTest, DocumentTypesAndEntitiesAreRefused) {
+  EXPECT_FALSE(isRead(changed("<rss", "<!DOCTYPE rss [<!ENTITY a \"b\">]><rss")));
+  EXPECT_FALSE(isRead(changed("1.4.0", "&a;")));
+}
+
+TEST(AppcastTest, WhatIsMissingIsAnError) {
+  EXPECT_FALSE(isRead({}));
+  EXPECT_FALSE(isRead("<rss/>"));
+  EXPECT_FALSE(isRead(feed().write().chopped(20)));
+  EXPECT_FALSE(isRead(changed("<serial>3</serial>", "")));
+  EXPECT_FALSE(isRead(changed("<expires>2026-03-20T01:02:03Z</expires>", "")));
+  EXPECT_FALSE(isRead(changed("<build>57</build>", "")));
+  EXPECT_FALSE(isRead(changed("bin/vemo", "bin/other")));
+}
+
+TEST(AppcastTest, PathsOutOfTheFolderAreRefused) {
+  for (const char* path : {"../x", "/x", "a//b", "a/./b", ".hidden", "a\\b", "a/", "ä"})
+    EXPECT_FALSE(isRead(changed("lib/libQt6Core.so.6", path))) << path;
+  EXPECT_FALSE(isRead(changed("vemo-57.tar.xz", "a/vemo.tar.xz")));
+  EXPECT_FALSE(isRead(changed("vemo-57.tar.xz", "https://e.com")));
+  EXPECT_FALSE(isRead(changed("lib/libQt6Core.so.6", "bin/vemo"))) << "a file named twice";
+}
+
+TEST(AppcastTest, SizesAreHeldToTheirLimits) {
+  const QByteArray largest = QByteArray::number(Appcast::largestArchive);
+  const QByteArray more = QByteArray::number(Appcast::largestArchive + 1);
+  EXPECT_TRUE(isRead(changed("length=\"10\"", "length=\"" + largest + '"')));
+  EXPECT_FALSE(isRead(changed("length=\"10\"", "length=\"" + more + '"')));
+  EXPECT_FALSE(isRead(changed("length=\"10\"", "length=\"0\"")));
+  EXPECT_FALSE(isRead(changed("length=\"10\"", "length=\"-1\"")));
+  EXPECT_FALSE(isRead(changed("size=\"5\"", "size=\"18446744073709551615\"")));
+  EXPECT_FALSE(isRead(QByteArray(Appcast::largestFeed + 1, ' ')));
+}
+
+TEST(AppcastTest, ElementsThatNobodyKnowsArePassedOverHoweverDeep) {
+  const QByteArray deep = QByteArray("<a>").repeated(2000) + QByteArray("</a>").repeated(2000);
+  EXPECT_TRUE(isRead(changed("<serial>", deep + "<serial>")));
+}
+
+}  // namespace vemo

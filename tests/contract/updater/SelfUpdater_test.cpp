@@ -1,0 +1,125 @@
+#include "UpdaterFixture.h"
+
+namespace vemo {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class SelfUpdaterTest : public UpdaterFixture {};
+
+TEST_F(SelfUpdaterTest, FetchesVerifiesAndInstallsANewerVersion) {
+  publish({release(2, "1.1.0")});
+  EXPECT_THAT(check(), IsEmpty()) << qPrintable(log.join(u'\n'));
+  ASSERT_TRUE(delegate.ready);
+  EXPECT_EQ(delegate.ready->displayVersion, u"1.1.0"_s);
+  EXPECT_EQ(delegate.ready->notes, u"# New"_s);
+  EXPECT_EQ(startedVersion(root), "Vemo 1.0.0");
+  delegate.installNow();
+  EXPECT_EQ(relaunches, 1);
+  EXPECT_EQ(startedVersion(root), "Vemo 1.1.0");
+}
+
+TEST_F(SelfUpdaterTest, InstallsAtTheQuitWithoutARelaunch) {
+  publish({release(2, "1.1.0")});
+  check();
+  updater->installOnQuit();
+  EXPECT_EQ(relaunches, 0);
+  EXPECT_EQ(startedVersion(root), "Vemo 1.1.0");
+}
+
+TEST_F(SelfUpdaterTest, NothingNewerIsTheErrorThatCountsAsNone) {
+  publish({});
+  EXPECT_THAT(check(), ElementsAre(1001));
+  EXPECT_THAT(announced, IsEmpty());
+  EXPECT_THAT(check(UpdateCheck::UserInitiated), ElementsAre(1001));
+  EXPECT_THAT(announced, ElementsAre(u"Vemo is up to date"_s));
+}
+
+TEST_F(SelfUpdaterTest, ChoosesByBuildChannelSystemAndArchitecture) {
+  AppcastItem beta = release(5, "2.0.0");
+  beta.channel = u"beta"_s;
+  AppcastItem tooNew = release(4, "1.4.0");
+  tooNew.minimumSystemVersion = u"13"_s;
+  AppcastItem foreign = release(6, "1.6.0");
+  foreign.architecture = u"arm64"_s;
+  AppcastItem fits = release(3, "1.3.0");
+  fits.minimumSystemVersion = u"12.8"_s;
+  fits.architecture = u"x86_64"_s;
+  publish({beta, tooNew, foreign, release(2, "1.2.0"), fits});
+  EXPECT_THAT(check(), IsEmpty());
+  EXPECT_EQ(delegate.ready->displayVersion, u"1.3.0"_s);
+  delegate.channels = {u"beta"_s};
+  EXPECT_THAT(check(), IsEmpty());
+  EXPECT_EQ(delegate.ready->displayVersion, u"2.0.0"_s);
+}
+
+TEST_F(SelfUpdaterTest, ADownloadThatBrokeOffGoesOnWhereItStopped) {
+  QByteArray noise;
+  quint32 state = 1;
+  while (noise.size() < 2'500'000)
+    noise.append(static_cast<char>((state = state * 1664525 + 1013904223) >> 24));
+  const AppcastItem item = release(2, "1.1.0", noise);
+  ASSERT_GT(item.archiveSize, 2 * SelfUpdater::pieceSize);
+  publish({item});
+  // What had come before the break.
+  writeTestFile(root + u"/versions/.download-2"_s, server.files["vemo-2.tar.xz"].first(1'500'000),
+                false);
+  EXPECT_THAT(check(), IsEmpty());
+  ASSERT_EQ(server.asked.size(), 3);
+  EXPECT_TRUE(server.asked[2].startsWith("vemo-2.tar.xz bytes=1500000-")) << server.asked[2].data();
+  ASSERT_TRUE(delegate.ready);
+}
+
+TEST_F(SelfUpdaterTest, ABrokenConnectionEndsTheSessionAndTheNextOneSucceeds) {
+  publish({release(2, "1.1.0")});
+  server.manners["vemo-2.tar.xz"] = ReleaseServer::Manner::Breaks;
+  EXPECT_THAT(check(), ElementsAre(2001));
+  server.manners.clear();
+  EXPECT_THAT(check(), IsEmpty());
+}
+
+TEST_F(SelfUpdaterTest, AServerWithoutRangesStillServesASmallArchive) {
+  publish({release(2, "1.1.0")});
+  server.manners["vemo-2.tar.xz"] = ReleaseServer::Manner::IgnoresRanges;
+  EXPECT_THAT(check(), IsEmpty());
+}
+
+TEST_F(SelfUpdaterTest, WhereAPackageManagerOwnsTheFilesTheUserIsOnlyTold) {
+  isOurs = false;
+  publish({release(2, "1.1.0")});
+  EXPECT_THAT(check(), IsEmpty());
+  EXPECT_FALSE(delegate.ready);
+  EXPECT_EQ(delegate.shownBy, UpdateShownBy::Delegate);
+  EXPECT_THAT(announced, ElementsAre(u"Vemo 1.1.0 is available"_s));
+  EXPECT_THAT(server.asked, ElementsAre("keys.txt", "appcast.xml"));
+}
+
+TEST_F(SelfUpdaterTest, WithoutAutomaticDownloadsAnUpdateIsToldAndFetchedOnRequest) {
+  publish({release(2, "1.1.0")});
+  start().setAutomaticallyDownloadsUpdates(false);
+  EXPECT_THAT(check(), IsEmpty());
+  EXPECT_FALSE(delegate.ready);
+  EXPECT_EQ(delegate.shownBy, UpdateShownBy::Delegate);
+  EXPECT_THAT(check(UpdateCheck::UserInitiated), IsEmpty());
+  EXPECT_EQ(delegate.shownBy, UpdateShownBy::Updater);
+  EXPECT_TRUE(delegate.ready);
+}
+
+TEST_F(SelfUpdaterTest, RemembersItsPreferencesAndItsLastCheck) {
+  publish({});
+  start().setAutomaticallyChecksForUpdates(false);
+  check();
+  start();
+  EXPECT_FALSE(updater->automaticallyChecksForUpdates());
+  EXPECT_EQ(updater->lastUpdateCheckDate(), QDateTime(QDate(2026, 3, 14), {}, Qt::UTC));
+}
+
+TEST_F(SelfUpdaterTest, AVersionThatDoesNotStartHereIsNotInstalled) {
+  AppcastItem item = release(2, "1.1.0");
+  item.shown.displayVersion = u"9.9.9"_s;
+  publish({item});
+  EXPECT_THAT(check(), ElementsAre(4005));
+  EXPECT_FALSE(delegate.ready);
+}
+
+}  // namespace vemo
