@@ -10,6 +10,7 @@
 
 #include "platform/quick/QuickScenes.h"
 #include "windows/offline/MainWindowOnFakes.h"
+#include "windows/offline/SettingsOnFakes.h"
 
 namespace vemo {
 namespace {
@@ -27,6 +28,8 @@ struct Family {
 const Family families[] = {
     {MainWindowOnFakes::states(),
      [](const QString& state) { return std::make_unique<MainWindowOnFakes>(state); }},
+    {SettingsOnFakes::states(),
+     [](const QString& state) { return std::make_unique<SettingsOnFakes>(state); }},
 };
 
 int list() {

@@ -25,7 +25,6 @@ TabPage {
 
         SettingRow {
             isFirst: true
-            title: qsTr("Delete account")
             explanation: qsTr("Permanently deletes your Vemo account, dictation history, dictionary and usage data.")
 
             PillButton {

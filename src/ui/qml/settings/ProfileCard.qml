@@ -80,6 +80,7 @@ ColumnLayout {
 
         LabelledField {
             Layout.fillWidth: true
+            Layout.preferredWidth: 1
             label: qsTr("First Name")
             text: card.model.firstName
             onEdited: text => card.model.firstName = text
@@ -87,6 +88,7 @@ ColumnLayout {
         }
         LabelledField {
             Layout.fillWidth: true
+            Layout.preferredWidth: 1
             label: qsTr("Last Name")
             text: card.model.lastName
             onEdited: text => card.model.lastName = text

@@ -41,6 +41,7 @@ Item {
 
             RowLayout {
                 Layout.fillWidth: true
+                visible: row.title.length > 0
                 spacing: Theme.spaceSmall
 
                 Text {
