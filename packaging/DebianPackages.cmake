@@ -16,9 +16,9 @@ set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_VEMO_PACKAGE_NAME vemo)
 set(CPACK_DEBIAN_VEMO_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_VEMO_DESCRIPTION "dictation into any application
- Vemo waits in the background, records while you hold a key, has the speech
- turned into text by a service, shapes the text for the application in front,
- and pastes it where the cursor is. The clipboard gets back what it held.")
+Vemo waits in the background, records while you hold a key, has the speech
+turned into text by a service, shapes the text for the application in front,
+and pastes it where the cursor is. The clipboard gets back what it held.")
 # What is loaded while it runs, which no binary names.
 set(CPACK_DEBIAN_VEMO_PACKAGE_DEPENDS
   "qml6-module-qtquick, qml6-module-qtquick-controls, qml6-module-qtquick-layouts, qml6-module-qtquick-templates, qml6-module-qtquick-window, qml6-module-qtqml, qml6-module-qtqml-workerscript")
@@ -28,21 +28,16 @@ set(CPACK_DEBIAN_VEMO_PACKAGE_RECOMMENDS
 set(CPACK_DEBIAN_VEMO-SERVICE_PACKAGE_NAME vemo-service)
 set(CPACK_DEBIAN_VEMO-SERVICE_PACKAGE_SECTION sound)
 set(CPACK_DEBIAN_VEMO-SERVICE_DESCRIPTION "speech recognition service for Vemo
- The companion of Vemo: turns recordings into text on this machine, without
- network and without an account, or passes them on to a better recogniser
- of your choice. It can keep accounts and their dictionaries for many users.")
+The companion of Vemo: turns recordings into text on this machine, without
+network and without an account, or passes them on to a better recogniser
+of your choice. It can keep accounts and their dictionaries for many users.")
 set(CPACK_DEBIAN_VEMO-SERVICE_PACKAGE_DEPENDS "pocketsphinx-en-us")
 
 # Debian's files about a package: who may copy it, and what changed.
 foreach(component vemo vemo-service)
   install(FILES debian/copyright DESTINATION share/doc/${component} COMPONENT ${component})
-  install(FILES ${CMAKE_CURRENT_BINARY_DIR}/changelog.gz DESTINATION share/doc/${component}
-          COMPONENT ${component})
 endforeach()
 configure_file(debian/changelog ${CMAKE_CURRENT_BINARY_DIR}/changelog @ONLY)
-add_custom_command(OUTPUT ${CMAKE_CURRENT_BINARY_DIR}/changelog.gz
-  COMMAND gzip -9nkf changelog
-  DEPENDS ${CMAKE_CURRENT_BINARY_DIR}/changelog VERBATIM)
-add_custom_target(package-files ALL DEPENDS ${CMAKE_CURRENT_BINARY_DIR}/changelog.gz)
+compressed(changelog share/doc/COMPONENT vemo vemo-service)
 
 include(CPack)
