@@ -12,6 +12,7 @@
 #include "http/DictationApi.h"
 #include "http/HttpServer.h"
 #include "provider/LocalSignIn.h"
+#include "updates/UpdatesApi.h"
 
 namespace vemo::service {
 
@@ -87,6 +88,7 @@ int serve(const Configuration& configuration, const EngineKind& engine, std::ost
                           configuration.limits);
   dictations.addTo(router);
   if (accounts) accounts->addTo(router);
+  if (!configuration.updatesFolder.empty()) UpdatesApi(configuration.updatesFolder).addTo(router);
   Admission admission(tokens, accounts ? &accounts->database() : nullptr);
   HttpServer server(io, configuration.limits, router, admission, log);
   stop = [&] {

@@ -15,6 +15,7 @@ struct Answer {
   std::string allow = {};                                         ///< the methods to name in a 405
   std::optional<std::chrono::seconds> retryAfter = std::nullopt;  ///< of a 503 a second, if absent
   std::string_view contentType = "application/json";
+  std::string contentRange = {};  ///< of a 206
 };
 
 /// Called exactly once, on any thread.

@@ -283,6 +283,7 @@ net::awaitable<HttpConnection::Next> HttpConnection::send(Answer answer, bool ke
   response.set(http::field::cache_control, "no-store");
   if (!answer.allow.empty()) response.set(http::field::allow, answer.allow);
   if (answer.status == 401) response.set(http::field::www_authenticate, "Bearer");
+  if (!answer.contentRange.empty()) response.set(http::field::content_range, answer.contentRange);
   if (answer.status == 503 && !answer.retryAfter) answer.retryAfter = std::chrono::seconds(1);
   if (answer.retryAfter)
     response.set(http::field::retry_after, std::to_string(answer.retryAfter->count()));

@@ -165,6 +165,7 @@ std::map<std::string, Key, std::less<>> keysOf(Configuration& c) {
       {"local-provider.name", {"a name", nonEmpty(c.localProvider.name)}},
       {"local-provider.email", {"an e-mail address", nonEmpty(c.localProvider.email)}},
       {"local-provider.key-file", {path, nonEmpty(c.localProvider.keyFile)}},
+      {"updates.folder", {path, nonEmpty(c.updatesFolder)}},
       {"telemetry.enabled", {truth, yesOrNo(c.telemetry.enabled)}},
       {"telemetry.kept-days",
        {"a number of days from 1 to 3650", number(c.telemetry.keptDays, 1, 3650)}},

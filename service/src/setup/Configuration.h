@@ -56,6 +56,7 @@ struct Configuration {
   AccountSettings accounts = {};
   TelemetrySettings telemetry = {};
   ProviderSettings localProvider = {};
+  std::filesystem::path updatesFolder = {};  ///< empty: no updates are served
   Limits limits = {};
 
   std::size_t effectiveWorkers() const;
