@@ -3,10 +3,13 @@
 #include <QCoreApplication>
 
 #include "app/Desktop.h"
+#include "app/Face.h"
 #include "app/Foundation.h"
 #include "app/Program.h"
+#include "app/Updating.h"
+#include "platform/qt/QtInstallLocation.h"
 #include "platform/xdg/BusRemoteControl.h"
-#include "storage/Config.h"
+#include "session/AppDelegate.h"
 
 namespace vemo {
 
@@ -18,58 +21,92 @@ Application::Application(DeploymentConfiguration configuration)
 Application::~Application() = default;
 
 void Application::quit() {
+  if (!m_program) return QCoreApplication::quit();
   m_program->tasks.start([this](std::stop_token) { return quitWithoutLoss(); });
 }
 
-/// The redirect of a sign-in carries secrets in its query, so the log holds no query at all.
 void Application::open(const QString& address) {
   const QUrl url(address);
-  if (m_program->browserSignIn.deliver(url)) return;
-  m_foundation->debugLog(u"appDelegate: opened URL "_s +
-                         url.toString(QUrl::RemoveQuery | QUrl::RemoveFragment));
-  if (url.scheme() != u"vemo") return;
-  m_program->tasks.start(
-      [this](std::stop_token stop) { return m_program->auth.refreshProfile(std::move(stop)); });
+  if (!m_program->browserSignIn.deliver(url)) m_delegate->applicationOpenURLs({url});
+}
+
+void Application::reopen() {
+  const auto& scenes = m_desktop->scenes;
+  m_delegate->applicationShouldHandleReopen(scenes.isOpen(Scene::Main) ||
+                                            scenes.isOpen(Scene::Settings));
 }
 
 /// A target may still be reading the text that was pasted a moment ago.
 Task<> Application::quitWithoutLoss() {
   while (m_program->injector.isRestorePending())
     co_await m_foundation->clock.sleep(std::chrono::milliseconds(20), {});
-  m_program->telemetry.endSession();
+  m_delegate->applicationWillTerminate();
   QCoreApplication::quit();
 }
 
 std::expected<std::unique_ptr<Application>, QString> Application::create(
     DeploymentConfiguration configuration) {
+  // The name comes before everything that another instance may be writing to.
+  auto bus = BusRemoteControl::create();
+  if (!bus && bus.error() == BusNameError::NoBus)
+    return std::unexpected(u"Vemo needs a D-Bus session bus."_s);
+  if (!bus) {
+    const auto answer = sendCommand(u"reopen"_s);
+    if (!answer) return std::unexpected(answer.error());
+    return nullptr;
+  }
   std::unique_ptr<Application> application(new Application(std::move(configuration)));
+  application->m_bus = *std::move(bus);
   if (auto error = application->start()) return std::unexpected(*std::move(error));
   return application;
 }
 
 std::optional<QString> Application::start() {
-  // The name comes before everything that another instance may be writing to.
-  auto bus = BusRemoteControl::create();
-  if (!bus) {
-    return bus.error() == BusNameError::Taken ? u"Vemo is already running."_s
-                                              : u"Vemo needs a D-Bus session bus."_s;
-  }
-  m_bus = *std::move(bus);
-
+  const auto copy = beginStartOfOwnCopy();
   m_foundation = std::make_unique<Foundation>([this] { quit(); });
-  m_foundation->debugLog.purgeLegacyLogIfNeeded(m_foundation->settings);
-  config::migrateToggleHotkeyIfNeeded(m_foundation->settings, m_foundation->debugLog);
-
   m_desktop = Desktop::create(m_foundation->mainThread);
   if (!m_desktop) return u"Vemo needs an X server with XFixes, XTest, XInput 2 and RandR 1.5."_s;
+  makeDelegate();
+  m_delegate->applicationWillFinishLaunching(QCoreApplication::arguments());
+  m_delegate->applicationDidFinishLaunching();
+  if (m_program)
+    m_program->tasks.start([this, &copy](std::stop_token stop) {
+      return keepOwnCopyWhenStartedWell(copy, m_foundation->clock, std::move(stop));
+    });
+  return std::nullopt;
+}
+
+void Application::makeDelegate() {
+  m_delegate = std::make_unique<AppDelegate>(AppDelegate::Neighbours{
+      .mainThread = m_foundation->mainThread,
+      .debugLog = m_foundation->debugLog,
+      .settings = m_foundation->settings,
+      .windows = m_desktop->windows,
+      .scenes = m_desktop->scenes,
+      .alert = m_desktop->alert,
+      .location = readInstallLocation(QCoreApplication::applicationFilePath()),
+      .services = {
+          .bootstrapDictation = [this] { makeProgram(); },
+          .startUpdates = [this] { m_program->updates.start(); },
+          .startTelemetry =
+              [this](bool launchedAtLogin) { m_program->telemetry.start(launchedAtLogin); },
+          .endTelemetry = [this] { m_program->telemetry.endSession(); },
+          .refreshProfile =
+              [this](std::stop_token stop) {
+                return m_program->auth.refreshProfile(std::move(stop));
+              },
+          .terminate = [this] { quit(); }}});
+}
+
+void Application::makeProgram() {
   m_program = std::make_unique<Program>(
       *m_foundation, *m_desktop, m_configuration,
       DictationRemoteControl::Program{.quit = [this] { quit(); },
+                                      .reopen = [this] { reopen(); },
                                       .open = [this](const QString& address) { open(address); }});
+  m_face = std::make_unique<Face>(*m_foundation, *m_desktop, *m_program);
   m_program->appState.bootstrap();
-  m_program->telemetry.start(false);
   m_bus->serve(m_program->remoteControl);
-  return std::nullopt;
 }
 
 }  // namespace vemo

@@ -15,14 +15,17 @@
 
 namespace vemo {
 
+class AppDelegate;
 class BusRemoteControl;
+class Face;
 struct Desktop;
 struct Foundation;
 struct Program;
 
 class Application {
  public:
-  /// The error is one line for the person who starts the program.
+  /// Null when another instance runs, which has come forward instead. The error is one line for the
+  /// person who starts the program.
   static std::expected<std::unique_ptr<Application>, QString> create(
       DeploymentConfiguration configuration);
   ~Application();
@@ -30,18 +33,23 @@ class Application {
  private:
   explicit Application(DeploymentConfiguration configuration);
 
-  /// Makes and starts everything; the error is that of create().
+  /// Makes the desktop and launches the program; the error is that of create().
   std::optional<QString> start();
 
   void quit();
+  void makeDelegate();
+  void makeProgram();
   void open(const QString& address);
+  void reopen();
   Task<> quitWithoutLoss();
 
   const DeploymentConfiguration m_configuration;
   std::unique_ptr<BusRemoteControl> m_bus;  ///< goes last: another instance may start then
   std::unique_ptr<Foundation> m_foundation;
   std::unique_ptr<Desktop> m_desktop;
-  std::unique_ptr<Program> m_program;
+  std::unique_ptr<Program> m_program;  ///< made in the launch's own order
+  std::unique_ptr<Face> m_face;
+  std::unique_ptr<AppDelegate> m_delegate;
 };
 
 }  // namespace vemo

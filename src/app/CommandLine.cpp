@@ -12,7 +12,7 @@ namespace {
 
 const QString usage =
     u"Usage: vemo [COMMAND]\n"
-    u"Without a command, Vemo starts and stays in the background.\n\n"
+    u"Without a command, Vemo starts, or shows its window where it runs already.\n\n"
     u"Commands for the running Vemo:\n"
     u"  toggle          start or stop a dictation\n"
     u"  start           start a dictation\n"
@@ -39,7 +39,8 @@ const std::map<QString, QString> remoteCommands{{u"toggle"_s, u"toggle"_s},
 }  // namespace
 
 std::expected<CommandLine, QString> parseCommandLine(const QStringList& arguments) {
-  if (arguments.isEmpty()) return RunCommand{};
+  if (arguments.isEmpty() || arguments == QStringList{u"--launched-at-login"_s})
+    return RunCommand{};
   const QString& first = arguments.front();
   if (arguments.size() == 1) {
     if (const auto command = remoteCommands.find(first); command != remoteCommands.end())

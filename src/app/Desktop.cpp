@@ -5,9 +5,16 @@
 
 namespace vemo {
 
-QString soundsFolder() {
-  const QString installed = QCoreApplication::applicationDirPath() + u"/../share/vemo/sounds"_s;
-  return QFileInfo::exists(installed) ? installed : QString::fromUtf8(VEMO_SOUNDS_IN_SOURCE);
+QString resourceFolder(const QString& name) {
+  const QString installed = QCoreApplication::applicationDirPath() + u"/../share/vemo/"_s + name;
+  return QFileInfo::exists(installed) ? installed
+                                      : QString::fromUtf8(VEMO_RESOURCES_IN_SOURCE) + u'/' + name;
+}
+
+QuickScenes::Places windowPlaces() {
+  return {
+      .sharedObject = QCoreApplication::applicationDirPath() + u"/../lib/vemo/vemo-windows.so"_s,
+      .symbolsFolder = resourceFolder(u"icons/symbols"_s)};
 }
 
 Desktop::Desktop(std::unique_ptr<X11Clipboard> x11Clipboard,

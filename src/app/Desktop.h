@@ -16,9 +16,12 @@
 #include "platform/pulse/PulseMicrophoneAccess.h"
 #include "platform/pulse/PulseServer.h"
 #include "platform/qt/QtApplicationWindows.h"
+#include "platform/qt/QtCriticalAlert.h"
 #include "platform/qt/QtMainThread.h"
 #include "platform/qt/QtSystemEvents.h"
+#include "platform/quick/QuickScenes.h"
 #include "platform/secretservice/SecretServiceBackend.h"
+#include "platform/tray/BusStatusItem.h"
 #include "platform/x11/X11Clipboard.h"
 #include "platform/x11/X11FocusedApplication.h"
 #include "platform/x11/X11InputSources.h"
@@ -27,14 +30,19 @@
 #include "platform/x11/X11LoneModifier.h"
 #include "platform/x11/X11Screens.h"
 #include "platform/xdg/AbsentHaptics.h"
+#include "platform/xdg/DesktopAppearance.h"
 #include "platform/xdg/LinuxDeviceInformation.h"
 
 namespace vemo {
 
 using namespace Qt::Literals::StringLiterals;
 
-/// Beside an installed program; a build tree takes them from the sources.
-QString soundsFolder();
+/// A folder of sounds or images: beside an installed program; a build tree takes them from the
+/// sources.
+QString resourceFolder(const QString& name);
+
+/// The shared object of the windows and what it reads.
+QuickScenes::Places windowPlaces();
 
 struct Desktop {
   Desktop(std::unique_ptr<X11Clipboard> x11Clipboard, std::unique_ptr<X11KeyPoster> x11KeyPoster,
@@ -49,7 +57,7 @@ struct Desktop {
   PulseMicrophoneAccess microphoneAccess{pulse};
   PulseAudioInput audioInput{pulse};
   PulseInputDevice inputDevice{pulse};
-  CanberraSounds sounds{soundsFolder(), u"Vemo"_s, u"brelmox.Vemo"_s};
+  CanberraSounds sounds{resourceFolder(u"sounds"_s), u"Vemo"_s, u"brelmox.Vemo"_s};
   SecretServiceBackend keyring;
   /// For a thread that may wait: a keyring that has just been started takes its time.
   std::stop_source impatience;
@@ -59,6 +67,10 @@ struct Desktop {
   std::unique_ptr<X11FocusedApplication> focusedApplication;
   std::unique_ptr<X11Screens> screens;
   QtApplicationWindows windows;
+  QuickScenes scenes{windowPlaces()};
+  QtCriticalAlert alert;
+  DesktopAppearance appearance;
+  BusStatusItem statusItem{resourceFolder(u"icons/tray"_s)};
   QtSystemEvents systemEvents;
   AtspiSecureInput secureInput{gio};
   X11KeyEventSource keyEvents{keyPoster->keyboard()->connection().window()};

@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QSysInfo>
 
+#include "app/Updating.h"
 #include "platform/x11/X11FloatingPanel.h"
 
 namespace vemo {
@@ -13,6 +14,7 @@ Program::Program(Foundation& foundation, Desktop& desktop,
     : session(foundation.mainThread),
       hedgeSession(foundation.mainThread),
       sharedSession(foundation.mainThread),
+      updateSession(foundation.mainThread, updateLimits),
       permissionsOfSystem(
           [&desktop] { return desktop.microphoneAccess.authorization(); },
           [&desktop] { return desktop.keyEvents.canListen() && desktop.keyPoster->canPost(); },
@@ -59,10 +61,13 @@ Program::Program(Foundation& foundation, Desktop& desktop,
              .session = sharedSession,
              .configuration = configuration,
              .reader = SlackManager::Reader{diskReader, foundation.mainThread}}),
+      folderSheet(foundation.mainThread),
+      folderChooser(foundation.mainThread, folderSheet),
       workspace({.mainThread = foundation.mainThread,
                  .diskReader = diskReader,
                  .settings = foundation.settings,
                  .focusedApplication = *desktop.focusedApplication,
+                 .folderChooser = &folderChooser,
                  .configFolder = places::configFolder()}),
       permissions(permissionsOfSystem, foundation.clock, foundation.mainThread, telemetry),
       hotkey(desktop.keyEvents, desktop.loneModifier, foundation.clock, foundation.mainThread,
@@ -112,6 +117,27 @@ Program::Program(Foundation& foundation, Desktop& desktop,
                 .haptics = desktop.haptics,
                 .windows = desktop.windows,
                 .systemEvents = desktop.systemEvents}),
+      updates(
+          {.mainThread = foundation.mainThread,
+           .clock = foundation.clock,
+           .settings = foundation.settings,
+           .debugLog = foundation.debugLog,
+           .telemetry = telemetry,
+           .windows = desktop.windows,
+           .sheets = sheets,
+           .configuration = configuration,
+           .makeUpdater = makeUpdaterOver(updateSession, foundation, configuration, remotely.quit),
+           .isDictationIdle = [this] { return appState.phase() == Phase::idle(); },
+           .terminate = remotely.quit}),
+      menu({.settings = foundation.settings,
+            .appState = appState,
+            .auth = auth,
+            .permissions = permissions,
+            .scenes = desktop.scenes,
+            .updates = [this] { return menuUpdates(); },
+            .restartToUpdate = [this] { updates.restartToUpdate(); },
+            .checkForUpdates = [this] { updates.checkForUpdates(); },
+            .quitClosingSheets = [this] { updates.quitClosingSheets(); }}),
       mainWindow({.mainThread = foundation.mainThread,
                   .clock = foundation.clock,
                   .settings = foundation.settings,
@@ -123,10 +149,28 @@ Program::Program(Foundation& foundation, Desktop& desktop,
                   .dictionary = dictionary,
                   .shortcuts = shortcuts,
                   .configuration = configuration,
-                  .openSettings =
-                      [this] {
-                        if (openSettings) openSettings();
-                      }}),
+                  .openSettings = [&desktop] { desktop.scenes.open(Scene::Settings); },
+                  .menu = [this] { return menu.items(); },
+                  .update = &updateCard}),
+      loginItem(AutostartEntry::standard(QCoreApplication::applicationFilePath())),
+      settingsWindow({.mainThread = foundation.mainThread,
+                      .clock = foundation.clock,
+                      .settings = foundation.settings,
+                      .debugLog = foundation.debugLog,
+                      .telemetry = telemetry,
+                      .appState = appState,
+                      .auth = auth,
+                      .permissions = permissions,
+                      .hotkey = hotkey,
+                      .slackManager = slack,
+                      .workspaceIndexer = workspace,
+                      .folderChooser = folderSheet,
+                      .updates = updates,
+                      .clipboard = *desktop.clipboard,
+                      .localKeyMonitor = localKeyMonitor,
+                      .loginItem = loginItem,
+                      .windows = desktop.windows,
+                      .configuration = configuration}),
       machineSleep(desktop.gio, foundation.mainThread,
                    [this, &desktop] {
                      if (desktop.systemEvents.onDidWake) desktop.systemEvents.onDidWake();
@@ -139,7 +183,21 @@ Program::Program(Foundation& foundation, Desktop& desktop,
           auth.changed.observe([this] { tokenReader.secretsChanged(); }),
           slack.changed.observe([this] { tokenReader.secretsChanged(); })},
       tasks(foundation.mainThread),
-      remoteControl(appState, std::move(remotely)) {}
+      remoteControl(appState, std::move(remotely)) {
+  sheets.add(mainWindow);
+  sheets.add(settingsWindow);
+  observations.push_back(updates.changed.observe([this] { menu.updatesChanged(); }));
+  observations.push_back(updates.vemoCloseAllSheets.observe([this] { sheets.endAttached(); }));
+}
+
+MenuUpdates Program::menuUpdates() const {
+  const auto& ready = updates.readyUpdate();
+  return {.isConfigured = updates.isConfigured(),
+          .canCheckForUpdates = updates.canCheckForUpdates(),
+          .canRestartNow = updates.canRestartNow(),
+          .readyVersion = ready ? std::optional(ready->version) : std::nullopt,
+          .pendingVersion = updates.pendingUpdateVersion()};
+}
 
 void Program::tokenArrived(const QString& account) {
   if (account == authTokenAccount) auth.tokenArrived();

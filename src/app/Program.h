@@ -10,6 +10,7 @@
 #include "account/GoogleSignIn.h"
 #include "app/Desktop.h"
 #include "app/Foundation.h"
+#include "app/WindowSheets.h"
 #include "audio/AudioRecorder.h"
 #include "base/SerialQueue.h"
 #include "desktop/HotkeyManager.h"
@@ -23,8 +24,11 @@
 #include "platform/qt/QtLastRequest.h"
 #include "platform/sealed/SealedSecretBackend.h"
 #include "platform/secretservice/KeyringWatch.h"
+#include "platform/x11/X11LocalKeyMonitor.h"
+#include "platform/xdg/AutostartEntry.h"
 #include "platform/xdg/BrowserSignIn.h"
 #include "platform/xdg/LinuxPermissions.h"
+#include "platform/xdg/PortalFolderChooser.h"
 #include "session/AppState.h"
 #include "session/DictationRemoteControl.h"
 #include "session/DictionaryList.h"
@@ -37,6 +41,10 @@
 #include "transcription/TranscriptionClient.h"
 #include "ui/HUDWindowController.h"
 #include "ui/models/MainWindowModel.h"
+#include "ui/models/MenuModel.h"
+#include "ui/models/SettingsModel.h"
+#include "ui/models/UpdateReadyCardModel.h"
+#include "updates/UpdateManager.h"
 
 namespace vemo {
 
@@ -45,10 +53,12 @@ struct Program {
           DictationRemoteControl::Program remotely);
 
   void tokenArrived(const QString& account);
+  MenuUpdates menuUpdates() const;
 
   QtHttpSession session;
   QtHttpSession hedgeSession;
   QtHttpSession sharedSession;  ///< of everything but dictation
+  QtHttpSession updateSession;
   LinuxPermissions permissionsOfSystem;
   SealedSecretBackend sealedSecrets;  ///< where there is no keyring
   SecureTokenStore tokens;
@@ -63,6 +73,8 @@ struct Program {
   ShortcutList shortcuts;
   SerialQueue diskReader{"vemo.workspace"};
   SlackManager slack;
+  FolderChooserModel folderSheet;
+  PortalFolderChooser folderChooser;
   WorkspaceIndexer workspace;
   PermissionsManager permissions;
   HotkeyManager hotkey;
@@ -72,8 +84,14 @@ struct Program {
   TextInjector injector;
   HUDWindowController hud;
   AppState appState;
-  std::function<void()> openSettings;  ///< set by who shows the windows
+  WindowSheets sheets;
+  UpdateManager updates;
+  UpdateReadyCardModel updateCard{updates, appState};
+  MenuModel menu;
   MainWindowModel mainWindow;
+  X11LocalKeyMonitor localKeyMonitor;
+  AutostartEntry loginItem;
+  SettingsModel settingsWindow;
   LogindSleep machineSleep;
   KeyringWatch keyringWatch;
   std::vector<Observation> observations;

@@ -14,6 +14,7 @@
 #include "app/Application.h"
 #include "app/CommandLine.h"
 #include "app/TerminationSignals.h"
+#include "app/Updating.h"
 #include "platform/xdg/BusRemoteControl.h"
 #include "storage/StandardPlaces.h"
 
@@ -75,8 +76,10 @@ int runResident(int argc, char** argv) {
   QGuiApplication::setDesktopFileName(u"brelmox.Vemo"_s);
   auto application = Application::create(*std::move(configuration));
   if (!application) return complain(application.error(), failure);
+  if (!*application) return EXIT_SUCCESS;
   const int status = QGuiApplication::exec();
   application->reset();
+  becomeUpdatedProgram();
   limitTheWaitForThreads();
   return status;
 }

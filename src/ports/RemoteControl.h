@@ -24,6 +24,8 @@ class RemoteControl {
   /// Ends the wait for a sign-in page, which can't be seen to have been closed.
   virtual QString cancelSignIn() = 0;
   virtual QString signOut() = 0;
+  /// The user has started the program once more.
+  virtual void reopen() = 0;
   /// An address that the desktop opens with this program.
   virtual void open(const QString& address) = 0;
 };

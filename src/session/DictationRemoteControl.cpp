@@ -51,6 +51,10 @@ QString DictationRemoteControl::signOut() {
   return status();
 }
 
+void DictationRemoteControl::reopen() {
+  m_program.reopen();
+}
+
 void DictationRemoteControl::open(const QString& address) {
   m_program.open(address);
 }

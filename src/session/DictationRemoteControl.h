@@ -14,6 +14,7 @@ class DictationRemoteControl : public RemoteControl {
   /// What the program as a whole does.
   struct Program {
     std::function<void()> quit;
+    std::function<void()> reopen;
     std::function<void(const QString& address)> open;
   };
 
@@ -31,6 +32,7 @@ class DictationRemoteControl : public RemoteControl {
   QString signIn() override;
   QString cancelSignIn() override;
   QString signOut() override;
+  void reopen() override;
   void open(const QString& address) override;
 
  private:

@@ -40,6 +40,9 @@ class QuickScenes : public Scenes {
   void close(Scene scene) override;
   bool isOpen(Scene scene) const override;
 
+  /// Closes all windows and gives their models free, at once.
+  void closeAll() { m_windows.reset(); }
+
   void setLook(const WindowLook& look);
   void setActivationPolicy(ActivationPolicy policy);
 

@@ -33,6 +33,7 @@ class BusRemoteControl::Adaptor : public QObject {
   QString signIn() { return m_control.signIn(); }
   QString cancelSignIn() { return m_control.cancelSignIn(); }
   QString signOut() { return m_control.signOut(); }
+  void reopen() { m_control.reopen(); }
   void open(const QString& address) { m_control.open(address); }
 
  private:

@@ -4,7 +4,6 @@
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
-#include <QDBusVariant>
 
 namespace vemo {
 
@@ -14,42 +13,61 @@ namespace {
 
 constexpr uint prefersDark = 1;
 
-/// org.freedesktop.portal.Settings, and the key of it that all desktops share.
-QDBusMessage questionForColorScheme() {
-  auto question = QDBusMessage::createMethodCall(u"org.freedesktop.portal.Desktop"_s,
-                                                 u"/org/freedesktop/portal/desktop"_s,
-                                                 u"org.freedesktop.portal.Settings"_s, u"Read"_s);
-  question << u"org.freedesktop.appearance"_s << u"color-scheme"_s;
-  return question;
+const QString service = u"org.freedesktop.portal.Desktop"_s;
+const QString path = u"/org/freedesktop/portal/desktop"_s;
+const QString interface = u"org.freedesktop.portal.Settings"_s;
+
+// The one key that all desktops share, and the one that most of them pass on.
+const QString appearanceSpace = u"org.freedesktop.appearance"_s;
+const QString colorScheme = u"color-scheme"_s;
+const QString interfaceSpace = u"org.gnome.desktop.interface"_s;
+const QString enableAnimations = u"enable-animations"_s;
+
+/// Read() wraps its value twice.
+QVariant unwrapped(QVariant value) {
+  while (value.canConvert<QDBusVariant>()) value = value.value<QDBusVariant>().variant();
+  return value;
 }
 
 }  // namespace
 
 DesktopAppearance::DesktopAppearance() {
-  ask();
+  QDBusConnection::sessionBus().connect(service, path, interface, u"SettingChanged"_s, this,
+                                        SLOT(settingChanged(QString, QString, QDBusVariant)));
+  ask(appearanceSpace, colorScheme);
+  ask(interfaceSpace, enableAnimations);
 }
 
 std::optional<QString> DesktopAppearance::read() {
-  ask();
+  ask(appearanceSpace, colorScheme);
   return m_name;
 }
 
-void DesktopAppearance::ask() {
-  const auto call = QDBusConnection::sessionBus().asyncCall(questionForColorScheme());
-  auto* watcher = new QDBusPendingCallWatcher(call, this);
-  connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
+void DesktopAppearance::ask(const QString& space, const QString& key) {
+  auto question = QDBusMessage::createMethodCall(service, path, interface, u"Read"_s);
+  question << space << key;
+  auto* watcher =
+      new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(question), this);
+  connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher, space, key] {
     watcher->deleteLater();
     const QDBusPendingReply<QDBusVariant> reply = *watcher;
-    if (reply.isError()) return;
-    // Read() wraps its value twice.
-    const QVariant value = reply.value().variant();
-    take(value.canConvert<QDBusVariant>() ? value.value<QDBusVariant>().variant() : value);
+    if (!reply.isError()) take(space, key, unwrapped(reply.value().variant()));
   });
 }
 
-void DesktopAppearance::take(const QVariant& colorScheme) {
-  if (colorScheme.typeId() != QMetaType::UInt) return;
-  m_name = colorScheme.toUInt() == prefersDark ? u"dark"_s : u"light"_s;
+void DesktopAppearance::settingChanged(const QString& space, const QString& key,
+                                       const QDBusVariant& value) {
+  take(space, key, unwrapped(value.variant()));
+}
+
+void DesktopAppearance::take(const QString& space, const QString& key, const QVariant& value) {
+  const auto nameBefore = m_name;
+  const bool motionBefore = m_hasReducedMotion;
+  if (space == appearanceSpace && key == colorScheme && value.typeId() == QMetaType::UInt)
+    m_name = value.toUInt() == prefersDark ? u"dark"_s : u"light"_s;
+  if (space == interfaceSpace && key == enableAnimations && value.typeId() == QMetaType::Bool)
+    m_hasReducedMotion = !value.toBool();
+  if ((m_name != nameBefore || m_hasReducedMotion != motionBefore) && onChanged) onChanged();
 }
 
 }  // namespace vemo

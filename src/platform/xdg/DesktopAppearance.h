@@ -1,28 +1,43 @@
-// Whether the desktop is light or dark, as its settings portal tells.
+// What the desktop's user prefers to look at, as its settings portal tells: light or dark, and
+// whether things move.
 //
-// Nobody waits for a portal: reading gives what it answered last, and asks it again for the next
-// time. Main thread only.
+// Nobody waits for a portal: reading gives what it told last. It is asked at the start and when it
+// is read, and tells of changes by itself. Main thread only.
 #pragma once
 
+#include <QDBusVariant>
 #include <QObject>
 #include <QString>
 #include <QVariant>
+#include <functional>
 #include <optional>
 
 namespace vemo {
 
 class DesktopAppearance : public QObject {
+  Q_OBJECT
+
  public:
   DesktopAppearance();
 
   /// "light" or "dark"; nothing while it isn't known. A desktop without a preference is light.
   std::optional<QString> read();
 
+  std::optional<QString> name() const { return m_name; }
+  bool hasReducedMotion() const { return m_hasReducedMotion; }
+
+  /// Called when the portal tells something else than before.
+  std::function<void()> onChanged;
+
+ private Q_SLOTS:
+  void settingChanged(const QString& space, const QString& key, const QDBusVariant& value);
+
  private:
-  void ask();
-  void take(const QVariant& colorScheme);
+  void ask(const QString& space, const QString& key);
+  void take(const QString& space, const QString& key, const QVariant& value);
 
   std::optional<QString> m_name;
+  bool m_hasReducedMotion = false;
 };
 
 }  // namespace vemo

@@ -29,6 +29,7 @@ class RecordingRemoteControl : public RemoteControl {
   QString signIn() override { return note("signIn"); }
   QString cancelSignIn() override { return note("cancelSignIn"); }
   QString signOut() override { return note("signOut"); }
+  void reopen() override { note("reopen"); }
   void open(const QString& address) override { note(("open " + address.toUtf8()).constData()); }
 
   std::vector<std::string> calls;

@@ -13,6 +13,13 @@ TEST(CommandLineTest, WithoutAWordTheProgramRuns) {
   EXPECT_TRUE(std::holds_alternative<RunCommand>(*commandLine));
 }
 
+TEST(CommandLineTest, StartedAtLoginTheProgramRunsToo) {
+  const auto commandLine = parseCommandLine({u"--launched-at-login"_s});
+  ASSERT_TRUE(commandLine);
+  EXPECT_TRUE(std::holds_alternative<RunCommand>(*commandLine));
+  EXPECT_FALSE(parseCommandLine({u"--launched-at-login"_s, u"twice"_s}));
+}
+
 TEST(CommandLineTest, EachRemoteCommandIsTakenAsItStands) {
   for (const auto& name : {u"toggle"_s, u"start"_s, u"stop"_s, u"status"_s, u"quit"_s}) {
     const auto commandLine = parseCommandLine({name});

@@ -1,0 +1,71 @@
+#include "app/Face.h"
+
+#include <QGuiApplication>
+#include <QPalette>
+
+#include "app/Desktop.h"
+#include "app/Foundation.h"
+#include "app/Program.h"
+#include "platform/qt/QtTaskBar.h"
+
+namespace vemo {
+
+Face::Face(Foundation& foundation, Desktop& desktop, Program& program)
+    : m_foundation(foundation), m_desktop(desktop), m_program(program) {
+  connectWindows();
+  connectStatusItem();
+}
+
+Face::~Face() {
+  m_desktop.scenes.closeAll();
+  m_desktop.statusItem.onActivated = {};
+  m_desktop.statusItem.onHostKnown = {};
+  m_desktop.statusItem.setMenu({});
+  m_desktop.appearance.onChanged = {};
+}
+
+void Face::connectWindows() {
+  QuickScenes& scenes = m_desktop.scenes;
+  scenes.modelOf = [this](Scene scene) -> QObject& {
+    if (scene == Scene::Settings) return m_program.settingsWindow;
+    return m_program.mainWindow;
+  };
+  scenes.applyPolicy = applyTaskBarPolicy;
+  m_desktop.windows.onPolicyChanged = [&scenes](ActivationPolicy policy) {
+    scenes.setActivationPolicy(policy);
+  };
+  scenes.setActivationPolicy(m_desktop.windows.activationPolicy());
+  m_desktop.appearance.onChanged = [this] { showLook(); };
+  showLook();
+}
+
+void Face::connectStatusItem() {
+  m_desktop.statusItem.onActivated = [this] { m_desktop.scenes.open(Scene::Main); };
+  m_desktop.statusItem.onHostKnown = [this] { sayThatNoPanelIsThere(); };
+  m_observations.push_back(m_program.menu.changed.observe([this] { showMenu(); }));
+  showMenu();
+}
+
+void Face::showMenu() {
+  m_desktop.statusItem.setMenu(m_program.menu.items());
+  m_desktop.statusItem.setImage(m_program.menu.statusImage());
+}
+
+/// Where no portal tells, the desktop's palette does.
+void Face::showLook() {
+  const auto told = m_desktop.appearance.name();
+  const bool isPaletteDark = QGuiApplication::palette().window().color().lightness() < 128;
+  m_desktop.scenes.setLook({.isDark = told ? *told == u"dark" : isPaletteDark,
+                            .hasReducedMotion = m_desktop.appearance.hasReducedMotion()});
+}
+
+void Face::sayThatNoPanelIsThere() {
+  if (m_desktop.statusItem.hasHost() || m_hasSaidThatNoPanelIsThere) return;
+  m_hasSaidThatNoPanelIsThere = true;
+  m_foundation.debugLog(
+      u"tray: no panel shows status items here; the menu is in the main window"_s);
+  m_program.mainWindow.toast()->show(QGuiApplication::translate(
+      "Face", "Your panel doesn't show Vemo's icon. Its menu is in this window."));
+}
+
+}  // namespace vemo

@@ -1,0 +1,36 @@
+// What the user sees of the program beside the pill: brings together windows, the panel's item and
+// the models that they show.
+//
+// Made once, on the main thread, when the logic stands; outlived by what it connects.
+#pragma once
+
+#include <vector>
+
+#include "base/Notifier.h"
+
+namespace vemo {
+
+struct Desktop;
+struct Foundation;
+struct Program;
+
+class Face {
+ public:
+  Face(Foundation& foundation, Desktop& desktop, Program& program);
+  ~Face();
+
+ private:
+  void connectWindows();
+  void connectStatusItem();
+  void showMenu();
+  void showLook();
+  void sayThatNoPanelIsThere();
+
+  Foundation& m_foundation;
+  Desktop& m_desktop;
+  Program& m_program;
+  bool m_hasSaidThatNoPanelIsThere = false;
+  std::vector<Observation> m_observations;
+};
+
+}  // namespace vemo
