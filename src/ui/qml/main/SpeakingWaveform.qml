@@ -21,7 +21,9 @@ Row {
 
             required property int index
             readonly property real restingHeight: waveform.restingHeights[index % waveform.restingHeights.length]
-            property real level: restingHeight
+            /// From the height at rest, at 0, to its opposite, at 1.
+            property real swing: 0
+            readonly property real level: restingHeight + swing * (Math.max(0.15, 1 - restingHeight) - restingHeight)
 
             anchors.verticalCenter: parent ? parent.verticalCenter : undefined
             width: 6
@@ -30,17 +32,17 @@ Row {
             color: Theme.accent
             opacity: 0.55 + 0.45 * restingHeight
 
-            SequentialAnimation on level {
+            SequentialAnimation on swing {
                 running: !Theme.reducedMotion && waveform.visible
                 loops: Animation.Infinite
 
                 NumberAnimation {
-                    to: Math.max(0.15, 1 - bar.restingHeight)
+                    to: 1
                     duration: 520 + 70 * (bar.index % 4)
                     easing.type: Easing.InOutSine
                 }
                 NumberAnimation {
-                    to: bar.restingHeight
+                    to: 0
                     duration: 520 + 70 * ((bar.index + 2) % 4)
                     easing.type: Easing.InOutSine
                 }
