@@ -80,6 +80,7 @@ class Vemo:
         self._api_address = api_address
         self._prepare_home = prepare_home
         self.wrapper = []
+        self.program = program("vemo")
 
     def __enter__(self):
         self.home = pathlib.Path(tempfile.mkdtemp(prefix="home-"))
@@ -103,7 +104,7 @@ class Vemo:
         self.output = self.home / "output"
         with open(self.output, "ab") as output:
             os.fchmod(output.fileno(), 0o600)
-            self.process = subprocess.Popen([*self.wrapper, program("vemo")], env=self.environment,
+            self.process = subprocess.Popen([*self.wrapper, self.program], env=self.environment,
                                             stdin=subprocess.DEVNULL, stdout=output, stderr=subprocess.STDOUT)
         try:
             wait_until(self.is_idle, lambda: f"Vemo to be idle; {self.story()}")
