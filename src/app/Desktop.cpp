@@ -1,14 +1,11 @@
 #include "app/Desktop.h"
 
 #include <QCoreApplication>
-#include <QFileInfo>
 
 namespace vemo {
 
 QString resourceFolder(const QString& name) {
-  const QString installed = QCoreApplication::applicationDirPath() + u"/../share/vemo/"_s + name;
-  return QFileInfo::exists(installed) ? installed
-                                      : QString::fromUtf8(VEMO_RESOURCES_IN_SOURCE) + u'/' + name;
+  return QCoreApplication::applicationDirPath() + u"/../share/vemo/"_s + name;
 }
 
 QuickScenes::Places windowPlaces() {

@@ -65,10 +65,13 @@ std::expected<QString, QString> sendCommand(const QString& command, const QStrin
   const auto bus = QDBusConnection::sessionBus();
   if (!bus.isConnected()) return std::unexpected(u"There is no session bus to reach Vemo on."_s);
   auto call = QDBusMessage::createMethodCall(busName, objectPath, busName, command);
+  // A command is for the program that runs: it starts none, though the bus could.
+  call.setAutoStartService(false);
   for (const QString& argument : arguments) call << argument;
   const auto answer = bus.call(call, QDBus::Block, answerTimeoutMs);
   if (answer.type() == QDBusMessage::ErrorMessage) {
-    if (answer.errorName() == u"org.freedesktop.DBus.Error.ServiceUnknown")
+    if (answer.errorName() == u"org.freedesktop.DBus.Error.NameHasNoOwner" ||
+        answer.errorName() == u"org.freedesktop.DBus.Error.ServiceUnknown")
       return std::unexpected(u"Vemo isn't running."_s);
     if (answer.errorName() == u"org.freedesktop.DBus.Error.UnknownObject")
       return std::unexpected(u"Vemo is still starting."_s);
