@@ -87,6 +87,7 @@ Item {
                 }
             }
             SpeakingWaveform {
+                Layout.preferredHeight: fullHeight
                 Layout.alignment: Qt.AlignVCenter
                 visible: card.width >= 560
             }

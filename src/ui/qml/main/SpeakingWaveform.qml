@@ -7,10 +7,11 @@ Row {
     id: waveform
 
     property int barCount: 9
+    readonly property real fullHeight: 72
     readonly property var restingHeights: [0.25, 0.45, 0.7, 0.5, 1, 0.6, 0.8, 0.4, 0.25]
 
     spacing: 6
-    height: 72
+    height: fullHeight
     Accessible.ignored: true
 
     Repeater {
@@ -27,7 +28,7 @@ Row {
 
             anchors.verticalCenter: parent ? parent.verticalCenter : undefined
             width: 6
-            height: Math.max(width, waveform.height * level)
+            height: Math.max(width, waveform.fullHeight * level)
             radius: width / 2
             color: Theme.accent
             opacity: 0.55 + 0.45 * restingHeight
