@@ -44,8 +44,8 @@ std::expected<std::unique_ptr<AccountServices>, std::string> AccountServices::op
 AccountServices::AccountServices(const Configuration& configuration, boost::asio::io_context& io,
                                  const Report& report, std::vector<TrustedProvider> providers,
                                  const Now& now)
-    : m_database(configuration.accounts.database, databaseSize, report),
-      m_checks(std::move(providers)),
+    : m_checks(std::move(providers)),
+      m_database(configuration.accounts.database, databaseSize, report),
       m_usage(m_database, io.get_executor(), now),
       m_accounts(m_database,
                  configuration.accounts.betaUpdates ? BetaUpdates::Yes : BetaUpdates::No, now),

@@ -27,6 +27,8 @@ class AccountServices {
       const Configuration& configuration, boost::asio::io_context& io, AccessLog& log,
       std::vector<TrustedProvider> ownProviders = {}, Now now = currentMoment);
 
+  ~AccountServices() { m_checks.stop(); }
+
   void addTo(Router& router);
   void stop();
 
@@ -44,8 +46,9 @@ class AccountServices {
 
   void clearLater();
 
-  DatabaseWorkers m_database;
+  // The two ask each other: the checks' threads end first, the checks themselves last.
   IdTokenChecks m_checks;
+  DatabaseWorkers m_database;
   UsageMeter m_usage;
   AccountApi m_accounts;
   SignInApi m_signIns;

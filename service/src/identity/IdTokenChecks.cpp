@@ -8,6 +8,10 @@ IdTokenChecks::IdTokenChecks(std::vector<TrustedProvider> providers)
     : m_providers(std::move(providers)) {}
 
 IdTokenChecks::~IdTokenChecks() {
+  stop();
+}
+
+void IdTokenChecks::stop() {
   m_pool.stop();
   m_pool.join();
 }

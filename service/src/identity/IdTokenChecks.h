@@ -37,6 +37,9 @@ class IdTokenChecks {
   explicit IdTokenChecks(std::vector<TrustedProvider> providers);
   ~IdTokenChecks();
 
+  /// Ends the threads; what is asked from now on is dropped with this object.
+  void stop();
+
   void check(std::string idToken, std::optional<std::string> nonce, Moment now,
              Completion completion);
 
