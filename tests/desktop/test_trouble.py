@@ -250,6 +250,7 @@ class ControlTest(TroubleTest):
         self.assertEqual((result.returncode, result.stdout + result.stderr), (0, b""))
         self.assertEqual((self.vemo.configuration / "settings.json").read_bytes(), settings)
         self.assertIsNone(self.vemo.process.poll(), result.stderr)
+        self.vemo.put_window_away()
         self.assert_dictation_works()
 
     def test_no_core_file_can_be_written(self):

@@ -108,9 +108,21 @@ class Vemo:
                                             stdin=subprocess.DEVNULL, stdout=output, stderr=subprocess.STDOUT)
         try:
             wait_until(self.is_idle, lambda: f"Vemo to be idle; {self.story()}")
+            self.put_window_away()
         except BaseException:
             self.__exit__()
             raise
+
+    def windows(self):
+        search = ["xdotool", "search", "--onlyvisible", "--all", "--pid", str(self.process.pid), "--name", "^Vemo$"]
+        return subprocess.run(search, capture_output=True, check=False).stdout.decode().split()
+
+    def put_window_away(self):
+        """Minimizes the window that came up at the start, so that the focus is with whoever had it."""
+        wait_until(self.windows, lambda: f"the window of Vemo; {self.story()}")
+        for window in self.windows():
+            subprocess.run(["xdotool", "windowminimize", window], check=False)
+        wait_until(lambda: not self.windows(), "the window of Vemo to be out of sight")
 
     def __exit__(self, *_):
         self.command("quit")
