@@ -45,3 +45,8 @@ if(VEMO_HARDENED)
   add_compile_options(-ffile-prefix-map=${CMAKE_BINARY_DIR}=build
                       -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.)
 endif()
+
+# What the fuzzers steer by. Test programs of the same folder bring no fuzzer and take no notice of it.
+if(VEMO_BUILD_FUZZERS)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
