@@ -32,6 +32,7 @@ void QtApplicationWindows::activate() {
     if (!toActivate && canBecomeMain(*window) && window->isVisible()) toActivate = window;
   }
   if (!toActivate) return;
+  toActivate->setWindowStates(toActivate->windowStates() & ~Qt::WindowMinimized);
   toActivate->raise();
   toActivate->requestActivate();
 }
