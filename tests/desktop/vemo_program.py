@@ -12,6 +12,7 @@ import wave
 
 from gi.repository import Gio
 
+import window_manager
 from virtual_desktop import wait_until
 
 SERVICE_AND_ACCOUNT = ["service", "brelmox.Vemo", "account", "authToken"]
@@ -118,10 +119,10 @@ class Vemo:
         return subprocess.run(search, capture_output=True, check=False).stdout.decode().split()
 
     def put_window_away(self):
-        """Minimizes the window that came up at the start, so that the focus is with whoever had it."""
+        """Closes the window that came up at the start, so that the focus is with whoever had it."""
         wait_until(self.windows, lambda: f"the window of Vemo; {self.story()}")
         for window in self.windows():
-            subprocess.run(["xdotool", "windowminimize", window], check=False)
+            window_manager.close(window)
         wait_until(lambda: not self.windows(), "the window of Vemo to be out of sight")
 
     def __exit__(self, *_):

@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <utility>
 
+#include "platform/quick/CleanPages.h"
+
 namespace vemo {
 
 QuickScenes::QuickScenes(Places places) : m_places(std::move(places)) {}
@@ -59,7 +61,10 @@ bool QuickScenes::load() {
 }
 
 void QuickScenes::freed() {
-  if (!isOpen(Scene::Main) && !isOpen(Scene::Settings)) malloc_trim(0);
+  if (!isOpen(Scene::Main) && !isOpen(Scene::Settings)) {
+    malloc_trim(0);
+    letGoOfCleanPages();
+  }
   if (onChanged) onChanged();
 }
 
