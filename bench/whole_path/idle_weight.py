@@ -26,6 +26,7 @@ def measure(seconds):
 
     store_token("token-of-the-benchmark")
     with DictationServer() as server, Vemo(server.address) as vemo:
+        time.sleep(SETTLING_SECONDS)
         fresh = resident_mb(vemo.process.pid)
         server.answers = [transcription("A sentence.")]
         vemo.dictate()
