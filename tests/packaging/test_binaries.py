@@ -48,10 +48,10 @@ class BinariesTest(unittest.TestCase):
         self.assertIn("-D_FORTIFY_SOURCE=3", commands)
         self.assertNotRegex(commands, r"-D_FORTIFY_SOURCE=[012]\b")
 
-    @unittest.skipUnless(os.uname().machine == "x86_64", "only this processor's ABI has it")
-    def test_functions_that_can_be_jumped_to_begin_with_a_landing_pad(self):
-        for binary in self.of_each():
-            self.assertGreater(binary.read_bytes().count(b"\xf3\x0f\x1e\xfa"), 100)
+    if os.uname().machine == "x86_64":  # the one ABI that has them
+        def test_functions_that_can_be_jumped_to_begin_with_a_landing_pad(self):
+            for binary in self.of_each():
+                self.assertGreater(binary.read_bytes().count(b"\xf3\x0f\x1e\xfa"), 100)
 
     def test_no_search_path_is_left_in_an_installed_binary(self):
         for binary in self.of_each():
