@@ -11,12 +11,16 @@
 namespace vemo {
 
 Face::Face(Foundation& foundation, Desktop& desktop, Program& program)
-    : m_foundation(foundation), m_desktop(desktop), m_program(program) {
+    : m_foundation(foundation),
+      m_desktop(desktop),
+      m_program(program),
+      m_tasks(foundation.mainThread) {
   connectWindows();
   connectStatusItem();
 }
 
 Face::~Face() {
+  m_desktop.scenes.onChanged = {};
   m_desktop.scenes.closeAll();
   m_desktop.statusItem.onActivated = {};
   m_desktop.statusItem.onHostKnown = {};
@@ -30,6 +34,9 @@ void Face::connectWindows() {
     if (scene == Scene::Settings) return m_program.settingsWindow;
     return m_program.mainWindow;
   };
+  scenes.onChanged = [this] {
+    m_tasks.start([this](std::stop_token stop) { return lookWhereTheFocusWent(std::move(stop)); });
+  };
   scenes.applyPolicy = applyTaskBarPolicy;
   m_desktop.windows.onPolicyChanged = [&scenes](ActivationPolicy policy) {
     scenes.setActivationPolicy(policy);
@@ -37,6 +44,12 @@ void Face::connectWindows() {
   scenes.setActivationPolicy(m_desktop.windows.activationPolicy());
   m_desktop.appearance.onChanged = [this] { showLook(); };
   showLook();
+}
+
+/// The window manager and the next program take a moment to pass the focus on.
+Task<> Face::lookWhereTheFocusWent(std::stop_token stop) {
+  co_await m_foundation.clock.sleep(std::chrono::milliseconds(300), stop);
+  if (!stop.stop_requested()) m_desktop.secureInput.lookAgain();
 }
 
 void Face::connectStatusItem() {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "base/Notifier.h"
+#include "base/TaskScope.h"
 
 namespace vemo {
 
@@ -22,6 +23,7 @@ class Face {
  private:
   void connectWindows();
   void connectStatusItem();
+  Task<> lookWhereTheFocusWent(std::stop_token stop);
   void showMenu();
   void showLook();
   void sayThatNoPanelIsThere();
@@ -31,6 +33,7 @@ class Face {
   Program& m_program;
   bool m_hasSaidThatNoPanelIsThere = false;
   std::vector<Observation> m_observations;
+  TaskScope m_tasks;
 };
 
 }  // namespace vemo

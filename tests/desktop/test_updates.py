@@ -52,6 +52,8 @@ class UpdateTest(unittest.TestCase):
         self.copy = self.folder / "vemo"
         (self.copy / "versions/1/bin").mkdir(parents=True)
         shutil.copy(program("vemo"), self.copy / "versions/1/bin/vemo")
+        shutil.copytree(program("../lib/vemo"), self.copy / "versions/1/lib/vemo")
+        shutil.copytree(program("../share/vemo"), self.copy / "versions/1/share/vemo")
         (self.copy / "current").symlink_to("versions/1")
         self.started = self.folder / "started"
 

@@ -115,9 +115,14 @@ void AtspiFocus::listen() {
     if (std::strlen(owner) > 0) requestEvents();
   });
   requestEvents();
-  m_search = std::make_unique<AtspiFocusSearch>(*m_bus, [this](const AtspiObject& object) {
-    if (!m_focused) m_focused = object;
-  });
+  search();
+}
+
+/// A report that comes meanwhile is newer, and ends the search.
+void AtspiFocus::search() {
+  if (!m_objects) return;
+  m_search = std::make_unique<AtspiFocusSearch>(
+      *m_bus, [this](const AtspiObject& object) { m_focused = object; });
 }
 
 void AtspiFocus::requestEvents() {

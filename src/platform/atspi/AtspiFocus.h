@@ -22,6 +22,9 @@ class AtspiFocus {
   explicit AtspiFocus(GioThread& thread);
   ~AtspiFocus();
 
+  /// Looks for what has the focus now, in case its program hasn't reported that.
+  void search();
+
   /// Whether a password field in the window in front has the focus, false when it can't be told.
   /// No answer comes when the programs asked give none, or this object goes first.
   void askForPassword(std::function<void(bool)> answer);

@@ -40,4 +40,8 @@ bool AtspiSecureInput::isActive() const {
   return question->isAnswered.try_acquire_for(longestWait) && question->isPassword;
 }
 
+void AtspiSecureInput::lookAgain() {
+  m_thread.post([this] { m_focus->search(); });
+}
+
 }  // namespace vemo

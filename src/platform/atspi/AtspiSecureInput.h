@@ -24,6 +24,10 @@ class AtspiSecureInput : public SecureInput {
 
   bool isActive() const override;
 
+  /// Finds out what has the focus without waiting: for after a window of this program has closed,
+  /// since not every program reports that the focus has come back to it.
+  void lookAgain();
+
  private:
   GioThread& m_thread;
   std::unique_ptr<AtspiFocus> m_focus;  ///< on the thread
