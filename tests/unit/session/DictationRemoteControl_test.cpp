@@ -12,7 +12,9 @@ using DictationRemoteControlTest = SessionFixture;
 TEST_F(DictationRemoteControlTest, StartStopAndToggleDriveADictation) {
   startUp();
   int quits = 0;
-  DictationRemoteControl remote(*appState, {.quit = [&] { ++quits; }, .open = {}});
+  int reopenings = 0;
+  DictationRemoteControl remote(
+      *appState, {.quit = [&] { ++quits; }, .reopen = [&] { ++reopenings; }, .open = {}});
   EXPECT_EQ(remote.status(), u"idle"_s);
   EXPECT_EQ(remote.start(), u"recording"_s);
   EXPECT_EQ(remote.start(), u"recording"_s) << "a second start changes nothing";
@@ -27,6 +29,8 @@ TEST_F(DictationRemoteControlTest, StartStopAndToggleDriveADictation) {
   EXPECT_EQ(remote.start(), u"idle: Sign in to connect"_s);
   remote.quit();
   EXPECT_EQ(quits, 1);
+  remote.reopen();
+  EXPECT_EQ(reopenings, 1);
 }
 
 TEST_F(DictationRemoteControlTest, TheUserSignsInAndOut) {
@@ -35,7 +39,8 @@ TEST_F(DictationRemoteControlTest, TheUserSignsInAndOut) {
   startUp();
   QStringList opened;
   DictationRemoteControl remote(
-      *appState, {.quit = {}, .open = [&](const QString& address) { opened.append(address); }});
+      *appState,
+      {.quit = {}, .reopen = {}, .open = [&](const QString& address) { opened.append(address); }});
   remote.signIn();
   clock.advance(0s);
   EXPECT_TRUE(auth->isWorking());
