@@ -3,6 +3,7 @@
 #include <poll.h>
 #include <xcb/xcbext.h>
 
+#include <QAbstractEventDispatcher>
 #include <QMetaObject>
 #include <algorithm>
 #include <cerrno>
@@ -52,6 +53,8 @@ X11Connection::X11Connection(xcb_connection_t* connection, int screenNumber)
                                                  QSocketNotifier::Read);
   QObject::connect(m_notifier.get(), &QSocketNotifier::activated, m_notifier.get(),
                    [this] { processEvents(); });
+  QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock,
+                   m_notifier.get(), [this] { takeEvents(xcb_poll_for_queued_event); });
 }
 
 X11Connection::~X11Connection() {
@@ -79,7 +82,7 @@ void* X11Connection::waitForReply(unsigned int sequence) {
   flush();
   const auto deadline = SteadyClock::now() + (m_isStalled ? replyTimeout * 0 : replyTimeout);
   while (true) {
-    readEvents();
+    takeEvents(xcb_poll_for_event);
     void* reply = nullptr;
     xcb_generic_error_t* error = nullptr;
     if (xcb_poll_for_reply(m_connection, sequence, &reply, &error)) {
@@ -166,10 +169,10 @@ std::optional<X11Property> X11Connection::property(xcb_window_t window, xcb_atom
   return property;
 }
 
-void X11Connection::readEvents() {
+/// What xcb has read no longer wakes the notifier, and it reads with each flush and each reply.
+void X11Connection::takeEvents(xcb_generic_event_t* (*poll)(xcb_connection_t*)) {
   const bool wereEvents = !m_events.empty();
-  while (xcb_generic_event_t* event = xcb_poll_for_event(m_connection))
-    m_events.emplace_back(event);
+  while (xcb_generic_event_t* event = poll(m_connection)) m_events.emplace_back(event);
   if (!isAlive()) {
     // A dead socket stays readable for ever.
     if (m_notifier->isEnabled()) {
@@ -180,13 +183,12 @@ void X11Connection::readEvents() {
       QMetaObject::invokeMethod(m_notifier.get(), tell, Qt::QueuedConnection);
     }
   } else if (!wereEvents && !m_events.empty()) {
-    // What has been read no longer wakes the notifier.
     QMetaObject::invokeMethod(m_notifier.get(), [this] { processEvents(); }, Qt::QueuedConnection);
   }
 }
 
 void X11Connection::processEvents() {
-  readEvents();
+  takeEvents(xcb_poll_for_event);
   while (!m_events.empty()) {
     const auto event = std::move(m_events.front());
     m_events.pop_front();

@@ -100,7 +100,7 @@ class X11Connection {
   X11Connection(xcb_connection_t* connection, int screenNumber);
 
   void* waitForReply(unsigned int sequence);
-  void readEvents();
+  void takeEvents(xcb_generic_event_t* (*poll)(xcb_connection_t*));
   bool waitForInput(std::chrono::steady_clock::time_point deadline) const;
 
   xcb_connection_t* m_connection;
