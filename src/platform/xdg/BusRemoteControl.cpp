@@ -1,7 +1,10 @@
 #include "platform/xdg/BusRemoteControl.h"
 
 #include <QDBusConnection>
+#include <QDBusContext>
 #include <QDBusMessage>
+#include <functional>
+#include <type_traits>
 
 #include "ports/RemoteControl.h"
 
@@ -13,52 +16,65 @@ namespace {
 
 const QString busName = u"brelmox.Vemo"_s;
 const QString objectPath = u"/brelmox/Vemo"_s;
+const QString stillStarting = u"brelmox.Vemo.Error.Starting"_s;
 constexpr int answerTimeoutMs = 5000;
 
 }  // namespace
 
-class BusRemoteControl::Adaptor : public QObject {
+class BusRemoteControl::Adaptor : public QObject, protected QDBusContext {
   Q_OBJECT
   Q_CLASSINFO("D-Bus Interface", "brelmox.Vemo")
 
+  template <typename Operation, typename... Arguments>
+  auto ask(Operation operation, const Arguments&... arguments) {
+    using Answer = std::invoke_result_t<Operation, RemoteControl&, const Arguments&...>;
+    if (m_control) return std::invoke(operation, *m_control, arguments...);
+    sendErrorReply(stillStarting, u"It has only begun to start."_s);
+    return Answer();
+  }
+
  public:
-  explicit Adaptor(RemoteControl& control) : m_control(control) {}
+  void serve(RemoteControl& control) { m_control = &control; }
 
  public Q_SLOTS:
-  QString toggle() { return m_control.toggle(); }
-  QString start() { return m_control.start(); }
-  QString stop() { return m_control.stop(); }
-  QString status() { return m_control.status(); }
-  void quit() { m_control.quit(); }
-  QString signIn() { return m_control.signIn(); }
-  QString cancelSignIn() { return m_control.cancelSignIn(); }
-  QString signOut() { return m_control.signOut(); }
-  void reopen() { m_control.reopen(); }
-  void open(const QString& address) { m_control.open(address); }
+  QString toggle() { return ask(&RemoteControl::toggle); }
+  QString start() { return ask(&RemoteControl::start); }
+  QString stop() { return ask(&RemoteControl::stop); }
+  QString status() { return ask(&RemoteControl::status); }
+  void quit() { ask(&RemoteControl::quit); }
+  QString signIn() { return ask(&RemoteControl::signIn); }
+  QString cancelSignIn() { return ask(&RemoteControl::cancelSignIn); }
+  QString signOut() { return ask(&RemoteControl::signOut); }
+  void reopen() { ask(&RemoteControl::reopen); }
+  void open(const QString& address) { ask(&RemoteControl::open, address); }
 
  private:
-  RemoteControl& m_control;
+  RemoteControl* m_control = nullptr;
 };
 
-BusRemoteControl::BusRemoteControl() = default;
+BusRemoteControl::BusRemoteControl() : m_adaptor(std::make_unique<Adaptor>()) {
+  // Before the name: the bus hands the call that made it start the program over with the name.
+  QDBusConnection::sessionBus().registerObject(objectPath, m_adaptor.get(),
+                                               QDBusConnection::ExportAllSlots);
+}
 
 BusRemoteControl::~BusRemoteControl() {
   auto bus = QDBusConnection::sessionBus();
-  bus.unregisterService(busName);
-  if (m_adaptor) bus.unregisterObject(objectPath);
+  if (m_hasName) bus.unregisterService(busName);
+  bus.unregisterObject(objectPath);
 }
 
 std::expected<std::unique_ptr<BusRemoteControl>, BusNameError> BusRemoteControl::create() {
   auto bus = QDBusConnection::sessionBus();
   if (!bus.isConnected()) return std::unexpected(BusNameError::NoBus);
-  if (!bus.registerService(busName)) return std::unexpected(BusNameError::Taken);
-  return std::unique_ptr<BusRemoteControl>(new BusRemoteControl);
+  std::unique_ptr<BusRemoteControl> remote(new BusRemoteControl);
+  remote->m_hasName = bus.registerService(busName);
+  if (!remote->m_hasName) return std::unexpected(BusNameError::Taken);
+  return remote;
 }
 
 void BusRemoteControl::serve(RemoteControl& control) {
-  m_adaptor = std::make_unique<Adaptor>(control);
-  QDBusConnection::sessionBus().registerObject(objectPath, m_adaptor.get(),
-                                               QDBusConnection::ExportAllSlots);
+  m_adaptor->serve(control);
 }
 
 std::expected<QString, QString> sendCommand(const QString& command, const QStringList& arguments) {
@@ -73,8 +89,7 @@ std::expected<QString, QString> sendCommand(const QString& command, const QStrin
     if (answer.errorName() == u"org.freedesktop.DBus.Error.NameHasNoOwner" ||
         answer.errorName() == u"org.freedesktop.DBus.Error.ServiceUnknown")
       return std::unexpected(u"Vemo isn't running."_s);
-    if (answer.errorName() == u"org.freedesktop.DBus.Error.UnknownObject")
-      return std::unexpected(u"Vemo is still starting."_s);
+    if (answer.errorName() == stillStarting) return std::unexpected(u"Vemo is still starting."_s);
     return std::unexpected(u"Vemo doesn't answer: "_s + answer.errorMessage());
   }
   return answer.arguments().value(0).toString();

@@ -21,7 +21,9 @@ enum class BusNameError {
 /// Owns the name as long as it lives.
 class BusRemoteControl {
  public:
-  /// Takes the name, which no other instance can have then.
+  /// Takes the name, which no other instance can have then. Commands that come before the event
+  /// loop runs wait for it; those that it meets before serve() are told that Vemo is still
+  /// starting.
   static std::expected<std::unique_ptr<BusRemoteControl>, BusNameError> create();
   ~BusRemoteControl();
 
@@ -33,6 +35,7 @@ class BusRemoteControl {
   BusRemoteControl();
 
   std::unique_ptr<Adaptor> m_adaptor;
+  bool m_hasName = false;
 };
 
 /// Calls an operation of RemoteControl, by its name, in the running program. The answer, or why

@@ -7,6 +7,8 @@
 
 #include <QCoreApplication>
 #include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingCall>
 #include <atomic>
 #include <future>
 #include <vector>
@@ -64,6 +66,22 @@ TEST_F(BusRemoteControlTest, WithoutARunningProgramTheCommandSaysSo) {
 TEST_F(BusRemoteControlTest, AProgramThatHasTheNameAndServesNothingYetIsStillStarting) {
   const auto bus = BusRemoteControl::create();
   EXPECT_EQ(send(u"toggle"_s).error(), u"Vemo is still starting."_s);
+}
+
+TEST_F(BusRemoteControlTest, ACommandThatComesBeforeTheEventLoopRunsWaitsForIt) {
+  const auto bus = BusRemoteControl::create();
+  ASSERT_TRUE(bus);
+  auto other = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"other"_s);
+  auto call = QDBusMessage::createMethodCall(u"brelmox.Vemo"_s, u"/brelmox/Vemo"_s,
+                                             u"brelmox.Vemo"_s, u"toggle"_s);
+  const auto pending = other.asyncCall(call);
+  // Through the same queues behind it: by then the call has come to this program's end of the bus.
+  other.call(QDBusMessage::createMethodCall(QDBusConnection::sessionBus().baseService(), u"/"_s,
+                                            u"org.freedesktop.DBus.Peer"_s, u"Ping"_s));
+  (*bus)->serve(control);
+  while (!pending.isFinished()) QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+  EXPECT_EQ(pending.reply().arguments().value(0).toString(), u"toggle done"_s);
+  QDBusConnection::disconnectFromBus(u"other"_s);
 }
 
 TEST_F(BusRemoteControlTest, CommandsReachTheProgramAndBringItsAnswerBack) {
