@@ -1,6 +1,7 @@
 """The browser that a sign-in page opens in, by the desktop's own choice of what opens web addresses."""
 
 import contextlib
+import json
 import pathlib
 import shutil
 import subprocess
@@ -56,22 +57,35 @@ class NotingBrowser(Browser):
         return address
 
 
-class Chromium(Browser):
-    """Chromium as it is packaged, with no policy: the question before another program opens is answered as a person
+class RealBrowser(Browser):
+    """A browser as it is packaged, with no policy: the question before another program opens is answered as a person
     answers it."""
+
+    name = None  # as screen readers know it
+    window_class = None
 
     def __exit__(self, *_):
         for window in self._windows():
             subprocess.run(["xdotool", "windowclose", window], check=False, capture_output=True)
-        wait_until(lambda: not self._windows(), "Chromium to close its windows")
+        self._await_end()
         super().__exit__()
 
+    def command(self):
+        raise NotImplementedError
+
+    def open_button(self, application):
+        """What the button is called that lets the page open the application."""
+        raise NotImplementedError
+
     def script(self):
-        *command, _ = chromium_command(self.folder / "profile", "")
-        return f"""exec {' '.join(command)} --force-renderer-accessibility "$1" >/dev/null 2>&1"""
+        return f"""exec {self.command()} "$1" >/dev/null 2>&1"""
+
+    def _await_end(self):
+        wait_until(lambda: not self._windows(), f"{self.name} to close its windows")
 
     def _windows(self):
-        found = subprocess.run(["xdotool", "search", "--class", "chromium"], capture_output=True, check=False)
+        found = subprocess.run(["xdotool", "search", "--onlyvisible", "--class", self.window_class],
+                               capture_output=True, check=False)
         return found.stdout.decode().split()
 
     def _button(self, name):
@@ -79,7 +93,7 @@ class Chromium(Browser):
         for index in range(desktop.get_child_count()):
             application = desktop.get_child_at_index(index)
             try:
-                if application and application.get_name() == "Chromium":
+                if application and application.get_name() == self.name:
                     # No main loop runs here to hear of changes.
                     application.clear_cache()
                     found = showing_button(application, name)
@@ -90,14 +104,14 @@ class Chromium(Browser):
         return None
 
     def await_button(self, name):
-        return wait_until(lambda: self._button(name), f"Chromium to show the button “{name}”")
+        return wait_until(lambda: self._button(name), f"{self.name} to show the button “{name}”")
 
     def press(self, name, has_worked):
-        """Clicks on a button. Chromium drops what comes before it has drawn a page, or too soon after a question has
+        """Clicks on a button. A browser drops what comes before it has drawn a page, or too soon after a question has
         come up, so the click is repeated when nothing has come of it."""
-        wait_until(lambda: (active_window() or "") in self._windows(), "Chromium to be in front")
+        wait_until(lambda: (active_window() or "") in self._windows(), f"{self.name} to be in front")
         for _ in range(20):
-            place = Atspi.Component.get_extents(self.await_button(name), Atspi.CoordType.SCREEN)
+            place = wait_until(lambda: extents(self._button(name)), f"{self.name} to show the button “{name}”")
             subprocess.run(["xdotool", "mousemove", str(place.x + place.width // 2), str(place.y + place.height // 2),
                             "click", "1"], check=True)
             with contextlib.suppress(DesktopError):
@@ -106,12 +120,66 @@ class Chromium(Browser):
 
     def allow_opening(self, application):
         """Says yes to the question whether the page may open the application."""
-        name = f"Open {application}"
+        name = self.open_button(application)
         self.press(name, lambda: not self._button(name))
 
     def close_page(self):
         keyboard.strike("Control_L", "w")
-        wait_until(lambda: not self._windows(), "the page to close")
+        self._await_end()
+
+
+class Chromium(RealBrowser):
+    name = "Chromium"
+    window_class = "chromium"
+
+    def command(self):
+        *command, _ = chromium_command(self.folder / "profile", "")
+        return f"{' '.join(command)} --force-renderer-accessibility"
+
+    def open_button(self, application):
+        return f"Open {application}"
+
+
+class Firefox(RealBrowser):
+    name = "Firefox"
+    window_class = "firefox-esr"
+
+    # What it opens, asks and looks up by itself the first time, which a test has no use for.
+    QUIET = {
+        "app.normandy.enabled": False,
+        "browser.aboutwelcome.enabled": False,
+        "browser.shell.checkDefaultBrowser": False,
+        "browser.startup.homepage_override.mstone": "ignore",
+        "datareporting.policy.dataSubmissionEnabled": False,
+        "network.captive-portal-service.enabled": False,
+        "network.connectivity-service.enabled": False,
+        "trailhead.firstrun.didSeeAboutWelcome": True,
+    }
+
+    def command(self):
+        profile = self.folder / "profile"
+        profile.mkdir()
+        lines = [f"user_pref({json.dumps(name)}, {json.dumps(value)});" for name, value in self.QUIET.items()]
+        (profile / "user.js").write_text("\n".join(lines))
+        return f"firefox-esr --no-remote --profile {profile}"
+
+    def open_button(self, application):
+        return "Open Link"
+
+    def script(self):
+        return f"""echo $$ > {self.folder}/process\n{super().script()}"""
+
+    def _await_end(self):
+        super()._await_end()
+        # Until then it refuses to start with the same profile.
+        process = pathlib.Path("/proc", (self.folder / "process").read_text().strip())
+        wait_until(lambda: not process.exists(), "Firefox to end")
+
+
+def extents(button):
+    """Where the button is on the screen; None when it's nowhere yet."""
+    place = button and Atspi.Component.get_extents(button, Atspi.CoordType.SCREEN)
+    return place if place and min(place.x, place.y) >= 0 and min(place.width, place.height) > 1 else None
 
 
 def showing_button(item, name):

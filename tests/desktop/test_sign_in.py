@@ -16,7 +16,7 @@ import unittest
 import editors
 from account_service import (CLIENT, NAME, REDIRECT, AccountService, OtherClient, TokenEndpoint, files_below,
                              places_of, query_of, request)
-from browsers import Chromium, NotingBrowser
+from browsers import Chromium, Firefox, NotingBrowser
 from clipboard import ClipboardOwner, contents
 from demonstration import sample_as_wav
 from vemo_program import SERVICE_AND_ACCOUNT, Vemo, clear_token, program, say
@@ -92,7 +92,34 @@ class SignInCase(unittest.TestCase):
             self.assertEqual(places_of(secret, paths), [], "a secret in clear")
 
 
-class WholeFlowTest(SignInCase):
+class InABrowser:
+    """What a person does on the page of a real browser."""
+
+    def sign_in_by_browser(self):
+        self.vemo.command("sign-in")
+        self.browser.press(f"Continue as {NAME}", self.service.next_logged("POST /consent 303"))
+        self.browser.allow_opening("Vemo")
+        return self.await_signed_in()
+
+    def test_cancelling_on_the_page_is_no_error(self):
+        self.vemo.command("sign-in")
+        self.browser.press("Cancel", self.service.next_logged("POST /consent 303"))
+        self.browser.allow_opening("Vemo")
+        # Of the page's redirect and this one, the first ends the sign-in, and the second is nobody's.
+        self.open_redirect(error="access_denied")
+        self.vemo.await_logged(f"appDelegate: opened URL {REDIRECT}")
+        self.assert_signed_out()
+        self.assertEqual(self.vemo.logged("google flow FAILED"), 0)
+
+    def test_a_page_that_was_closed_is_given_up_by_the_command_and_the_next_sign_in_works(self):
+        self.vemo.command("sign-in")
+        self.browser.await_button(f"Continue as {NAME}")
+        self.browser.close_page()
+        self.assertEqual(self.vemo.command("cancel-sign-in"), SIGNED_OUT)
+        self.sign_in_by_browser()
+
+
+class WholeFlowTest(InABrowser, SignInCase):
     browser_class = Chromium
 
     def settings(self):
@@ -104,12 +131,6 @@ class WholeFlowTest(SignInCase):
         say(sample_as_wav(self.vemo.home))
         self.vemo.stop()
         wait_until(lambda: len(editor.text()) > len(before), lambda: f"the text to arrive; {self.vemo.story()}")
-
-    def sign_in_by_browser(self):
-        self.vemo.command("sign-in")
-        self.browser.press(f"Continue as {NAME}", self.service.next_logged("POST /consent 303"))
-        self.browser.allow_opening("Vemo")
-        return self.await_signed_in()
 
     def test_from_a_bare_home_to_a_deleted_account(self):
         second = OtherClient(self.service).sign_in()
@@ -146,22 +167,9 @@ class WholeFlowTest(SignInCase):
             wait_until(lambda: self.vemo.status() == SIGNED_OUT, "Vemo to be signed out")
             self.assert_signed_out()
 
-    def test_cancelling_on_the_page_is_no_error(self):
-        self.vemo.command("sign-in")
-        self.browser.press("Cancel", self.service.next_logged("POST /consent 303"))
-        self.browser.allow_opening("Vemo")
-        # Of the page's redirect and this one, the first ends the sign-in, and the second is nobody's.
-        self.open_redirect(error="access_denied")
-        self.vemo.await_logged(f"appDelegate: opened URL {REDIRECT}")
-        self.assert_signed_out()
-        self.assertEqual(self.vemo.logged("google flow FAILED"), 0)
 
-    def test_a_page_that_was_closed_is_given_up_by_the_command_and_the_next_sign_in_works(self):
-        self.vemo.command("sign-in")
-        self.browser.await_button(f"Continue as {NAME}")
-        self.browser.close_page()
-        self.assertEqual(self.vemo.command("cancel-sign-in"), SIGNED_OUT)
-        self.sign_in_by_browser()
+class FirefoxTest(InABrowser, SignInCase):
+    browser_class = Firefox
 
 
 class RevokedTest(SignInCase):
