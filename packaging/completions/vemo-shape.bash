@@ -1,8 +1,11 @@
 # bash completion for vemo-shape
 
 _vemo_shape() {
-  local word=${COMP_WORDS[COMP_CWORD]} choices='' kind=-W
-  case ${COMP_WORDS[COMP_CWORD - 1]} in
+  local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} choices='' kind=-W
+  # To bash the `=` of a switch is a word of its own.
+  [[ $word != = ]] || { before='=' && word=''; }
+  case $before in
+    =) choices='true false' ;;
     --dictionary | --snippets | --slack) kind=-f ;;
     --workspace) kind=-d ;;
     --bundle-id | --app-name) return ;;

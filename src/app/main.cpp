@@ -84,12 +84,15 @@ int runResident(int argc, char** argv) {
   return status;
 }
 
-int runRemote(int argc, char** argv, const RemoteCommand& command) {
+/// Ends the program at once: Qt's thread for the bus would complain of types that the usual end has
+/// taken from under it.
+[[noreturn]] void runRemote(int argc, char** argv, const RemoteCommand& command) {
   const QCoreApplication qtApplication(argc, argv);
   const auto answer = sendCommand(command.name, command.arguments);
-  if (!answer) return complain(answer.error(), failure);
-  if (!answer->isEmpty()) std::printf("%s\n", qUtf8Printable(*answer));
-  return 0;
+  if (answer && !answer->isEmpty()) std::printf("%s\n", qUtf8Printable(*answer));
+  const int status = answer ? EXIT_SUCCESS : complain(answer.error(), failure);
+  std::fflush(stdout);
+  std::_Exit(status);
 }
 
 }  // namespace
@@ -105,6 +108,6 @@ int main(int argc, char** argv) {
     return 0;
   }
   if (const auto* remote = std::get_if<RemoteCommand>(&*commandLine))
-    return runRemote(argc, argv, *remote);
+    runRemote(argc, argv, *remote);
   return runResident(argc, argv);
 }

@@ -7,6 +7,21 @@ from vemo_program import program, store_token
 from virtual_desktop import DesktopError
 
 
+class RunningService:
+    """One that somebody has started already, with a token of its own making."""
+
+    def __init__(self, address, token):
+        self.address = address
+        self._token = token
+
+    def __enter__(self):
+        store_token(self._token)
+        return self
+
+    def __exit__(self, *_):
+        pass
+
+
 class CompanionService:
     """`with CompanionService(folder) as service: Vemo(service.address)`; on a free port, configured in the folder."""
 

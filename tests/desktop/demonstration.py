@@ -24,7 +24,7 @@ import wave
 sys.dont_write_bytecode = True
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent))
 from clipboard import ClipboardOwner, contents  # noqa: E402
-from companion_service import CompanionService  # noqa: E402
+from companion_service import CompanionService, RunningService  # noqa: E402
 from dictation_server import RecordingProxy  # noqa: E402
 from editors import Mousepad, active_window  # noqa: E402
 from vemo_program import Vemo, say  # noqa: E402
@@ -80,8 +80,8 @@ def transcription_of(answer):
         return ""
 
 
-def demonstrate(sample, screenshot, folder):
-    with CompanionService(folder) as service, RecordingProxy(service.address) as proxy, \
+def demonstrate(service, sample, screenshot):
+    with service, RecordingProxy(service.address) as proxy, \
             Vemo(proxy.address) as vemo, ClipboardOwner(CLIPBOARD), Mousepad() as editor:
         before = contents()
         vemo.start()
@@ -120,15 +120,18 @@ def demonstrate(sample, screenshot, folder):
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("--programs", required=True, help="the folder of vemo and vemo-service")
+    parser.add_argument("--programs", required=True, help="the folder of vemo, and of vemo-service where it is started")
     parser.add_argument("--screenshot", required=True, type=pathlib.Path, help="the PNG file to write")
+    parser.add_argument("--service", help="the address of a service that runs already; by default one is started")
+    parser.add_argument("--token", help="an access token of that service")
     parser.add_argument("wav", nargs="?", help="what is said; by default a recorded sentence")
     arguments = parser.parse_args()
     os.environ["VEMO_PROGRAMS"] = arguments.programs
     arguments.screenshot.parent.mkdir(parents=True, exist_ok=True)
     with tempfile.TemporaryDirectory() as folder:
         sample = arguments.wav or sample_as_wav(folder)
-        return demonstrate(sample, arguments.screenshot.resolve(), folder)
+        service = RunningService(arguments.service, arguments.token) if arguments.service else CompanionService(folder)
+        return demonstrate(service, sample, arguments.screenshot.resolve())
 
 
 if __name__ == "__main__":

@@ -4,20 +4,10 @@
 import os
 import pathlib
 import re
-import subprocess
+import tempfile
 import unittest
 
-PACKAGING = pathlib.Path(__file__).resolve().parents[2] / "packaging"
-BUILD = pathlib.Path(os.environ["VEMO_BUILD"])
-CONFIGURED = BUILD / "packaging"
-PROGRAMS = ("vemo", "vemo-shape", "vemo-service")
-
-
-def output_of(*command):
-    """Of a tool that tells by its status or by what it prints that something is wrong."""
-    result = subprocess.run([str(word) for word in command], capture_output=True, text=True, check=False,
-                            stdin=subprocess.DEVNULL)
-    return result.returncode, result.stdout + result.stderr
+from installation import BUILD, CONFIGURED, PACKAGING, PROGRAMS, output_of
 
 
 def words_of_help(program):
@@ -34,6 +24,7 @@ class ManualsTest(unittest.TestCase):
             self.assertEqual((0, ""), output_of("mandoc", "-Tlint", "-Wwarning", page))
             status, text = output_of("groff", "-man", "-ww", "-z", "-K", "utf8", page)
             self.assertEqual((0, ""), (status, text))
+            self.assertEqual((0, ""), output_of("sh", "-c", 'man --warnings --local-file "$0" >/dev/null', page))
 
     def test_each_manual_and_completion_tells_every_command_of_the_help(self):
         for program in PROGRAMS:
@@ -49,30 +40,6 @@ class ManualsTest(unittest.TestCase):
                     self.assertIn(word, bash)
                     self.assertIn(word, zsh)
                     self.assertRegex(fish, rf"-(l|a) {word.lstrip('-')}\b")
-
-
-class CompletionsTest(unittest.TestCase):
-    def complete(self, program, *words):
-        function = "_" + program.replace("-", "_")
-        script = (f"source {PACKAGING}/completions/{program}.bash; COMP_WORDS=({program} {' '.join(words)} ''); "
-                  f"COMP_CWORD={len(words) + 1}; {function}; printf '%s\\n' \"${{COMPREPLY[@]}}\"")
-        return output_of("bash", "-c", script)[1].split()
-
-    def test_a_first_word_is_offered_every_command(self):
-        self.assertIn("toggle", self.complete("vemo"))
-        self.assertIn("add-token", self.complete("vemo-service"))
-        self.assertIn("--jsonl", self.complete("vemo-shape"))
-
-    def test_nothing_follows_a_command_of_vemo(self):
-        self.assertEqual([], self.complete("vemo", "toggle"))
-
-    def test_a_switch_is_offered_both_its_values(self):
-        self.assertIn("integrationSlack=false", self.complete("vemo-shape", "--set"))
-
-    def test_each_shell_can_read_its_file(self):
-        for program in PROGRAMS:
-            self.assertEqual((0, ""), output_of("zsh", "-n", PACKAGING / "completions" / f"_{program}"))
-            self.assertEqual((0, ""), output_of("fish", "-n", PACKAGING / "completions" / f"{program}.fish"))
 
 
 class DesktopTest(unittest.TestCase):
@@ -98,6 +65,15 @@ class DesktopTest(unittest.TestCase):
 
 
 class UnitTest(unittest.TestCase):
+    def test_systemd_understands_every_line_of_the_services_unit(self):
+        unit = (CONFIGURED / "vemo-service.service").read_text()
+        with tempfile.TemporaryDirectory() as folder:
+            file = pathlib.Path(folder) / "vemo-service.service"
+            file.write_text(re.sub(r"(?m)^ExecStart=.*", f"ExecStart={BUILD}/bin/vemo-service", unit).replace(
+                "Documentation=man:vemo-service(1)\n", ""))  # not installed here
+            self.assertEqual((0, ""), output_of("systemd-analyze", "verify", "--user", "--man=no", "--recursive-errors=no", file,
+                                                env=os.environ | {"XDG_RUNTIME_DIR": folder}))
+
     def test_the_services_unit_leaves_little_exposed(self):
         # The tool names its own limits: a verdict on a user's unit is that on a system's with the same lines.
         status, text = output_of("systemd-analyze", "security", "--offline=yes", "--threshold=19",
