@@ -69,7 +69,8 @@ void Face::showLook() {
   const auto told = m_desktop.appearance.name();
   const bool isPaletteDark = QGuiApplication::palette().window().color().lightness() < 128;
   m_desktop.scenes.setLook({.isDark = told ? *told == u"dark" : isPaletteDark,
-                            .hasReducedMotion = m_desktop.appearance.hasReducedMotion()});
+                            .hasReducedMotion = m_desktop.appearance.hasReducedMotion(),
+                            .accent = m_desktop.appearance.accent()});
 }
 
 void Face::sayThatNoPanelIsThere() {

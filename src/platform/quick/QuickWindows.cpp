@@ -6,6 +6,7 @@
 #include <QScreen>
 #include <utility>
 
+#include "windows/AccentColors.h"
 #include "windows/SymbolImages.h"
 
 namespace vemo {
@@ -111,6 +112,9 @@ void QuickWindows::setLook(const WindowLook& look) {
   auto* const theme = found->property("theme").value<QObject*>();
   theme->setProperty("isDark", look.isDark);
   theme->setProperty("reducedMotion", look.hasReducedMotion);
+  theme->setProperty("desktopAccent", look.accent
+                                          ? desktopAccent(*theme, QColor::fromRgb(*look.accent))
+                                          : QVariantMap());
 }
 
 std::vector<quintptr> QuickWindows::identifiers() const {

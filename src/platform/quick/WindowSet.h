@@ -5,7 +5,9 @@
 
 #include <QObject>
 #include <QString>
+#include <cstdint>
 #include <functional>
+#include <optional>
 #include <vector>
 
 #include "ports/Scenes.h"
@@ -16,6 +18,7 @@ namespace vemo {
 struct WindowLook {
   bool isDark = false;
   bool hasReducedMotion = false;
+  std::optional<std::uint32_t> accent = {};  ///< 0xRRGGBB; without one, Vemo's own
 };
 
 class WindowSet {

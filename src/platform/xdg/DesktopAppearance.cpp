@@ -1,9 +1,11 @@
 #include "platform/xdg/DesktopAppearance.h"
 
+#include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+#include <cmath>
 
 namespace vemo {
 
@@ -17,9 +19,10 @@ const QString service = u"org.freedesktop.portal.Desktop"_s;
 const QString path = u"/org/freedesktop/portal/desktop"_s;
 const QString interface = u"org.freedesktop.portal.Settings"_s;
 
-// The one key that all desktops share, and the one that most of them pass on.
+// The keys that all desktops share, and the one that most of them pass on.
 const QString appearanceSpace = u"org.freedesktop.appearance"_s;
 const QString colorScheme = u"color-scheme"_s;
+const QString accentColor = u"accent-color"_s;
 const QString interfaceSpace = u"org.gnome.desktop.interface"_s;
 const QString enableAnimations = u"enable-animations"_s;
 
@@ -29,12 +32,30 @@ QVariant unwrapped(QVariant value) {
   return value;
 }
 
+/// Red, green and blue, each from 0 to 1. Anything else, such as minus one, stands for none.
+std::optional<std::uint32_t> colorOf(const QVariant& value) {
+  if (value.userType() != qMetaTypeId<QDBusArgument>()) return std::nullopt;
+  const auto argument = value.value<QDBusArgument>();
+  if (argument.currentSignature() != u"(ddd)") return std::nullopt;
+  double parts[3] = {};
+  argument.beginStructure();
+  for (double& part : parts) argument >> part;
+  argument.endStructure();
+  std::uint32_t color = 0;
+  for (const double part : parts) {
+    if (!(part >= 0 && part <= 1)) return std::nullopt;
+    color = color << 8 | static_cast<std::uint32_t>(std::lround(part * 255));
+  }
+  return color;
+}
+
 }  // namespace
 
 DesktopAppearance::DesktopAppearance() {
   QDBusConnection::sessionBus().connect(service, path, interface, u"SettingChanged"_s, this,
                                         SLOT(settingChanged(QString, QString, QDBusVariant)));
   ask(appearanceSpace, colorScheme);
+  ask(appearanceSpace, accentColor);
   ask(interfaceSpace, enableAnimations);
 }
 
@@ -63,11 +84,15 @@ void DesktopAppearance::settingChanged(const QString& space, const QString& key,
 void DesktopAppearance::take(const QString& space, const QString& key, const QVariant& value) {
   const auto nameBefore = m_name;
   const bool motionBefore = m_hasReducedMotion;
+  const auto accentBefore = m_accent;
   if (space == appearanceSpace && key == colorScheme && value.typeId() == QMetaType::UInt)
     m_name = value.toUInt() == prefersDark ? u"dark"_s : u"light"_s;
+  if (space == appearanceSpace && key == accentColor) m_accent = colorOf(value);
   if (space == interfaceSpace && key == enableAnimations && value.typeId() == QMetaType::Bool)
     m_hasReducedMotion = !value.toBool();
-  if ((m_name != nameBefore || m_hasReducedMotion != motionBefore) && onChanged) onChanged();
+  const bool hasChanged =
+      m_name != nameBefore || m_hasReducedMotion != motionBefore || m_accent != accentBefore;
+  if (hasChanged && onChanged) onChanged();
 }
 
 }  // namespace vemo

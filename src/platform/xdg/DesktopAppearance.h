@@ -1,5 +1,5 @@
-// What the desktop's user prefers to look at, as its settings portal tells: light or dark, and
-// whether things move.
+// What the desktop's user prefers to look at, as its settings portal tells: light or dark, the
+// accent colour, and whether things move.
 //
 // Nobody waits for a portal: reading gives what it told last. It is asked at the start and when it
 // is read, and tells of changes by itself. Main thread only.
@@ -9,6 +9,7 @@
 #include <QObject>
 #include <QString>
 #include <QVariant>
+#include <cstdint>
 #include <functional>
 #include <optional>
 
@@ -26,6 +27,9 @@ class DesktopAppearance : public QObject {
   std::optional<QString> name() const { return m_name; }
   bool hasReducedMotion() const { return m_hasReducedMotion; }
 
+  /// 0xRRGGBB; nothing where the user has chosen none.
+  std::optional<std::uint32_t> accent() const { return m_accent; }
+
   /// Called when the portal tells something else than before.
   std::function<void()> onChanged;
 
@@ -38,6 +42,7 @@ class DesktopAppearance : public QObject {
 
   std::optional<QString> m_name;
   bool m_hasReducedMotion = false;
+  std::optional<std::uint32_t> m_accent;
 };
 
 }  // namespace vemo

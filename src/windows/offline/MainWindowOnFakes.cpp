@@ -46,109 +46,6 @@ constexpr std::pair<const char16_t*, const char16_t*> snippets[] = {
 
 using Window = MainWindowOnFakes;
 
-std::span<const Window::State> Window::table() {
-  static constexpr auto nothing = [](Window&) {};
-  static const State rows[] = {
-      {u"signed-out", [](Window& w) { w.signOut(); }, nothing},
-      {u"signing-in", [](Window& w) { w.signOut(); }, [](Window& w) { w.m_model->signIn(); }},
-      {u"sign-in-failed", [](Window& w) { w.signOut(); },
-       [](Window& w) { w.auth->setLastError(u"Can't reach the server"_s); }},
-      {u"home-empty", nothing, nothing},
-      {u"home-full", [](Window& w) { w.fillHistory(); }, nothing},
-      {u"home-recording", [](Window& w) { w.fillHistory(); },
-       [](Window& w) { w.m_model->home()->toggleDictation(); }},
-      {u"home-permissions",
-       [](Window& w) {
-         w.system.microphoneAuthorization = MicrophoneAuthorization::Denied;
-         w.system.isTrusted = false;
-       },
-       nothing},
-      {u"home-copied", [](Window& w) { w.fillHistory(); },
-       [](Window& w) { w.m_model->home()->history()->copy(1); }},
-      {u"stats-empty", nothing, [](Window& w) { w.m_model->selectTab(u"stats"_s); }},
-      {u"stats-full",
-       [](Window& w) {
-         w.use(R"({"totalWordsTranscribed":184220,"totalMinutesTranscribed":1310.5,)"
-               R"("totalUtterances":6142})");
-       },
-       [](Window& w) { w.m_model->selectTab(u"stats"_s); }},
-      {u"stats-refreshing", nothing,
-       [](Window& w) {
-         w.m_model->selectTab(u"stats"_s);
-         w.accountHttp.neverAnswer(u"/desktop/auth/profile"_s);
-         w.m_model->stats()->refresh();
-         w.pass(1s);
-       }},
-      {u"dictionary-empty", nothing, [](Window& w) { w.m_model->selectTab(u"dictionary"_s); }},
-      {u"dictionary-loading", nothing,
-       [](Window& w) {
-         w.m_model->selectTab(u"dictionary"_s);
-         w.accountHttp.neverAnswer(u"/dictionary"_s);
-         w.accountHttp.neverAnswer(u"/dictionary"_s);
-         w.m_model->windowShown();
-       }},
-      {u"dictionary-full", [](Window& w) { w.fillDictionary(6); },
-       [](Window& w) { w.m_model->selectTab(u"dictionary"_s); }},
-      {u"dictionary-long", [](Window& w) { w.fillWithLongTexts(); },
-       [](Window& w) { w.m_model->selectTab(u"dictionary"_s); }},
-      {u"dictionary-5000", [](Window& w) { w.fillDictionary(5000); },
-       [](Window& w) { w.m_model->selectTab(u"dictionary"_s); }},
-      {u"shortcuts-empty", nothing, [](Window& w) { w.m_model->selectTab(u"shortcuts"_s); }},
-      {u"shortcuts-full", [](Window& w) { w.fillShortcuts(3); },
-       [](Window& w) { w.m_model->selectTab(u"shortcuts"_s); }},
-      {u"shortcuts-long", [](Window& w) { w.fillWithLongTexts(); },
-       [](Window& w) { w.m_model->selectTab(u"shortcuts"_s); }},
-      {u"shortcuts-5000", [](Window& w) { w.fillShortcuts(5000); },
-       [](Window& w) { w.m_model->selectTab(u"shortcuts"_s); }},
-      {u"sheet-word", nothing,
-       [](Window& w) {
-         w.m_model->selectTab(u"dictionary"_s);
-         w.m_model->dictionary()->sheet()->open();
-       }},
-      {u"sheet-word-typed", [](Window& w) { w.fillDictionary(6); },
-       [](Window& w) {
-         w.m_model->selectTab(u"dictionary"_s);
-         w.m_model->dictionary()->edit(u"1"_s);
-       }},
-      {u"sheet-shortcut", nothing,
-       [](Window& w) {
-         w.m_model->selectTab(u"shortcuts"_s);
-         w.m_model->shortcuts()->sheet()->open();
-       }},
-      {u"sheet-slack", nothing, [](Window& w) { w.m_model->slack()->open(); }},
-      {u"sheet-slack-connecting", nothing,
-       [](Window& w) {
-         w.http.neverAnswer(u"/api/auth.test"_s);
-         w.connectSlack();
-       }},
-      {u"sheet-slack-failed", nothing,
-       [](Window& w) {
-         w.http.fail(u"/api/auth.test"_s, UrlError::NotConnectedToInternet);
-         w.connectSlack();
-       }},
-      {u"update-ready", [](Window& w) { w.fillHistory(); }, [](Window& w) { w.downloadUpdate(); }},
-      {u"update-notes", nothing,
-       [](Window& w) {
-         w.downloadUpdate();
-         w.m_updateCard->toggleNotes();
-       }},
-      {u"update-waiting", nothing,
-       [](Window& w) {
-         w.downloadUpdate();
-         w.m_model->home()->toggleDictation();
-       }},
-      {u"slack-connected", nothing,
-       [](Window& w) {
-         w.http.answer(u"/api/auth.test"_s, 200, R"({"team":"Example Ltd."})");
-         w.http.answer(u"/api/users.list"_s, 200, R"({"members":[]})");
-         w.http.answer(u"/api/conversations.list"_s, 200, R"({"channels":[]})");
-         w.connectSlack();
-         w.pass(3s);
-       }},
-  };
-  return rows;
-}
-
 QStringList Window::states() {
   QStringList names;
   for (const auto& state : table()) names.append(QString::fromUtf16(state.name));
@@ -158,6 +55,7 @@ QStringList Window::states() {
 Window::MainWindowOnFakes(const QString& name) : SessionOnFakes(mainThread, clock) {
   for (const auto& state : table()) {
     if (QString::fromUtf16(state.name) != name) continue;
+    storage.settings.set(keys::authEmail, u"asha.rao@example.org"_s);
     state.prepare(*this);
     start();
     state.act(*this);
@@ -229,6 +127,13 @@ void Window::fillHistory() {
   storage.settings.set(keys::recentDictations, encodeDictations(items));
 }
 
+void Window::fillHistoryWithLongTexts() {
+  std::vector<DictationItem> items;
+  for (const auto& text : {longSentence.repeated(4), QString(1000, u'm'), u"a\n\n\n\n\nb"_s})
+    items.push_back({QUuid::createUuid(), text, clock.wallTime() - 24h * 3000});
+  storage.settings.set(keys::recentDictations, encodeDictations(items));
+}
+
 void Window::fillDictionary(int count) {
   std::vector<CustomDictionaryEntry> entries;
   for (int number = 0; number < count; ++number) {
@@ -266,13 +171,15 @@ void Window::use(const QByteArray& consumption) {
                            R"({"status":"ok","user":{"consumption":)" + consumption + "}}");
 }
 
-void Window::downloadUpdate() {
+void Window::downloadUpdate(const QString& notes) {
   m_updates->willInstallUpdateOnQuit(
-      {.displayVersion = u"1.5.0"_s,
-       .buildVersion = u"61"_s,
-       .notes = u"# New\n- Dictate in **25** languages\n- The pill comes in `teal`\n\n# Fixed\n- A "
-                u"long dictation keeps its last words\nThanks to everybody who has written."_s},
-      [] {});
+      {.displayVersion = u"1.5.0"_s, .buildVersion = u"61"_s, .notes = notes}, [] {});
+}
+
+void Window::answerSlack() {
+  http.answer(u"/api/auth.test"_s, 200, R"({"team":"Example Ltd."})");
+  http.answer(u"/api/users.list"_s, 200, R"({"members":[]})");
+  http.answer(u"/api/conversations.list"_s, 200, R"({"channels":[]})");
 }
 
 void Window::connectSlack() {

@@ -57,12 +57,17 @@ class MainWindowOnFakes : public OfflineWindow, private OfflineTime, private Ses
   void start();
   void signOut();
   void fillHistory();
+  void fillHistoryWithLongTexts();
   void fillDictionary(int count);
   void fillShortcuts(int count);
   void fillWithLongTexts();
   void use(const QByteArray& consumption);
+  void answerSlack();
   void connectSlack();
-  void downloadUpdate();
+  void downloadUpdate(const QString& notes =
+                          u"# New\n- Dictate in **25** languages\n- The pill comes in `teal`\n\n"
+                          u"# Fixed\n- A long dictation keeps its last words\n"
+                          u"Thanks to everybody who has written."_s);
 
   std::optional<DictionaryList> m_dictionary;
   std::optional<ShortcutList> m_shortcuts;

@@ -6,6 +6,7 @@
 #include <QString>
 #include <QStringList>
 #include <optional>
+#include <semaphore>
 #include <span>
 
 #include "base/SerialQueue.h"
@@ -35,6 +36,7 @@ class SettingsOnFakes : public OfflineWindow, private SettingsTime, private Sess
 
   /// `state` is one of states().
   explicit SettingsOnFakes(const QString& state);
+  ~SettingsOnFakes() override;
 
   SettingsModel& model() { return *m_model; }
   FakeLocalKeyMonitor& keys() { return m_keys; }
@@ -55,8 +57,11 @@ class SettingsOnFakes : public OfflineWindow, private SettingsTime, private Sess
   void signOut();
   void showSystem();
   void startUpdates();
+  /// The disk gives nothing while somebody looks.
+  void holdDisk();
   void deleteAccount();
 
+  std::binary_semaphore m_diskMayGoOn{0};
   SerialQueue m_diskReader{"vemo.offline"};
   FakeLocalKeyMonitor m_keys;
   FakeLoginItem m_loginItem;

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <QCursor>
+#include <QStyleHints>
+
 #include "windows/SymbolImages.h"
 
 namespace vemo {
@@ -20,7 +23,8 @@ void collect(QQuickItem& item, QStringList& texts) {
   for (auto* child : children) collect(*child, texts);
 }
 
-/// One for the whole test program: Qt can't make a second one reliably.
+/// One for the whole test program: Qt can't make a second one reliably. Nothing of it blinks, and
+/// the pointer is on nothing.
 void makeApplication() {
   static int argumentCount = 1;
   static char name[] = "test";
@@ -28,6 +32,8 @@ void makeApplication() {
   if (QGuiApplication::instance()) return;
   QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
   new QGuiApplication(argumentCount, arguments);
+  QGuiApplication::styleHints()->setCursorFlashTime(0);
+  QCursor::setPos(-100, -100);
 }
 
 }  // namespace

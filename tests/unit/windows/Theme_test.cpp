@@ -5,26 +5,12 @@
 #include <QColor>
 #include <QQmlComponent>
 #include <QQmlEngine>
-#include <algorithm>
-#include <cmath>
 #include <memory>
+
+#include "windows/AccentColors.h"
 
 namespace vemo {
 namespace {
-
-/// As the Web Content Accessibility Guidelines define it.
-double luminance(const QColor& color) {
-  const auto linear = [](double part) {
-    return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
-  };
-  return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) +
-         0.0722 * linear(color.blueF());
-}
-
-double contrast(const QColor& one, const QColor& other) {
-  const auto [darker, lighter] = std::minmax({luminance(one), luminance(other)});
-  return (lighter + 0.05) / (darker + 0.05);
-}
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -58,7 +44,7 @@ TEST_P(ThemeTest, TextStandsOutFromWhateverItStandsOn) {
   expectReadable("text",
                  {"window", "sidebar", "card", "hoveredCard", "field", "hover", "selection"});
   expectReadable("secondaryText", {"window", "sidebar", "card", "hoveredCard", "field"});
-  expectReadable("accentText", {"window", "card"});
+  expectReadable("accentText", {"window", "card", "selection"});
   expectReadable("danger", {"window", "card"});
   expectReadable("textOnAccent", {"accent"});
   expectReadable("window", {"text"});
@@ -71,6 +57,43 @@ TEST_P(ThemeTest, TheRingAroundWhatHasTheKeyboardCanBeSeen) {
               3)
         << ground;
   }
+}
+
+TEST_P(ThemeTest, WhateverTheDesktopsAccentIsTextStandsOut) {
+  for (int hue = 0; hue < 360; hue += 15) {
+    for (const int saturation : {0, 90, 255}) {
+      for (int lightness = 0; lightness <= 255; lightness += 51) {
+        const QColor wish = QColor::fromHsl(hue, saturation, lightness);
+        SCOPED_TRACE(wish.name().toStdString());
+        theme->setProperty("desktopAccent", desktopAccent(*theme, wish));
+        expectReadable("text", {"selection"});
+        expectReadable("accentText", {"window", "sidebar", "card", "hoveredCard", "selection"});
+        expectReadable("textOnAccent", {"accent"});
+        expectReadable("accent", {"window", "sidebar", "card", "field"});
+      }
+    }
+  }
+}
+
+TEST_P(ThemeTest, TheHueIsTheUsersAndVemosOwnComesBackWithoutOne) {
+  const auto own = theme->property("accent").value<QColor>();
+  theme->setProperty("desktopAccent", desktopAccent(*theme, QColor(0xe6, 0x61, 0x00)));
+  EXPECT_NEAR(theme->property("accent").value<QColor>().hslHue(), QColor(0xe6, 0x61, 0x00).hslHue(),
+              3);
+  theme->setProperty("desktopAccent", QVariantMap());
+  EXPECT_EQ(theme->property("accent").value<QColor>(), own);
+}
+
+TEST_P(ThemeTest, AnAccentThatCanBeReadAlreadyStaysAsItIs) {
+  const QColor wish = GetParam() ? QColor(0x62, 0xa0, 0xea) : QColor(0x1a, 0x5f, 0xb4);
+  EXPECT_EQ(desktopAccent(*theme, wish).value(u"accent"_s).value<QColor>().name(), wish.name());
+}
+
+TEST_P(ThemeTest, TheMarkStaysTheProductsOwn) {
+  const auto before = theme->property("mark").value<QColor>();
+  theme->setProperty("desktopAccent", desktopAccent(*theme, QColor(Qt::red)));
+  EXPECT_EQ(theme->property("mark").value<QColor>(), before);
+  expectReadable("onMark", {"mark"});
 }
 
 INSTANTIATE_TEST_SUITE_P(LightAndDark, ThemeTest, testing::Bool());

@@ -43,6 +43,8 @@ Popup {
         keyNavigationWraps: true
         highlightMoveDuration: 0
         Accessible.role: Accessible.PopupMenu
+        LayoutMirroring.enabled: Theme.isRightToLeft
+        LayoutMirroring.childrenInherit: true
         ScrollBar.vertical: ScrollBar {}
         Keys.onReturnPressed: menu.choose(currentIndex)
         Keys.onEnterPressed: menu.choose(currentIndex)
@@ -71,9 +73,11 @@ Popup {
             }
             contentItem: Text {
                 leftPadding: Theme.spaceTiny
+                rightPadding: Theme.spaceTiny
                 text: choice.text
                 color: Theme.text
                 font.pixelSize: Theme.fontBody
+                horizontalAlignment: Text.AlignLeft
                 verticalAlignment: Text.AlignVCenter
                 elide: Text.ElideRight
                 textFormat: Text.PlainText

@@ -19,6 +19,7 @@ Column {
         color: Theme.text
         font.pixelSize: Theme.fontSmall
         font.weight: Font.DemiBold
+        horizontalAlignment: Text.AlignLeft
         wrapMode: Text.Wrap
         Accessible.ignored: true
     }
@@ -38,6 +39,7 @@ Column {
             selectionColor: Theme.accent
             selectedTextColor: Theme.textOnAccent
             selectByMouse: true
+            horizontalAlignment: TextEdit.AlignLeft
             wrapMode: TextArea.Wrap
             textFormat: TextEdit.PlainText
             font.pixelSize: Theme.fontBody

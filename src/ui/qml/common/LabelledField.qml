@@ -21,6 +21,7 @@ Column {
         color: Theme.text
         font.pixelSize: Theme.fontSmall
         font.weight: Font.DemiBold
+        horizontalAlignment: Text.AlignLeft
         wrapMode: Text.Wrap
         Accessible.ignored: true
     }
@@ -39,8 +40,11 @@ Column {
         selectionColor: Theme.accent
         selectedTextColor: Theme.textOnAccent
         selectByMouse: true
+        horizontalAlignment: TextInput.AlignLeft
         font.pixelSize: Theme.fontBody
         Accessible.name: labelled.label
+        // A long text is seen from its beginning until somebody writes in it.
+        onTextChanged: if (!activeFocus) cursorPosition = 0
         onTextEdited: labelled.edited(text)
         onAccepted: labelled.accepted()
 

@@ -23,6 +23,7 @@ Text {
     linkColor: Theme.accentText
     font.pixelSize: Theme.fontSmall
     lineHeight: 1.25
+    horizontalAlignment: Text.AlignLeft
     wrapMode: Text.Wrap
     Accessible.role: Accessible.StaticText
     Accessible.name: spoken(words)

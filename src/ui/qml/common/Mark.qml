@@ -1,4 +1,4 @@
-// The product's mark: a voice between two lips of a rounded square.
+// The product's mark: a voice between two lips of a rounded square, whatever the desktop's accent is.
 import QtQuick
 
 Rectangle {
@@ -7,7 +7,7 @@ Rectangle {
     implicitWidth: 32
     implicitHeight: 32
     radius: width * 0.28
-    color: Theme.accent
+    color: Theme.mark
     Accessible.ignored: true
 
     Row {
@@ -24,7 +24,7 @@ Rectangle {
                 width: mark.width * 0.085
                 height: mark.height * modelData
                 radius: width / 2
-                color: Theme.textOnAccent
+                color: Theme.onMark
             }
         }
     }

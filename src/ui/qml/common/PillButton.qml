@@ -12,6 +12,8 @@ AbstractButton {
     property bool isProminent: false
     property bool isDestructive: false
     property bool isBusy: false
+    /// For a symbol that points somewhere.
+    property bool mirrorsSymbol: false
 
     readonly property color contentColor: isProminent ? Theme.textOnAccent : isDestructive ? Theme.danger : Theme.text
     readonly property color restingColor: isProminent ? Theme.accent : Theme.card
@@ -21,7 +23,8 @@ AbstractButton {
     rightPadding: 16
     hoverEnabled: true
     focusPolicy: Qt.StrongFocus
-    opacity: enabled ? 1 : 0.5
+    // What is under way is to be read, although it can't be pressed.
+    opacity: enabled || isBusy ? 1 : 0.5
     Accessible.role: Accessible.Button
     Accessible.name: text
     Keys.onReturnPressed: clicked()
@@ -38,33 +41,43 @@ AbstractButton {
             radius: height / 2
         }
     }
-    contentItem: RowLayout {
-        spacing: Theme.spaceSmall
+    contentItem: Item {
+        implicitWidth: row.implicitWidth
+        implicitHeight: row.implicitHeight
 
-        Spinner {
-            running: button.isBusy
-            color: button.contentColor
-        }
-        Symbol {
-            visible: button.symbol.length > 0 && !button.isBusy
-            name: button.symbol
-            size: 16
-            color: button.contentColor
-        }
-        Text {
-            Layout.fillWidth: true
-            text: button.text
-            color: button.contentColor
-            font.pixelSize: Theme.fontBody
-            font.weight: Font.DemiBold
-            horizontalAlignment: Text.AlignHCenter
-            elide: Text.ElideRight
-        }
-        Symbol {
-            visible: button.trailingSymbol.length > 0
-            name: button.trailingSymbol
-            size: 14
-            color: button.contentColor
+        RowLayout {
+            id: row
+
+            anchors.centerIn: parent
+            width: Math.min(implicitWidth, parent.width)
+            spacing: Theme.spaceSmall
+
+            Spinner {
+                running: button.isBusy
+                color: button.contentColor
+            }
+            Symbol {
+                visible: button.symbol.length > 0 && !button.isBusy
+                name: button.symbol
+                size: 16
+                color: button.contentColor
+                isMirrored: button.mirrorsSymbol && button.mirrored
+            }
+            Text {
+                Layout.fillWidth: true
+                text: button.text
+                color: button.contentColor
+                font.pixelSize: Theme.fontBody
+                font.weight: Font.DemiBold
+                horizontalAlignment: Text.AlignHCenter
+                elide: Text.ElideRight
+            }
+            Symbol {
+                visible: button.trailingSymbol.length > 0
+                name: button.trailingSymbol
+                size: 14
+                color: button.contentColor
+            }
         }
     }
 }

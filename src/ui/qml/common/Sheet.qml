@@ -3,6 +3,7 @@
 // Whether it is shown is its model's matter: `isShown` is bound, and `dismissed` asks for the end.
 import QtQuick
 import QtQuick.Controls.Basic
+import QtQuick.Templates as T
 
 Popup {
     id: sheet
@@ -21,6 +22,9 @@ Popup {
     closePolicy: Popup.CloseOnEscape
     visible: isShown
     onClosed: if (isShown) dismissed()
+    T.Overlay.modal: Rectangle {
+        color: Theme.scrim
+    }
     onOpened: body.nextItemInFocusChain().forceActiveFocus(Qt.PopupFocusReason)
 
     background: Rectangle {
@@ -33,6 +37,8 @@ Popup {
         spacing: Theme.spaceSmall
         Accessible.role: Accessible.Dialog
         Accessible.name: sheet.title
+        LayoutMirroring.enabled: Theme.isRightToLeft
+        LayoutMirroring.childrenInherit: true
 
         Text {
             width: parent.width
@@ -40,6 +46,7 @@ Popup {
             color: Theme.text
             font.pixelSize: Theme.fontTitle
             font.weight: Font.Bold
+            horizontalAlignment: Text.AlignLeft
             wrapMode: Text.Wrap
             Accessible.role: Accessible.Heading
             Accessible.name: text

@@ -44,13 +44,16 @@ Item {
                 color: Theme.text
                 font.pixelSize: Theme.fontBody
                 lineHeight: 1.25
+                horizontalAlignment: Text.AlignLeft
                 wrapMode: Text.Wrap
                 maximumLineCount: 4
                 elide: Text.ElideRight
                 textFormat: Text.PlainText
             }
             Text {
+                width: parent.width
                 text: row.age
+                horizontalAlignment: Text.AlignLeft
                 color: Theme.secondaryText
                 font.pixelSize: Theme.fontSmall
             }

@@ -28,6 +28,7 @@ PillButton {
             ChoiceMenu {
                 id: choiceMenu
 
+                x: button.mirrored ? 0 : button.width - width
                 y: button.height + Theme.spaceTiny
                 choices: button.model.languages
                 onChosen: code => button.model.chooseLanguage(code)

@@ -8,7 +8,7 @@ Rectangle {
     required property var model
 
     color: Theme.window
-    LayoutMirroring.enabled: Qt.application.layoutDirection === Qt.RightToLeft
+    LayoutMirroring.enabled: Theme.isRightToLeft
     LayoutMirroring.childrenInherit: true
 
     Shortcut {

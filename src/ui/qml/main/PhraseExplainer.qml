@@ -48,6 +48,7 @@ Card {
                     color: Theme.text
                     font.pixelSize: Theme.fontSmall
                     font.italic: true
+                    horizontalAlignment: Text.AlignLeft
                     elide: Text.ElideRight
                 }
                 Symbol {
@@ -61,6 +62,7 @@ Card {
                     text: sample.modelData.written
                     color: Theme.text
                     font.pixelSize: Theme.fontSmall
+                    horizontalAlignment: Text.AlignLeft
                     elide: Text.ElideRight
                 }
             }

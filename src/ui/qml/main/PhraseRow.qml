@@ -47,6 +47,7 @@ ItemDelegate {
             color: Theme.text
             font.pixelSize: Theme.fontBody
             font.weight: Font.DemiBold
+            horizontalAlignment: Text.AlignLeft
             elide: Text.ElideRight
             maximumLineCount: 1
             textFormat: Text.PlainText
@@ -62,6 +63,7 @@ ItemDelegate {
             text: row.written.replace(/\s+/g, " ")
             color: Theme.secondaryText
             font.pixelSize: Theme.fontBody
+            horizontalAlignment: Text.AlignLeft
             elide: Text.ElideRight
             maximumLineCount: 1
             textFormat: Text.PlainText

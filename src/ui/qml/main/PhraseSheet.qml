@@ -30,6 +30,7 @@ Sheet {
             text: sheet.explanation
             color: Theme.secondaryText
             font.pixelSize: Theme.fontBody
+            horizontalAlignment: Text.AlignLeft
             wrapMode: Text.Wrap
             Accessible.role: Accessible.StaticText
             Accessible.name: text

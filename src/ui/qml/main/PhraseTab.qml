@@ -59,7 +59,7 @@ ListView {
 
     header: Item {
         width: list.width
-        height: intro.height + 2 * list.margin
+        height: list.margin + intro.height + Theme.spaceMedium
 
         ColumnLayout {
             id: intro
@@ -102,6 +102,7 @@ ListView {
                     text: list.loadingText
                     color: Theme.secondaryText
                     font.pixelSize: Theme.fontSmall
+                    horizontalAlignment: Text.AlignLeft
                     Accessible.role: Accessible.StaticText
                     Accessible.name: text
                 }

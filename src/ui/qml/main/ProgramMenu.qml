@@ -31,6 +31,7 @@ SymbolButton {
 
                 property var rows: []
 
+                x: Theme.isRightToLeft ? button.width - width : 0
                 y: button.height
                 width: 260
                 margins: Theme.spaceSmall

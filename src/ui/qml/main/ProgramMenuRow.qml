@@ -17,6 +17,9 @@ MenuItem {
     Accessible.name: text
     Accessible.role: isDivider ? Accessible.Separator : Accessible.MenuItem
 
+    LayoutMirroring.enabled: Theme.isRightToLeft
+    LayoutMirroring.childrenInherit: true
+
     indicator: null
     background: Rectangle {
         radius: Theme.radiusSmall

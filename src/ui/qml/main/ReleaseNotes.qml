@@ -28,6 +28,8 @@ ScrollView {
         y: 16
         width: notes.availableWidth - 32
         spacing: 6
+        LayoutMirroring.enabled: Theme.isRightToLeft
+        LayoutMirroring.childrenInherit: true
 
         Repeater {
             model: notes.blocks
@@ -36,8 +38,11 @@ ScrollView {
                 id: row
 
                 required property var modelData
+                required property int index
+                readonly property bool isHeading: modelData.kind === "heading"
 
                 width: rows.width
+                topPadding: isHeading && index > 0 ? Theme.spaceSmall : 0
                 spacing: Theme.spaceSmall
 
                 Text {
@@ -59,10 +64,11 @@ ScrollView {
                     color: Theme.text
                     selectionColor: Theme.accent
                     selectedTextColor: Theme.textOnAccent
-                    font.pixelSize: row.modelData.kind === "heading" ? Theme.fontTitle : Theme.fontBody
-                    font.weight: row.modelData.kind === "heading" ? Font.DemiBold : Font.Normal
+                    font.pixelSize: row.isHeading ? Theme.fontTitle : Theme.fontBody
+                    font.weight: row.isHeading ? Font.DemiBold : Font.Normal
+                    horizontalAlignment: TextEdit.AlignLeft
                     wrapMode: TextEdit.Wrap
-                    Accessible.role: row.modelData.kind === "heading" ? Accessible.Heading : Accessible.StaticText
+                    Accessible.role: row.isHeading ? Accessible.Heading : Accessible.StaticText
                     Accessible.name: getText(0, length)
                 }
             }

@@ -76,6 +76,7 @@ Item {
                     text: card.model.errorText
                     color: Theme.danger
                     font.pixelSize: Theme.fontBody
+                    horizontalAlignment: Text.AlignLeft
                     wrapMode: Text.Wrap
                     textFormat: Text.PlainText
                     Accessible.role: Accessible.AlertMessage

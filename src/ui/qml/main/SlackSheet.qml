@@ -21,6 +21,7 @@ Sheet {
             text: qsTr("Syncs teammates and channels for instant voice @mentions.")
             color: Theme.secondaryText
             font.pixelSize: Theme.fontBody
+            horizontalAlignment: Text.AlignLeft
             wrapMode: Text.Wrap
             Accessible.role: Accessible.StaticText
             Accessible.name: text
@@ -46,6 +47,7 @@ Sheet {
             text: sheet.model.failure
             color: Theme.danger
             font.pixelSize: Theme.fontBody
+            horizontalAlignment: Text.AlignLeft
             wrapMode: Text.Wrap
             Accessible.role: Accessible.AlertMessage
             Accessible.name: text

@@ -39,12 +39,18 @@ Card {
             Text {
                 id: value
 
+                width: Math.min(implicitWidth, parent.width - unit.width - parent.spacing)
                 text: card.value
                 color: Theme.text
                 font.pixelSize: Theme.fontFigure
+                fontSizeMode: Text.HorizontalFit
+                minimumPixelSize: Theme.fontBody
+                elide: Text.ElideRight
                 font.weight: Font.Bold
             }
             Text {
+                id: unit
+
                 anchors.baseline: value.baseline
                 text: card.unit
                 color: Theme.secondaryText

@@ -34,6 +34,7 @@ Card {
                     color: Theme.text
                     font.pixelSize: Theme.fontBody
                     font.weight: Font.DemiBold
+                    horizontalAlignment: Text.AlignLeft
                     elide: Text.ElideRight
                     Accessible.role: Accessible.Heading
                     Accessible.name: text
@@ -43,6 +44,7 @@ Card {
                     text: card.model.versionLine
                     color: Theme.secondaryText
                     font.pixelSize: Theme.fontSmall
+                    horizontalAlignment: Text.AlignLeft
                     elide: Text.ElideRight
                     textFormat: Text.PlainText
                     Accessible.role: Accessible.StaticText
@@ -78,7 +80,7 @@ Card {
         }
     }
     Popup {
-        x: card.width + Theme.spaceMedium
+        x: Theme.isRightToLeft ? -width - Theme.spaceMedium : card.width + Theme.spaceMedium
         y: card.height - height
         padding: 0
         margins: Theme.spaceSmall

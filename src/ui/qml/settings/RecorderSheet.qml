@@ -8,6 +8,7 @@ Sheet {
     id: sheet
 
     required property var model
+    readonly property int fadeDuration: Theme.reducedMotion ? 0 : 200
 
     width: Math.min(500, parent ? parent.width - Theme.spaceLarge : 500)
     isShown: model.isOpen
@@ -15,23 +16,19 @@ Sheet {
     onDismissed: model.cancel()
 
     enter: Transition {
-        enabled: !Theme.reducedMotion
-
         NumberAnimation {
             property: "opacity"
             from: 0
             to: 1
-            duration: 200
+            duration: sheet.fadeDuration
             easing.type: Easing.InOutQuad
         }
     }
     exit: Transition {
-        enabled: !Theme.reducedMotion
-
         NumberAnimation {
             property: "opacity"
             to: 0
-            duration: 200
+            duration: sheet.fadeDuration
             easing.type: Easing.InOutQuad
         }
     }

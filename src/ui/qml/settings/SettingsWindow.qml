@@ -14,7 +14,7 @@ Rectangle {
     width: 760
     height: 640
     color: Theme.window
-    LayoutMirroring.enabled: Qt.application.layoutDirection === Qt.RightToLeft
+    LayoutMirroring.enabled: Theme.isRightToLeft
     LayoutMirroring.childrenInherit: true
 
     ColumnLayout {

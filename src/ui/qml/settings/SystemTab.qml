@@ -128,7 +128,6 @@ TabPage {
         LinkedText {
             Layout.fillWidth: true
             Layout.bottomMargin: Theme.spaceSmall + Theme.spaceTiny
-            horizontalAlignment: Text.AlignLeft
             words: page.system.privacyNote
         }
     }
@@ -143,6 +142,7 @@ TabPage {
             PillButton {
                 text: qsTr("Sign Out")
                 symbol: "rectangle.portrait.and.arrow.right"
+                mirrorsSymbol: true
                 onClicked: page.model.account.signOut()
             }
         }
