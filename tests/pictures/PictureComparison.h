@@ -6,11 +6,11 @@
 
 namespace vemo {
 
-/// How many pixels of two pictures of one size are clearly different: more than the few colours of
-/// a kept picture make them.
-int differingPixels(const QImage& one, const QImage& other);
+/// Whether pictures are written rather than looked at; the program's arguments say so.
+inline bool writesReferences = false;
 
-/// Writes the picture to be kept: small, with no more colours than it takes. False when it can't.
-bool keepPicture(const QImage& image, const QString& file);
+/// Fails when the picture clearly differs from the one in the file, and leaves it beside the tests
+/// as failed-NAME.png; or else writes the file anew.
+void expectLooksAs(const QImage& image, const QString& file);
 
 }  // namespace vemo

@@ -19,11 +19,7 @@
 namespace vemo {
 namespace {
 
-/// Edges of a few letters, should a library draw them a little differently.
-constexpr int toleratedPixels = 40;
-
 qreal scale = 1;
-bool writesReferences = false;
 
 /// What the documentation shows is drawn sharply enough for any display.
 QDir folderOfReferences() {
@@ -63,7 +59,7 @@ QImage draw(const Sight& sight) {
   }
   for (int i = 0; i < sight.tabs; ++i) QTest::keyClick(&window.window(), Qt::Key_Tab);
   window.draw();
-  const QImage image = window.draw();
+  const QImage image = window.draw().convertToFormat(QImage::Format_RGB32);
   QGuiApplication::setLayoutDirection(Qt::LeftToRight);
   EXPECT_THAT(window.complaints(), testing::IsEmpty());
   return image;
@@ -74,19 +70,7 @@ class WindowPicturesTest : public testing::TestWithParam<Sight> {};
 TEST_P(WindowPicturesTest, LooksAsItIsMeantTo) {
   const QImage image = draw(GetParam());
   ASSERT_EQ(image.size(), GetParam().size * scale);
-  const QString file = folderOfReferences().filePath(GetParam().name + u".png"_s);
-  if (writesReferences) {
-    ASSERT_TRUE(keepPicture(image, file)) << file.toStdString();
-    return;
-  }
-  const QImage reference(file);
-  const QString drawn = u"failed-%1.png"_s.arg(GetParam().name);
-  ASSERT_EQ(reference.size(), image.size()) << file.toStdString();
-  const int differing = differingPixels(image, reference);
-  if (differing > toleratedPixels) image.save(drawn);
-  EXPECT_LE(differing, toleratedPixels)
-      << file.toStdString() << " is what it should look like; it looks like "
-      << QDir().absoluteFilePath(drawn).toStdString();
+  expectLooksAs(image, folderOfReferences().filePath(GetParam().name + u".png"_s));
 }
 
 INSTANTIATE_TEST_SUITE_P(EachSight, WindowPicturesTest, testing::ValuesIn(sightsAtScale(scale)),
@@ -100,7 +84,7 @@ TEST(WindowPicturesFolderTest, EveryPictureThatIsKeptIsOfAWindow) {
   for (const qreal each : scale == 2 ? QList<qreal>{2} : QList<qreal>{1, 1.5})
     for (const auto& sight : sightsAtScale(each)) names.append(sight.name + u".png"_s);
   for (const auto& file : folderOfReferences().entryList({u"*.png"_s}))
-    EXPECT_TRUE(names.contains(file)) << file.toStdString();
+    if (!file.startsWith(u"icons-")) EXPECT_TRUE(names.contains(file)) << file.toStdString();
 }
 
 /// What the letters look like, and how large a pixel is, Qt asks for when it starts.

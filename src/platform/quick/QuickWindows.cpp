@@ -1,6 +1,7 @@
 #include "platform/quick/QuickWindows.h"
 
 #include <QGuiApplication>
+#include <QIcon>
 #include <QQmlComponent>
 #include <QQmlContext>
 #include <QScreen>
@@ -74,6 +75,7 @@ std::unique_ptr<QQuickView> QuickWindows::makeView(Scene scene, QObject& model) 
   QQmlEngine::setObjectOwnership(&model, QQmlEngine::CppOwnership);
   auto view = std::make_unique<QQuickView>(m_engine.get(), nullptr);
   view->setTitle(titleOf(scene));
+  view->setIcon(QIcon::fromTheme(u"brelmox.Vemo"_s));
   view->setInitialProperties({{u"model"_s, QVariant::fromValue(&model)}});
   view->setSource(sourceOf(scene));
   if (scene == Scene::Main) view->resize(standardSize);

@@ -4,50 +4,16 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <QDBusConnection>
-#include <QDBusContext>
-#include <QDBusVariant>
 #include <QGuiApplication>
 #include <QScreen>
 
+#include "SettingsPortal.h"
 #include "fakes/FakeInputDevice.h"
 #include "fakes/QtTestLoop.h"
 
 namespace vemo {
 
 using namespace Qt::Literals::StringLiterals;
-
-/// Knows the color scheme and nothing else.
-class SettingsPortal : public QObject, protected QDBusContext {
-  Q_OBJECT
-  Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Settings")
-
- public:
-  explicit SettingsPortal(const QVariant& colorScheme) : m_colorScheme(colorScheme) {
-    EXPECT_TRUE(m_bus.registerObject(u"/org/freedesktop/portal/desktop"_s, this,
-                                     QDBusConnection::ExportScriptableContents));
-    EXPECT_TRUE(m_bus.registerService(u"org.freedesktop.portal.Desktop"_s));
-  }
-  ~SettingsPortal() override { QDBusConnection::disconnectFromBus(u"portal"_s); }
-
-  Q_SCRIPTABLE QDBusVariant Read(const QString& group, const QString& key) {
-    if (group != u"org.freedesktop.appearance" || key != u"color-scheme") {
-      sendErrorReply(u"org.freedesktop.portal.Error.NotFound"_s, u"Requested setting not found"_s);
-      return {};
-    }
-    ++m_readCount;
-    return QDBusVariant(QVariant::fromValue(QDBusVariant(m_colorScheme)));
-  }
-
-  int readCount() const { return m_readCount; }
-
-  void change(const QVariant& colorScheme) { m_colorScheme = colorScheme; }
-
- private:
-  QDBusConnection m_bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"portal"_s);
-  QVariant m_colorScheme;
-  int m_readCount = 0;
-};
 
 namespace {
 
@@ -103,7 +69,7 @@ TEST_F(LinuxDeviceInformationTest, APortalThatTalksNonsenseTellsNothing) {
   const LinuxDeviceInformation device(inputDevice, [] { return QStringList(); });
   EXPECT_TRUE(QtTestLoop::runUntil([&] {
     device.read();
-    return portal.readCount() == 3;
+    return portal.readCount() >= 3;
   }));
   EXPECT_EQ(device.read().appearance, std::nullopt);
 }
@@ -116,5 +82,3 @@ TEST_F(LinuxDeviceInformationTest, ADesktopWithoutAPreferenceIsLight) {
 
 }  // namespace
 }  // namespace vemo
-
-#include "LinuxDeviceInformation_test.moc"

@@ -93,7 +93,7 @@ TEST_P(ThemeTest, TheMarkStaysTheProductsOwn) {
   const auto before = theme->property("mark").value<QColor>();
   theme->setProperty("desktopAccent", desktopAccent(*theme, QColor(Qt::red)));
   EXPECT_EQ(theme->property("mark").value<QColor>(), before);
-  expectReadable("onMark", {"mark"});
+  expectReadable("markInk", {"mark"});
 }
 
 INSTANTIATE_TEST_SUITE_P(LightAndDark, ThemeTest, testing::Bool());

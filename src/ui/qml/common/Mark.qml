@@ -24,7 +24,7 @@ Rectangle {
                 width: mark.width * 0.085
                 height: mark.height * modelData
                 radius: width / 2
-                color: Theme.onMark
+                color: Theme.markInk
             }
         }
     }

@@ -31,7 +31,7 @@ QtObject {
     readonly property color accentText: desktopAccent.accentText ?? (isDark ? "#5fd0c0" : "#0a6e61")
     readonly property color textOnAccent: desktopAccent.textOnAccent ?? (isDark ? "#07201c" : "#ffffff")
     readonly property color mark: isDark ? "#46bfae" : "#0b7a6c"
-    readonly property color onMark: isDark ? "#07201c" : "#ffffff"
+    readonly property color markInk: isDark ? "#07201c" : "#ffffff"
     readonly property color danger: isDark ? "#ff938a" : "#b93226"
 
     readonly property int spaceTiny: 4
