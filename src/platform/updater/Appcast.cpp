@@ -205,14 +205,19 @@ QByteArray Appcast::write() const {
 std::optional<AppcastItem> chooseUpdate(const Appcast& appcast, const UpdateWish& wish) {
   const auto system = QVersionNumber::fromString(wish.systemVersion);
   const AppcastItem* best = nullptr;
+  bool isAnyCritical = false;
   for (const AppcastItem& item : appcast.items) {
     const bool fits = item.build > wish.newerThan && item.build != wish.refusedBuild &&
                       (item.channel.isEmpty() || wish.channels.contains(item.channel)) &&
                       (item.architecture.isEmpty() || item.architecture == wish.architecture) &&
                       QVersionNumber::fromString(item.minimumSystemVersion).normalized() <= system;
+    if (fits) isAnyCritical = isAnyCritical || item.shown.isCritical;
     if (fits && (!best || item.build > best->build)) best = &item;
   }
-  return best ? std::optional(*best) : std::nullopt;
+  if (!best) return std::nullopt;
+  AppcastItem chosen = *best;
+  chosen.shown.isCritical = isAnyCritical;
+  return chosen;
 }
 
 bool isPathInside(const QString& path) {

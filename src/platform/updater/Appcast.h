@@ -62,7 +62,7 @@ struct UpdateWish {
   quint64 refusedBuild = 0;  ///< one that didn't start here
 };
 
-/// The newest item that fits.
+/// The newest item that fits; critical, too, where one that it passes over is.
 std::optional<AppcastItem> chooseUpdate(const Appcast& appcast, const UpdateWish& wish);
 
 /// Whether the path stays below the folder that it is put in.

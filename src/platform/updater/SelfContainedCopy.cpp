@@ -72,12 +72,28 @@ QString SelfContainedCopy::program() const {
   return path(u"current/bin/vemo"_s);
 }
 
-QString SelfContainedCopy::stagingFolder() const {
-  return path(u"versions/.staging"_s);
+QString SelfContainedCopy::stagingFolder(quint64 build) const {
+  return path(u"versions/.staging-%1"_s.arg(build));
 }
 
 QString SelfContainedCopy::downloadFile(quint64 build) const {
   return path(u"versions/.download-%1"_s.arg(build));
+}
+
+void SelfContainedCopy::keepOnly(const QList<quint64>& builds) const {
+  QStringList kept;
+  for (const quint64 build : builds) kept << stagingFolder(build) << downloadFile(build);
+  const QDir versions(path(u"versions"_s));
+  const auto found = versions.entryInfoList({u".staging*"_s, u".download-*"_s},
+                                            QDir::Dirs | QDir::Files | QDir::Hidden);
+  for (const QFileInfo& entry : found) {
+    if (kept.contains(entry.filePath())) continue;
+    if (entry.isDir() && !entry.isSymLink()) {
+      QDir(entry.filePath()).removeRecursively();
+    } else {
+      QFile::remove(entry.filePath());
+    }
+  }
 }
 
 quint64 SelfContainedCopy::currentBuild() const {
@@ -93,7 +109,7 @@ std::expected<void, QString> SelfContainedCopy::install(quint64 build) {
   if (build == old) return std::unexpected(u"build %1 runs already"_s.arg(build));
   const QString version = path(versionName(build));
   QDir(version).removeRecursively();  // left by an installation that was cut off
-  if (!renamePath(stagingFolder(), version) || !syncFolder(path(u"versions"_s)))
+  if (!renamePath(stagingFolder(build), version) || !syncFolder(path(u"versions"_s)))
     return failure(version);
   QFile::remove(path(u"trial"_s));
   if (auto kept = pointTo(u"previous"_s, old); !kept) return kept;

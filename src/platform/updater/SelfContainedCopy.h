@@ -11,6 +11,7 @@
 // time. Errors are one line for the log.
 #pragma once
 
+#include <QList>
 #include <QString>
 #include <expected>
 #include <optional>
@@ -27,13 +28,17 @@ class SelfContainedCopy {
 
   const QString& root() const { return m_root; }
   QString program() const;  ///< of the current version
-  /// Where a version is put together; nothing starts from there.
-  QString stagingFolder() const;
+  /// Where a version is put together; nothing starts from there. Each build has its own, so that
+  /// one that is ready stays whole while the next is put together.
+  QString stagingFolder(quint64 build) const;
   QString downloadFile(quint64 build) const;
   quint64 currentBuild() const;
   quint64 refusedBuild() const;
 
-  /// Makes what stands in the staging folder the version that starts next.
+  /// Takes away what other builds have left of downloads and in staging folders.
+  void keepOnly(const QList<quint64>& builds) const;
+
+  /// Makes what stands in the build's staging folder the version that starts next.
   std::expected<void, QString> install(quint64 build);
 
   enum class Start { Goes, RolledBack };

@@ -46,11 +46,14 @@ Prepared verifyAndUnpack(const AppcastItem& item, const QString& file, const QBy
       !isArchiveSigned(archive, item.archiveSignature, key))
     return {UpdateTrouble::NotSigned, u"the archive's signature is wrong"_s};
   QDir(folder).removeRecursively();
-  if (const auto unpacked = unpackUpdate(file, item.files, folder); !unpacked)
-    return {UpdateTrouble::ArchiveRefused, unpacked.error()};
-  if (!startsHere(folder, item.shown.displayVersion))
-    return {UpdateTrouble::InstallationFailed, u"the new version doesn't start here"_s};
-  return {};
+  Prepared prepared;
+  if (const auto unpacked = unpackUpdate(file, item.files, folder); !unpacked) {
+    prepared = {UpdateTrouble::ArchiveRefused, unpacked.error()};
+  } else if (!startsHere(folder, item.shown.displayVersion)) {
+    prepared = {UpdateTrouble::InstallationFailed, u"the new version doesn't start here"_s};
+  }
+  if (prepared.trouble) QDir(folder).removeRecursively();
+  return prepared;
 }
 
 }  // namespace
@@ -135,12 +138,16 @@ Task<SelfUpdater::Outcome> SelfUpdater::findAndFetch(UpdateCheck check, std::sto
     m_userDriver.willHandleShowingUpdate(isShown ? UpdateShownBy::Updater : UpdateShownBy::Delegate,
                                          item->shown, check);
   }
+  if (m_with.copy && !isFetched && item->shown.isCritical)
+    m_with.announce(u"Vemo %1 is available"_s.arg(item->shown.displayVersion),
+                    u"It is an important update. Please check for updates to get it."_s);
   if (!m_with.copy) {
     m_with.announce(u"Vemo %1 is available"_s.arg(item->shown.displayVersion),
                     u"Install it the way you installed Vemo, such as with your package manager."_s);
     co_return Outcome();
   }
   if (!isFetched) co_return Outcome();
+  m_with.copy->keepOnly({item->build, m_ready ? m_ready->build : 0});
   const QString file = m_with.copy->downloadFile(item->build);
   if (auto downloaded = co_await download(*item, file, stop); !downloaded) co_return downloaded;
   const Outcome prepared = co_await prepare(*item, file);
@@ -220,7 +227,7 @@ Task<SelfUpdater::Outcome> SelfUpdater::prepare(AppcastItem item, QString file) 
   const Completion<Prepared> completion(m_with.mainThread);
   MainThread& mainThread = m_with.mainThread;
   m_worker.post([completion, &mainThread, item, file, key = m_memory.key.key,
-                 folder = m_with.copy->stagingFolder()] {
+                 folder = m_with.copy->stagingFolder(item.build)] {
     mainThread.post([completion, done = verifyAndUnpack(item, file, key, folder)] {
       completion.complete(done);
     });

@@ -78,6 +78,66 @@ TEST(AppcastTest, SizesAreHeldToTheirLimits) {
   EXPECT_FALSE(isRead(QByteArray(Appcast::largestFeed + 1, ' ')));
 }
 
+TEST(AppcastTest, CountsAndTextsAreHeldToTheirLimits) {
+  const auto isReadWith = [](int items, int files, int letters) {
+    Appcast appcast = feed();
+    AppcastItem& item = appcast.items.front();
+    item.shown.notes = QString(letters, u'n');
+    while (static_cast<int>(item.files.size()) < files)
+      item.files.push_back({u"lib/%1"_s.arg(item.files.size()), 1, QByteArray(32, 'h'), false});
+    const AppcastItem each = item;
+    appcast.items.resize(static_cast<std::size_t>(items), each);
+    return isRead(appcast.write());
+  };
+  EXPECT_TRUE(isReadWith(100, 2, 10));
+  EXPECT_FALSE(isReadWith(101, 2, 10));
+  EXPECT_TRUE(isReadWith(1, 10'000, 10));
+  EXPECT_FALSE(isReadWith(1, 10'001, 10));
+  EXPECT_TRUE(isReadWith(1, 2, 64 * 1024));
+  EXPECT_FALSE(isReadWith(1, 2, 64 * 1024 + 1));
+}
+
+TEST(AppcastTest, AFeedOfTheLargestSizeIsReadAndOneByteMoreIsNot) {
+  QByteArray xml = feed().write();
+  xml.append(QByteArray(Appcast::largestFeed - xml.size(), '\n'));
+  EXPECT_TRUE(isRead(xml));
+  EXPECT_FALSE(isRead(xml + '\n'));
+}
+
+TEST(AppcastTest, TheFilesOfAVersionTogetherAreHeldToALimit) {
+  const QByteArray rest = QByteArray::number(Appcast::largestVersion - 5);
+  const QByteArray more = QByteArray::number(Appcast::largestVersion - 4);
+  EXPECT_TRUE(isRead(changed("size=\"7\"", "size=\"" + rest + '"')));
+  EXPECT_FALSE(isRead(changed("size=\"7\"", "size=\"" + more + '"')));
+}
+
+TEST(AppcastTest, ANumberThatIsNoneIsAnError) {
+  EXPECT_FALSE(isRead(changed("<serial>3", "<serial>-3")));
+  EXPECT_FALSE(isRead(changed("<serial>3", "<serial>18446744073709551616")));
+  EXPECT_TRUE(isRead(changed("<serial>3", "<serial>18446744073709551615")));
+  EXPECT_FALSE(isRead(changed("<build>57", "<build>1.4")));
+}
+
+TEST(AppcastTest, AnUpdateThatPassesOverACriticalOneIsCriticalToWhomItFits) {
+  Appcast appcast = feed();
+  AppcastItem newer = appcast.items.front();
+  newer.build = 58;
+  newer.shown.isCritical = false;
+  appcast.items.push_back(newer);
+  const auto chosenBy = [&appcast](quint64 build) {
+    return chooseUpdate(appcast, {.newerThan = build,
+                                  .channels = {u"beta"_s},
+                                  .systemVersion = u"12.8"_s,
+                                  .architecture = u"x86_64"_s,
+                                  .refusedBuild = 0});
+  };
+  ASSERT_TRUE(chosenBy(56));
+  EXPECT_EQ(chosenBy(56)->build, 58U);
+  EXPECT_TRUE(chosenBy(56)->shown.isCritical);
+  EXPECT_FALSE(chosenBy(57)->shown.isCritical);
+  EXPECT_FALSE(chosenBy(58));
+}
+
 TEST(AppcastTest, ElementsThatNobodyKnowsArePassedOverHoweverDeep) {
   const QByteArray deep = QByteArray("<a>").repeated(2000) + QByteArray("</a>").repeated(2000);
   EXPECT_TRUE(isRead(changed("<serial>", deep + "<serial>")));

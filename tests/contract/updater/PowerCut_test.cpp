@@ -28,8 +28,8 @@ class PowerCutTest : public testing::Test {
           .it_value = {.tv_sec = after.count() / 1'000'000, .tv_usec = after.count() % 1'000'000}};
       setitimer(ITIMER_REAL, &limit, nullptr);
       SelfContainedCopy copy(root);
-      QDir(copy.stagingFolder()).removeRecursively();
-      const bool isDone = unpackUpdate(archive, files, copy.stagingFolder()) && copy.install(2);
+      QDir(copy.stagingFolder(2)).removeRecursively();
+      const bool isDone = unpackUpdate(archive, files, copy.stagingFolder(2)) && copy.install(2);
       _exit(isDone ? 0 : 1);
     }
     int status = 0;
@@ -84,7 +84,7 @@ class SelfContainedCopyTest : public PowerCutTest {
   SelfContainedCopy copy{root};
 
   void installNext() {
-    ASSERT_TRUE(unpackUpdate(archive, files, copy.stagingFolder()));
+    ASSERT_TRUE(unpackUpdate(archive, files, copy.stagingFolder(2)));
     ASSERT_TRUE(copy.install(2));
   }
 };

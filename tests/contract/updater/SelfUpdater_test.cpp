@@ -5,7 +5,14 @@ namespace vemo {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class SelfUpdaterTest : public UpdaterFixture {};
+class SelfUpdaterTest : public UpdaterFixture {
+ protected:
+  /// Of downloads and of versions that aren't installed.
+  QStringList leftovers() const {
+    return QDir(root + u"/versions"_s)
+        .entryList({u".*"_s}, QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+  }
+};
 
 TEST_F(SelfUpdaterTest, FetchesVerifiesAndInstallsANewerVersion) {
   publish({release(2, "1.1.0")});
@@ -103,6 +110,78 @@ TEST_F(SelfUpdaterTest, WithoutAutomaticDownloadsAnUpdateIsToldAndFetchedOnReque
   EXPECT_THAT(check(UpdateCheck::UserInitiated), IsEmpty());
   EXPECT_EQ(delegate.shownBy, UpdateShownBy::Updater);
   EXPECT_TRUE(delegate.ready);
+}
+
+TEST_F(SelfUpdaterTest, ACriticalUpdateIsAnnouncedWhereItIsNotFetchedByItself) {
+  AppcastItem item = release(2, "1.1.0");
+  publish({item});
+  start().setAutomaticallyDownloadsUpdates(false);
+  check();
+  EXPECT_THAT(announced, IsEmpty());
+  item.shown.isCritical = true;
+  publish({item});
+  EXPECT_THAT(check(), IsEmpty());
+  EXPECT_THAT(announced, ElementsAre(u"Vemo 1.1.0 is available"_s));
+  EXPECT_FALSE(delegate.ready);
+}
+
+TEST_F(SelfUpdaterTest, AReadyUpdateStaysWholeWhileANewerOneTurnsOutBad) {
+  const AppcastItem ready = release(2, "1.1.0");
+  publish({ready});
+  EXPECT_THAT(check(), IsEmpty());
+  AppcastItem bad = release(3, "1.2.0");
+  bad.shown.displayVersion = u"9.9.9"_s;
+  publish({ready, bad});
+  EXPECT_THAT(check(), ElementsAre(4005));
+  updater->installOnQuit();
+  EXPECT_EQ(startedVersion(root), "Vemo 1.1.0");
+}
+
+TEST_F(SelfUpdaterTest, ANewerUpdateTakesTheReadyOnesPlaceAndWhatWasLeftGoesWithTheNextFetch) {
+  writeTestFile(root + u"/versions/.download-7"_s, "half", false);
+  writeTestFile(root + u"/versions/.staging-7/bin/vemo"_s, "half", true);
+  publish({release(2, "1.1.0")});
+  EXPECT_THAT(check(), IsEmpty());
+  EXPECT_THAT(leftovers(), ElementsAre(u".staging-2"_s));
+  publish({release(3, "1.2.0")});
+  EXPECT_THAT(check(), IsEmpty());
+  updater->installOnQuit();
+  EXPECT_EQ(startedVersion(root), "Vemo 1.2.0");
+}
+
+TEST_F(SelfUpdaterTest, WhatWasRefusedLeavesNothingOnTheDisk) {
+  AppcastItem item = release(2, "1.1.0");
+  item.shown.displayVersion = u"9.9.9"_s;
+  publish({item});
+  EXPECT_THAT(check(), ElementsAre(4005));
+  EXPECT_THAT(leftovers(), IsEmpty());
+}
+
+TEST_F(SelfUpdaterTest, ABuildThatDidNotStartWellIsNotTakenAgainButTheNextOneIs) {
+  writeTestFile(root + u"/refused"_s, "2", false);
+  publish({release(2, "1.1.0")});
+  EXPECT_THAT(check(), ElementsAre(1001));
+  publish({release(3, "1.2.0")});
+  EXPECT_THAT(check(), IsEmpty());
+}
+
+TEST_F(SelfUpdaterTest, AnInstallationThatFailsIsReportedAndNothingRelaunches) {
+  publish({release(2, "1.1.0")});
+  EXPECT_THAT(check(), IsEmpty());
+  QDir(root + u"/versions/.staging-2"_s).removeRecursively();
+  delegate.installNow();
+  EXPECT_THAT(delegate.errors, ElementsAre(4005));
+  EXPECT_EQ(relaunches, 0);
+  EXPECT_EQ(startedVersion(root), "Vemo 1.0.0");
+}
+
+TEST_F(SelfUpdaterTest, ASecondCheckDuringACheckChangesNothing) {
+  publish({});
+  start().checkForUpdatesInBackground();
+  EXPECT_FALSE(updater->canCheckForUpdates());
+  EXPECT_THAT(check(UpdateCheck::UserInitiated), ElementsAre(1001));
+  EXPECT_TRUE(updater->canCheckForUpdates());
+  EXPECT_EQ(delegate.finished, 1);
 }
 
 TEST_F(SelfUpdaterTest, RemembersItsPreferencesAndItsLastCheck) {

@@ -16,6 +16,7 @@ struct Entry {
   QByteArray path;
   QByteArray content;
   mode_t type = AE_IFREG;
+  bool isHardLink = false;
 };
 
 }  // namespace
@@ -39,13 +40,15 @@ class UpdateAttacksTest : public UpdaterFixture {
       archive_entry_set_pathname(header, entry.path.constData());
       archive_entry_set_filetype(header, entry.type);
       archive_entry_set_perm(header, 0755);
-      if (entry.type == AE_IFLNK) {
+      if (entry.isHardLink) {
+        archive_entry_set_hardlink(header, entry.content.constData());
+      } else if (entry.type == AE_IFLNK) {
         archive_entry_set_symlink(header, entry.content.constData());
       } else {
         archive_entry_set_size(header, entry.content.size());
       }
       archive_write_header(writer, header);
-      if (entry.type == AE_IFREG)
+      if (entry.type == AE_IFREG && !entry.isHardLink)
         archive_write_data(writer, entry.content.constData(),
                            static_cast<std::size_t>(entry.content.size()));
       archive_entry_free(header);
@@ -104,6 +107,12 @@ TEST_F(UpdateAttacksTest, EndlessDataForAnArchiveEndsAtALimit) {
   publish({release(2, "1.1.0")});
   server.manners["vemo-2.tar.xz"] = ReleaseServer::Manner::Endless;
   EXPECT_THAT(check(), ElementsAre(2001));
+}
+
+TEST_F(UpdateAttacksTest, EndlessDataForTheKeysEndsAtALimitAndTheFeedIsStillRead) {
+  publish({});
+  server.manners["keys.txt"] = ReleaseServer::Manner::Endless;
+  EXPECT_THAT(check(), ElementsAre(1001));
 }
 
 TEST_F(UpdateAttacksTest, SlowRetrievalEndsAtTheTransfersLimit) {
@@ -196,6 +205,20 @@ TEST_F(UpdateAttacksTest, PathsAndLinksOutOfTheArchiveAreRefused) {
   publish({releaseOf({{"lib/ballast", "/etc/passwd", AE_IFLNK}, program})});
   EXPECT_THAT(check(), ElementsAre(3000));
   EXPECT_FALSE(QFile::exists(u"/tmp/vemo-was-here"_s));
+}
+
+TEST_F(UpdateAttacksTest, HardLinksFoldersAndDevicesInTheArchiveAreRefused) {
+  publish({releaseOf({program, {"lib/ballast", "/etc/passwd", AE_IFREG, true}})});
+  EXPECT_THAT(check(), ElementsAre(3000));
+  for (const mode_t type : {AE_IFDIR, AE_IFIFO, AE_IFCHR}) {
+    publish({releaseOf({program, {"lib/ballast", "", type}})});
+    EXPECT_THAT(check(), ElementsAre(3000)) << type;
+  }
+}
+
+TEST_F(UpdateAttacksTest, AFileThatIsChangedButOfTheSameSizeIsRefused) {
+  publish({releaseOf({program, {"lib/ballast", "1.1.1"}})});
+  EXPECT_THAT(check(), ElementsAre(3000));
 }
 
 TEST_F(UpdateAttacksTest, AnArchiveThatUnpacksToMoreThanTheFeedSaysIsRefused) {
