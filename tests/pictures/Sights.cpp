@@ -84,6 +84,20 @@ void addFocused(QList<Sight>& sights) {
   }
 }
 
+/// One that can't be read as it is, light or dark.
+void addAccented(QList<Sight>& sights) {
+  for (const auto& state : {u"home-full"_s, u"settings-custom-keys"_s}) {
+    for (const auto brightness : {Brightness::Light, Brightness::Dark}) {
+      Sight accented = sight(state, brightness);
+      accented.name = state + u"-accent-"_s + nameOf(brightness);
+      accented.size = state == u"home-full" ? mainSize : settingsSize;
+      accented.accent =
+          brightness == Brightness::Light ? QColor(0xf6, 0xd3, 0x2d) : QColor(0x61, 0x35, 0x83);
+      sights.append(accented);
+    }
+  }
+}
+
 void addSmallAndTurned(QList<Sight>& sights) {
   for (const QString& state : telling) {
     Sight small = sight(state, Brightness::Light);
@@ -105,6 +119,7 @@ QList<Sight> sightsAtScale(qreal scale) {
     addStates(sights);
     addPressed(sights);
     addFocused(sights);
+    addAccented(sights);
     addSmallAndTurned(sights);
   } else if (scale == 1.5) {
     sights = {sight(u"home-full"_s, Brightness::Light), sight(u"stats-full"_s, Brightness::Dark)};

@@ -2,6 +2,7 @@
 // small as the window goes, turned around, and on displays with more pixels.
 #pragma once
 
+#include <QColor>
 #include <QList>
 #include <QSize>
 #include <QString>
@@ -16,6 +17,7 @@ struct Sight {
   QSize size;
   Brightness brightness = Brightness::Light;
   Qt::LayoutDirection direction = Qt::LeftToRight;
+  QColor accent = {};    ///< the desktop's, if it has one
   QString pressed = {};  ///< the button that is pressed first, by its text
   int tabs = 0;          ///< how often Tab is pressed then
 };

@@ -49,6 +49,7 @@ QImage draw(const Sight& sight) {
       offline->viewModel(), sight.size, sight.brightness);
   EXPECT_THAT(window.complaints(), testing::IsEmpty());
   if (!window.complaints().isEmpty()) return {};
+  if (sight.accent.isValid()) window.setAccent(sight.accent);
   window.activate();
   offline->pass({});
   if (!sight.pressed.isEmpty()) {

@@ -1,5 +1,6 @@
 // vemo-offline: the real windows on fakes in scripted states, for those who design them.
 
+#include <QColor>
 #include <QCommandLineParser>
 #include <QGuiApplication>
 #include <QQuickWindow>
@@ -7,6 +8,7 @@
 #include <cstdio>
 #include <functional>
 #include <memory>
+#include <optional>
 
 #include "platform/quick/QuickScenes.h"
 #include "windows/offline/MainWindowOnFakes.h"
@@ -55,6 +57,11 @@ int takeScreenshot(const QString& file) {
   return 1;
 }
 
+std::optional<std::uint32_t> accentOf(const QCommandLineParser& options) {
+  const QColor color(options.value(u"accent"_s));
+  return color.isValid() ? std::optional(color.rgb() & RGB_MASK) : std::nullopt;
+}
+
 int run(const QCommandLineParser& options) {
   if (options.isSet(u"list"_s)) return list();
   if (options.positionalArguments().size() != 1) {
@@ -75,7 +82,8 @@ int run(const QCommandLineParser& options) {
   scenes.modelOf = [&offline](Scene) -> QObject& { return offline->viewModel(); };
   scenes.applyPolicy = [](quintptr, ActivationPolicy) {};
   scenes.setLook({.isDark = options.value(u"theme"_s) == u"dark",
-                  .hasReducedMotion = options.isSet(u"screenshot"_s)});
+                  .hasReducedMotion = options.isSet(u"screenshot"_s),
+                  .accent = accentOf(options)});
   scenes.open(offline->scene());
   if (!scenes.isOpen(offline->scene())) return 1;
 
@@ -106,6 +114,7 @@ int main(int argumentCount, char** arguments) {
   options.addPositionalArgument(u"state"_s, u"what to show"_s);
   options.addOptions({{u"list"_s, u"name the states"_s},
                       {u"theme"_s, u"light or dark"_s, u"theme"_s, u"light"_s},
+                      {u"accent"_s, u"the desktop's accent, as #RRGGBB"_s, u"color"_s},
                       {u"scale"_s, u"device pixels to a pixel"_s, u"N"_s, u"1"_s},
                       {u"right-to-left"_s, u"turn the window around"_s},
                       {u"screenshot"_s, u"write a picture and end"_s, u"file"_s}});

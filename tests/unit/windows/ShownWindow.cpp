@@ -5,6 +5,7 @@
 #include <QCursor>
 #include <QStyleHints>
 
+#include "windows/AccentColors.h"
 #include "windows/SymbolImages.h"
 
 namespace vemo {
@@ -62,16 +63,27 @@ ShownWindow::ShownWindow(const QString& file, QObject& model, QSize size, Bright
   draw();
 }
 
+/// Its property `theme` is the windows' theme.
+std::unique_ptr<QObject> ShownWindow::themeFinder() {
+  QQmlComponent finder(m_view->engine());
+  finder.setData(
+      "import QtQml; import \"common\"; QtObject { readonly property QtObject theme: Theme }",
+      QUrl::fromLocalFile(QStringLiteral(VEMO_QML_IN_SOURCE) + u"/look"_s));
+  return std::unique_ptr<QObject>(finder.create());
+}
+
 /// Without motion, so that what is drawn doesn't depend on when.
 void ShownWindow::setLook(Brightness brightness) {
-  QQmlComponent look(m_view->engine());
-  look.setData(R"(import QtQuick; import "common"
-                  QtObject {
-                    property bool isDark
-                    Component.onCompleted: { Theme.reducedMotion = true; Theme.isDark = isDark }
-                  })",
-               QUrl::fromLocalFile(QStringLiteral(VEMO_QML_IN_SOURCE) + u"/look"_s));
-  delete look.createWithInitialProperties({{u"isDark"_s, brightness == Brightness::Dark}});
+  const auto finder = themeFinder();
+  auto* const theme = finder->property("theme").value<QObject*>();
+  theme->setProperty("reducedMotion", true);
+  theme->setProperty("isDark", brightness == Brightness::Dark);
+}
+
+void ShownWindow::setAccent(const QColor& accent) {
+  const auto finder = themeFinder();
+  auto* const theme = finder->property("theme").value<QObject*>();
+  theme->setProperty("desktopAccent", desktopAccent(*theme, accent));
 }
 
 ShownWindow::~ShownWindow() {

@@ -32,6 +32,9 @@ class ShownWindow {
   QQuickWindow& window() { return *m_view; }
   QQmlEngine& engine() { return *m_view->engine(); }
 
+  /// As if the desktop's accent were this colour.
+  void setAccent(const QColor& accent);
+
   /// Gives it the keyboard.
   void activate();
 
@@ -45,6 +48,7 @@ class ShownWindow {
   const QStringList& complaints() const { return s_complaints; }
 
  private:
+  std::unique_ptr<QObject> themeFinder();
   void setLook(Brightness brightness);
   static void note(QtMsgType type, const QMessageLogContext& context, const QString& message);
 
