@@ -10,7 +10,7 @@ namespace {
 
 constexpr double readable = 4.5;
 constexpr double step = 0.01;
-constexpr double shareOfSelection = 0.16;
+constexpr double shareOfSelection = 0.18;
 
 double luminance(const QColor& color) {
   const auto linear = [](double part) {
@@ -53,8 +53,10 @@ AccentColors accentColors(const QColor& wish, const Grounds& grounds) {
   const QColor& hardest = isDark ? grounds.lightest : grounds.darkest;
   const double direction = isDark ? 1 : -1;
   const QColor textOnAccent = isDark ? QColor(0x10, 0x12, 0x16) : QColor(Qt::white);
-  const QColor selection = mix(isDark ? grounds.darkest : grounds.lightest, wish, shareOfSelection);
-  return {.accent = readableOn({textOnAccent, hardest}, wish, direction),
+  const QColor accent = readableOn({textOnAccent, hardest}, wish, direction);
+  const QColor selection =
+      mix(isDark ? grounds.darkest : grounds.lightest, accent, shareOfSelection);
+  return {.accent = accent,
           .accentText = readableOn({hardest, selection}, wish, direction),
           .textOnAccent = textOnAccent,
           .selection = selection};
