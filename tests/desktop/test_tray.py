@@ -124,12 +124,12 @@ class PanelTest(TrayTest):
         self.assertEqual(self.menu.find("Enable Vemo")[1]["toggle-state"], 1)
         self.menu.press("Enable Vemo")
         wait_until(lambda: self.menu.find("Enable Vemo")[1]["toggle-state"] == 0, "Vemo to be off")
-        wait_until(lambda: self.settings()["isEnabled"] is False, "the setting to be written")
+        wait_until(lambda: self.settings().get("isEnabled") is False, "the setting to be written")
 
         languages, _ = self.menu.find("Language: English")
         self.menu.press("   Hindi", languages)
         wait_until(lambda: self.menu.find("Language: Hindi"), "the language to be Hindi")
-        wait_until(lambda: self.settings()["dictationLanguage"] == "hi", "the setting to be written")
+        wait_until(lambda: self.settings().get("dictationLanguage") == "hi", "the setting to be written")
 
         self.menu.press("Sign Out")
         wait_until(lambda: "Sign In with Google" in self.menu.labels(), "nobody to be signed in")

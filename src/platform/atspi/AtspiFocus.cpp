@@ -36,16 +36,17 @@ AtspiFocus::AtspiFocus(GioThread& thread) : m_thread(thread) {
 
 AtspiFocus::~AtspiFocus() = default;
 
-void AtspiFocus::askForPassword(std::function<void(bool)> answer) {
+void AtspiFocus::askForPassword(PasswordAnswer answer) {
   if (!m_bus && !m_sessionBus) findBus();
-  if (!m_objects || !m_focused) return answer(false);
+  if (!m_objects || !m_focused) return answer(false, Finality::Final);
   // The role is asked for each time: a field that shows its password on demand changes it.
   m_objects->askRole(*m_focused, [this, object = *m_focused,
                                   answer = std::move(answer)](std::optional<unsigned> role) {
-    if (role != unsigned{ATSPI_ROLE_PASSWORD_TEXT}) return answer(false);
+    if (role != unsigned{ATSPI_ROLE_PASSWORD_TEXT}) return answer(false, Finality::Final);
     // Not every toolkit reports that the focus has left for another program's window.
     m_objects->askState(object, [this, object, answer](std::optional<AtspiState> state) {
-      if (!state || !state->isFocused) return answer(false);
+      if (!state || !state->isFocused) return answer(false, Finality::Final);
+      answer(true, Finality::SoFar);
       askForWindowInFront(object, 0, answer);
     });
   });
@@ -53,15 +54,14 @@ void AtspiFocus::askForPassword(std::function<void(bool)> answer) {
 
 /// The topmost ancestor below the program is the window. One that can't be found is taken to be in
 /// front, as the field says that it has the focus.
-void AtspiFocus::askForWindowInFront(const AtspiObject& object, int depth,
-                                     std::function<void(bool)> answer) {
+void AtspiFocus::askForWindowInFront(const AtspiObject& object, int depth, PasswordAnswer answer) {
   m_objects->askParent(
       object, [this, object, depth, answer = std::move(answer)](std::optional<AtspiObject> parent) {
-        if (!parent || depth == mostAncestors) return answer(true);
+        if (!parent || depth == mostAncestors) return answer(true, Finality::Final);
         if (parent->path != ATSPI_DBUS_PATH_ROOT)
           return askForWindowInFront(*parent, depth + 1, answer);
         m_objects->askState(object, [answer](std::optional<AtspiState> window) {
-          answer(!window || window->isActive);
+          answer(!window || window->isActive, Finality::Final);
         });
       });
 }

@@ -25,9 +25,12 @@ class AtspiFocus {
   /// Looks for what has the focus now, in case its program hasn't reported that.
   void search();
 
+  enum class Finality { SoFar, Final };
+  using PasswordAnswer = std::function<void(bool isPassword, Finality finality)>;
   /// Whether a password field in the window in front has the focus, false when it can't be told.
-  /// No answer comes when the programs asked give none, or this object goes first.
-  void askForPassword(std::function<void(bool)> answer);
+  /// A field that says that it has the focus is one so far, until its window has answered. No final
+  /// answer comes when the programs asked give none, or this object goes first.
+  void askForPassword(PasswordAnswer answer);
 
  private:
   void findBus();
@@ -36,7 +39,7 @@ class AtspiFocus {
   void listen();
   void requestEvents();
   void handleStateChange(AtspiObject object, bool isFocused);
-  void askForWindowInFront(const AtspiObject& object, int depth, std::function<void(bool)> answer);
+  void askForWindowInFront(const AtspiObject& object, int depth, PasswordAnswer answer);
 
   GioThread& m_thread;
   std::unique_ptr<GioBus> m_sessionBus;  ///< while it is asked for the accessibility bus

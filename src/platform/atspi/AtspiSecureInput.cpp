@@ -1,5 +1,6 @@
 #include "platform/atspi/AtspiSecureInput.h"
 
+#include <atomic>
 #include <chrono>
 #include <semaphore>
 
@@ -16,7 +17,7 @@ constexpr std::chrono::milliseconds longestWait{40};
 /// What the main thread waits for; it may have gone on when the answer comes.
 struct Question {
   std::binary_semaphore isAnswered{0};
-  bool isPassword = false;
+  std::atomic<bool> isPassword = false;
 };
 
 }  // namespace
@@ -32,12 +33,14 @@ AtspiSecureInput::~AtspiSecureInput() {
 bool AtspiSecureInput::isActive() const {
   const auto question = std::make_shared<Question>();
   m_thread.post([this, question] {
-    m_focus->askForPassword([question](bool isPassword) {
+    m_focus->askForPassword([question](bool isPassword, AtspiFocus::Finality finality) {
       question->isPassword = isPassword;
-      question->isAnswered.release();
+      if (finality == AtspiFocus::Finality::Final) question->isAnswered.release();
     });
   });
-  return question->isAnswered.try_acquire_for(longestWait) && question->isPassword;
+  // What a busy machine has answered so far counts: rather no paste than one into a password field.
+  static_cast<void>(question->isAnswered.try_acquire_for(longestWait));
+  return question->isPassword;
 }
 
 void AtspiSecureInput::lookAgain() {

@@ -140,6 +140,13 @@ TEST_F(AtspiSecureInputTest, APasswordFieldWhoseWindowCannotBeFoundIsSecure) {
   EXPECT_TRUE(secureInput->isActive());
 }
 
+TEST_F(AtspiSecureInputTest, APasswordFieldWhoseWindowIsSlowToAnswerIsSecure) {
+  startListening();
+  settle();
+  desktop.set(box, {.role = panel, .parent = window, .isSilent = true});
+  EXPECT_LE(shortestQuestion(true), mostOnTheMainThread);
+}
+
 TEST_F(AtspiSecureInputTest, AncestorsInACircleEndWithinTheLimit) {
   startListening();
   settle();

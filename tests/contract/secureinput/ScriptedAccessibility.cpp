@@ -147,7 +147,7 @@ bool ScriptedAccessibility::handleMessage(const QDBusMessage& message,
   if (isQuestion) ++m_questions;
   if (message.member() == u"RegisterEvent"_s)
     m_isListenedTo = message.arguments().value(0) == u"object:state-changed:focused"_s;
-  if (m_isSilent && isQuestion) return true;
+  if ((m_isSilent || m_objects.value(message.path()).isSilent) && isQuestion) return true;
   if (m_answersNonsense && isQuestion) return connection.send(message.createReply(u"nonsense"_s));
   return connection.send(answerTo(message, connection.name()));
 }

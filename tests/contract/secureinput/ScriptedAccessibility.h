@@ -18,7 +18,8 @@ struct ScriptedObject {
   unsigned role = 0;
   bool isFocused = false;
   bool isActive = false;
-  QString parent;  ///< a path; empty when the object gives a wrong answer
+  QString parent;         ///< a path; empty when the object gives a wrong answer
+  bool isSilent = false;  ///< it takes questions and answers none
 };
 
 class ScriptedAccessibility : public QDBusVirtualObject {
