@@ -181,6 +181,14 @@ TEST_F(MainWindowKeyboardTest, AWordIsAddedAndEnterSavesIt) {
   EXPECT_EQ(model().dictionary()->rows()->rows().front().written, u"by the way"_s);
 }
 
+TEST_F(MainWindowKeyboardTest, WhoChangesAWordWritesOnAtItsEnd) {
+  show(u"sheet-word-typed"_s);
+  walkTo(u"When you say (or common typo)"_s);
+  const QString before = model().dictionary()->sheet()->spoken();
+  type(u"s"_s);
+  EXPECT_EQ(model().dictionary()->sheet()->spoken(), before + u's');
+}
+
 TEST_F(MainWindowKeyboardTest, AShortcutOfSeveralLinesIsAdded) {
   show(u"sheet-shortcut"_s);
   walkTo(u"Trigger Phrase (Say this)"_s);

@@ -45,6 +45,7 @@ Column {
         Accessible.name: labelled.label
         // A long text is seen from its beginning until somebody writes in it.
         onTextChanged: if (!activeFocus) cursorPosition = 0
+        onActiveFocusChanged: if (activeFocus && focusReason !== Qt.MouseFocusReason) cursorPosition = length
         onTextEdited: labelled.edited(text)
         onAccepted: labelled.accepted()
 
