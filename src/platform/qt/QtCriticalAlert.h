@@ -8,6 +8,8 @@
 
 namespace vemo {
 
+class QtAlertWindow;
+
 class QtCriticalAlert : public CriticalAlert {
  public:
   QtCriticalAlert();
@@ -16,8 +18,7 @@ class QtCriticalAlert : public CriticalAlert {
   void show(const AlertText& text, std::function<void()> onClosed) override;
 
  private:
-  class Window;
-  std::unique_ptr<Window> m_window;
+  std::unique_ptr<QtAlertWindow> m_window;
 };
 
 }  // namespace vemo

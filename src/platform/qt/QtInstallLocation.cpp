@@ -11,9 +11,10 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 /// Of the disk itself, or of the disk that a partition is on.
-bool isRemovable(const QString& device) {
+bool isRemovableDevice(const QString& device, const QString& blockDevices) {
   const QString folder =
-      QFileInfo(u"/sys/class/block/"_s + QFileInfo(device).fileName()).canonicalFilePath();
+      QFileInfo(blockDevices + u'/' + QFileInfo(device).fileName()).canonicalFilePath();
+  if (folder.isEmpty()) return false;
   for (const QString& attributes : {folder, QFileInfo(folder).path()}) {
     QFile file(attributes + u"/removable"_s);
     if (file.open(QIODevice::ReadOnly)) return file.readAll().trimmed() == "1";
@@ -23,14 +24,16 @@ bool isRemovable(const QString& device) {
 
 }  // namespace
 
+bool isRemovableMedium(const QString& root, const QString& device, const QString& blockDevices) {
+  if (root.startsWith(u"/media/") || root.startsWith(u"/run/media/")) return true;
+  return device.startsWith(u"/dev/") && isRemovableDevice(device, blockDevices);
+}
+
 InstallLocation readInstallLocation(const QString& program) {
   const QStorageInfo medium(QFileInfo(program).path());
-  const QString root = medium.rootPath();
-  const QString device = QString::fromLocal8Bit(medium.device());
-  const bool isPluggedIn = root.startsWith(u"/media/") || root.startsWith(u"/run/media/");
-  const bool isOnRemovableMedium =
-      isPluggedIn || (device.startsWith(u"/dev/") && isRemovable(device));
-  return {.path = program, .isOnRemovableMedium = isOnRemovableMedium};
+  return {.path = program,
+          .isOnRemovableMedium =
+              isRemovableMedium(medium.rootPath(), QString::fromLocal8Bit(medium.device()))};
 }
 
 }  // namespace vemo

@@ -9,4 +9,9 @@ namespace vemo {
 /// removable, or a place where desktops mount what is plugged in.
 InstallLocation readInstallLocation(const QString& program);
 
+/// Of the medium that is mounted at `root`; `blockDevices` holds what the system knows of disks and
+/// their partitions.
+bool isRemovableMedium(const QString& root, const QString& device,
+                       const QString& blockDevices = QStringLiteral("/sys/class/block"));
+
 }  // namespace vemo
