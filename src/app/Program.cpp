@@ -170,7 +170,8 @@ Program::Program(Foundation& foundation, Desktop& desktop,
                       .localKeyMonitor = localKeyMonitor,
                       .loginItem = loginItem,
                       .windows = desktop.windows,
-                      .configuration = configuration}),
+                      .configuration = configuration,
+                      .quit = [this] { updates.quitClosingSheets(); }}),
       machineSleep(desktop.gio, foundation.mainThread,
                    [this, &desktop] {
                      if (desktop.systemEvents.onDidWake) desktop.systemEvents.onDidWake();

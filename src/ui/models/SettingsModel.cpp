@@ -1,9 +1,12 @@
 #include "ui/models/SettingsModel.h"
 
+#include <utility>
+
 namespace vemo {
 
 SettingsModel::SettingsModel(With with)
     : m_folderChooser(with.folderChooser),
+      m_quit(std::move(with.quit)),
       m_toast(with.clock, with.mainThread),
       m_navigation(with.telemetry),
       m_account({.mainThread = with.mainThread,

@@ -53,6 +53,7 @@ class SettingsModel : public QObject {
     LoginItem& loginItem;
     ApplicationWindows& windows;
     const DeploymentConfiguration& configuration;
+    std::function<void()> quit;  ///< ends the program
     QLocale locale = QLocale::system();
   };
 
@@ -73,6 +74,8 @@ class SettingsModel : public QObject {
   /// The window has gone, and its sheets with it.
   Q_INVOKABLE void windowHidden() { closeSheets(); }
 
+  Q_INVOKABLE void quit() { m_quit(); }
+
   bool hasOpenSheet() const;
   /// Closes the recorder and every dialog at once; nothing is saved.
   void closeSheets();
@@ -84,6 +87,7 @@ class SettingsModel : public QObject {
   std::function<void(const QString&)> showToast();
 
   FolderChooserModel& m_folderChooser;
+  const std::function<void()> m_quit;
   ToastModel m_toast;
   SettingsNavigation m_navigation;
   AccountSettingsModel m_account;

@@ -115,6 +115,10 @@ void Window::start() {
   pass(0s);
 }
 
+QString Window::copiedText() {
+  return clipboard.writes().empty() ? QString() : plainTextOf(clipboard.writes().back());
+}
+
 void Window::signOut() {
   secrets.items.clear();
 }

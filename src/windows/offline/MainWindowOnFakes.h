@@ -41,6 +41,8 @@ class MainWindowOnFakes : public OfflineWindow, private OfflineTime, private Ses
   /// What the user has opened and ended.
   const FakeScenes& scenes() const { return m_scenes; }
   int quits() const { return m_quits; }
+  /// What the clipboard holds.
+  QString copiedText();
 
   Scene scene() const override { return Scene::Main; }
   QObject& viewModel() override { return *m_model; }

@@ -73,6 +73,7 @@ void Window::start() {
                                       .loginItem = m_loginItem,
                                       .windows = windows,
                                       .configuration = configuration,
+                                      .quit = [this] { ++m_quits; },
                                       .locale = QLocale(u"en_US"_s)});
   pass(0s);
 }

@@ -41,6 +41,9 @@ class SettingsOnFakes : public OfflineWindow, private SettingsTime, private Sess
   SettingsModel& model() { return *m_model; }
   FakeLocalKeyMonitor& keys() { return m_keys; }
 
+  /// How often the user has ended the program.
+  int quits() const { return m_quits; }
+
   Scene scene() const override { return Scene::Settings; }
   QObject& viewModel() override { return *m_model; }
   void pass(Clock::Duration duration) override { clock.advance(duration); }
@@ -62,6 +65,7 @@ class SettingsOnFakes : public OfflineWindow, private SettingsTime, private Sess
   void deleteAccount();
 
   std::binary_semaphore m_diskMayGoOn{0};
+  int m_quits = 0;
   SerialQueue m_diskReader{"vemo.offline"};
   FakeLocalKeyMonitor m_keys;
   FakeLoginItem m_loginItem;

@@ -138,6 +138,7 @@ TEST_F(MainWindowKeyboardTest, ALanguageIsChosenFromTheMenu) {
   press(Qt::Key_Down);
   press(Qt::Key_Return);
   EXPECT_EQ(model().home()->languageTitle(), u"Language: Hinglish"_s);
+  EXPECT_EQ(focusName(), u"Language: Hinglish"_s) << "the keyboard is where it was";
 }
 
 TEST_F(MainWindowKeyboardTest, WhatThePanelsMenuOffersIsReachedFromTheWindow) {
@@ -163,6 +164,21 @@ TEST_F(MainWindowKeyboardTest, TheCommandsOfTheProgramHaveTheirKeys) {
     press(Qt::Key_Q, Qt::ControlModifier);
     EXPECT_EQ(offline->quits(), 1);
   }
+}
+
+TEST_F(MainWindowKeyboardTest, ControlWClosesTheWindow) {
+  for (const auto& state : {u"signed-out"_s, u"home-empty"_s}) {
+    show(state);
+    ASSERT_TRUE(window->window().isVisible());
+    press(Qt::Key_W, Qt::ControlModifier);
+    EXPECT_FALSE(window->window().isVisible()) << state.toStdString();
+  }
+}
+
+TEST_F(MainWindowKeyboardTest, TheLastTranscriptIsCopiedByTheKeyThatTheMenuNames) {
+  show(u"home-full"_s);
+  press(Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
+  EXPECT_EQ(offline->copiedText(), u"Can you send me the notes from this morning?"_s);
 }
 
 TEST_F(MainWindowKeyboardTest, AWordIsAddedAndEnterSavesIt) {
@@ -212,6 +228,15 @@ TEST_F(MainWindowKeyboardTest, EscapeDismissesASheetWithoutSaving) {
   EXPECT_FALSE(model().hasOpenSheet());
   model().dictionary()->sheet()->open();
   EXPECT_EQ(model().dictionary()->sheet()->spoken(), QString());
+}
+
+TEST_F(MainWindowKeyboardTest, AfterASheetTheKeyboardIsWhereItWas) {
+  show(u"dictionary-empty"_s);
+  walkTo(u"Add New"_s);
+  press(Qt::Key_Return);
+  ASSERT_TRUE(model().hasOpenSheet());
+  press(Qt::Key_Escape);
+  EXPECT_EQ(focusName(), u"Add New"_s);
 }
 
 TEST_F(MainWindowKeyboardTest, TabStaysInsideASheet) {
@@ -272,6 +297,7 @@ TEST_F(MainWindowKeyboardTest, ATranscriptionIsCopied) {
   walkTo(u"Copy"_s);
   press(Qt::Key_Space);
   EXPECT_EQ(focusName(), u"Copied"_s);
+  EXPECT_EQ(offline->copiedText(), u"Can you send me the notes from this morning?"_s);
   EXPECT_THAT(window->texts(), Contains(u"Transcription copied to clipboard"_s));
 }
 

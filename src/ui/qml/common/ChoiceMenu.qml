@@ -16,6 +16,8 @@ Popup {
     focus: true
     closePolicy: Popup.CloseOnEscape | Popup.CloseOnPressOutsideParent
 
+    onAboutToShow: focusReturn.remember(parent)
+    onClosed: focusReturn.giveBack()
     onOpened: {
         list.currentIndex = Math.max(0, choices.findIndex(choice => choice.isCurrent))
         list.positionViewAtIndex(list.currentIndex, ListView.Center)
@@ -26,6 +28,8 @@ Popup {
         close()
         chosen(choices[index].code)
     }
+
+    readonly property FocusReturn focusReturn: FocusReturn {}
 
     background: Rectangle {
         radius: Theme.radius

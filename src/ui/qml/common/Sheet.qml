@@ -21,11 +21,18 @@ Popup {
     focus: true
     closePolicy: Popup.CloseOnEscape
     visible: isShown
-    onClosed: if (isShown) dismissed()
+    onAboutToShow: focusReturn.remember(parent)
+    onClosed: {
+        focusReturn.giveBack()
+        if (isShown)
+            dismissed()
+    }
     T.Overlay.modal: Rectangle {
         color: Theme.scrim
     }
     onOpened: body.nextItemInFocusChain().forceActiveFocus(Qt.PopupFocusReason)
+
+    readonly property FocusReturn focusReturn: FocusReturn {}
 
     background: Rectangle {
         radius: Theme.radius + Theme.spaceTiny

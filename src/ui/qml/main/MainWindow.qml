@@ -19,6 +19,14 @@ Rectangle {
         sequence: "Ctrl+Q"
         onActivated: window.model.pressMenuRow("quit")
     }
+    Shortcut {
+        sequence: "Ctrl+Shift+C"
+        onActivated: window.model.pressMenuRow("copy last")
+    }
+    Shortcut {
+        sequence: "Ctrl+W"
+        onActivated: window.Window.window.close()
+    }
     Loader {
         anchors.fill: parent
         focus: true

@@ -38,6 +38,11 @@ SymbolButton {
                 padding: Theme.spaceTiny
                 closePolicy: Popup.CloseOnEscape | Popup.CloseOnPressOutsideParent
 
+                onAboutToShow: focusReturn.remember(button)
+                onClosed: focusReturn.giveBack()
+
+                readonly property FocusReturn focusReturn: FocusReturn {}
+
                 background: Rectangle {
                     radius: Theme.radius
                     color: Theme.card

@@ -17,6 +17,14 @@ Rectangle {
     LayoutMirroring.enabled: Theme.isRightToLeft
     LayoutMirroring.childrenInherit: true
 
+    Shortcut {
+        sequence: "Ctrl+Q"
+        onActivated: window.model.quit()
+    }
+    Shortcut {
+        sequence: "Ctrl+W"
+        onActivated: window.Window.window.close()
+    }
     ColumnLayout {
         anchors.fill: parent
         spacing: 0

@@ -1,0 +1,137 @@
+// The settings window by keyboard alone.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QAccessible>
+#include <QTest>
+
+#include "ShownWindow.h"
+#include "desktop/VirtualKeys.h"
+#include "windows/offline/SettingsOnFakes.h"
+
+namespace vemo {
+namespace {
+
+using testing::Contains;
+using testing::IsEmpty;
+using testing::Not;
+
+constexpr std::int64_t keyF8 = 100;
+
+class SettingsWindowKeyboardTest : public testing::Test {
+ protected:
+  void TearDown() override { closeWindow(); }
+
+  void closeWindow() {
+    if (window) EXPECT_THAT(window->complaints(), IsEmpty());
+    window.reset();
+  }
+
+  void show(const QString& state) {
+    closeWindow();
+    offline.emplace(state);
+    window = std::make_unique<ShownWindow>(u"settings/SettingsWindow.qml"_s, offline->model(),
+                                           QSize(760, 640));
+    window->activate();
+    offline->pass({});
+    window->draw();
+  }
+
+  void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
+    QTest::keyClick(&window->window(), key, modifiers);
+    offline->pass({});
+    window->draw();
+  }
+
+  /// What a screen reader says of the item that has the keyboard.
+  QString focusText(QAccessible::Text kind = QAccessible::Name) {
+    auto* accessible = QAccessible::queryAccessibleInterface(window->window().activeFocusItem());
+    return accessible ? accessible->text(kind) : QString();
+  }
+
+  QStringList tabStops() {
+    QStringList stops;
+    QList<QQuickItem*> seen;
+    for (int steps = 0; steps < 80; ++steps) {
+      press(Qt::Key_Tab);
+      auto* item = window->window().activeFocusItem();
+      if (seen.contains(item)) break;
+      seen.append(item);
+      stops.append(focusText());
+    }
+    return stops;
+  }
+
+  void walkTo(const QString& text, QAccessible::Text kind = QAccessible::Name) {
+    for (int steps = 0; steps < 80 && focusText(kind) != text; ++steps) press(Qt::Key_Tab);
+    ASSERT_EQ(focusText(kind), text);
+  }
+
+  /// Keys that go to the recorder, as the monitor of the window hands them over.
+  void strike(KeyEvent::Type type, std::int64_t keyCode, ModifierFlags modifiers = 0) {
+    EXPECT_EQ(offline->keys().strike({type, keyCode, modifiers}),
+              LocalKeyMonitor::Handling::Swallow);
+    offline->pass({});
+    window->draw();
+  }
+
+  SettingsModel& model() { return offline->model(); }
+
+  std::optional<SettingsOnFakes> offline;
+  std::unique_ptr<ShownWindow> window;
+};
+
+TEST_F(SettingsWindowKeyboardTest, EveryStopOfTheTabKeyHasAName) {
+  for (const auto& state : SettingsOnFakes::states()) {
+    show(state);
+    const auto stops = tabStops();
+    EXPECT_FALSE(stops.isEmpty()) << state.toStdString();
+    EXPECT_THAT(stops, Not(Contains(QString()))) << state.toStdString();
+  }
+}
+
+TEST_F(SettingsWindowKeyboardTest, TheCommandsOfTheProgramHaveTheirKeysInBothTabs) {
+  for (const auto& state : {u"settings-account"_s, u"settings-system"_s}) {
+    show(state);
+    press(Qt::Key_Q, Qt::ControlModifier);
+    EXPECT_EQ(offline->quits(), 1);
+    press(Qt::Key_W, Qt::ControlModifier);
+    EXPECT_FALSE(window->window().isVisible());
+  }
+}
+
+TEST_F(SettingsWindowKeyboardTest, AShortcutIsRecordedAndSavedByHoldingIt) {
+  show(u"settings-system"_s);
+  walkTo(u"Record a shortcut: Start / Stop mic"_s);
+  press(Qt::Key_Space);
+  ASSERT_TRUE(model().recorder()->isOpen());
+  strike(KeyEvent::Type::KeyDown, keyF8, ControlFlag);
+  EXPECT_THAT(window->texts(), Contains(model().recorder()->recordedName()));
+  offline->pass(ShortcutRecorder::holdToConfirm);
+  window->draw();
+  EXPECT_FALSE(model().recorder()->isOpen());
+  EXPECT_TRUE(model().system()->selectedToggleHotkey().startsWith(u"Custom: "));
+  EXPECT_THAT(window->texts(), Contains(model().system()->selectedToggleHotkey()));
+}
+
+TEST_F(SettingsWindowKeyboardTest, EscapeLeadsOutOfTheRecorderAndTheKeyboardIsWhereItWas) {
+  show(u"settings-system"_s);
+  walkTo(u"Record a shortcut: Push to talk"_s);
+  press(Qt::Key_Return);
+  ASSERT_TRUE(model().recorder()->isOpen());
+  strike(KeyEvent::Type::KeyDown, kEscape);
+  EXPECT_FALSE(model().recorder()->isOpen());
+  EXPECT_EQ(focusText(), u"Record a shortcut: Push to talk"_s);
+}
+
+TEST_F(SettingsWindowKeyboardTest, ASwitchIsTurnedByTheSpaceBar) {
+  show(u"settings-system"_s);
+  const bool wasOn = model().system()->dictationSounds();
+  walkTo(u"Dictation & notification sounds"_s);
+  press(Qt::Key_Space);
+  EXPECT_NE(model().system()->dictationSounds(), wasOn);
+}
+
+}  // namespace
+}  // namespace vemo
