@@ -10,8 +10,14 @@ import tempfile
 import threading
 import unittest
 
-from vemo_program import Vemo, program
-from virtual_desktop import wait_until
+import gi
+
+gi.require_version("Atspi", "2.0")
+from gi.repository import Atspi, GLib  # noqa: E402
+
+from browsers import extents, showing_button  # noqa: E402
+from vemo_program import Vemo, program, store_token  # noqa: E402
+from virtual_desktop import wait_until  # noqa: E402
 
 
 class FeedHandler(http.server.BaseHTTPRequestHandler):
@@ -37,6 +43,21 @@ class FeedHandler(http.server.BaseHTTPRequestHandler):
 
     def log_message(self, *_):
         pass
+
+
+def find_button(process, name):
+    """Where a window of the process shows the button; None while it doesn't."""
+    desktop = Atspi.get_desktop(0)
+    for index in range(desktop.get_child_count()):
+        application = desktop.get_child_at_index(index)
+        try:
+            if application and application.get_process_id() == process:
+                # No main loop runs here to hear of changes.
+                application.clear_cache()
+                return extents(showing_button(application, name))
+        except GLib.Error:
+            pass  # a window that is just arriving or leaving
+    return None
 
 
 class UpdateTest(unittest.TestCase):
@@ -67,7 +88,7 @@ class UpdateTest(unittest.TestCase):
         (version / "bin").mkdir(parents=True)
         next_program = version / "bin/vemo"
         next_program.write_text('#!/bin/sh\n[ "$1" = --version ] && echo "Vemo 9.9.9 (99)" && exit\n'
-                                f'echo "$0" > {self.started}\n')
+                                f'echo "$$ $0" > {self.started}.new && mv {self.started}.new {self.started}\n')
         next_program.chmod(0o755)
         self.release("add", self.folder / "key", self.feed, version, "9.9.9", 99)
 
@@ -83,10 +104,31 @@ class UpdateTest(unittest.TestCase):
         vemo.program = self.copy / "current/bin/vemo"
         return self.enterContext(vemo)
 
-    def test_the_next_build_is_fetched_in_the_background_and_starts_after_the_quit(self):
-        vemo = self.start_vemo()
+    def await_download(self, vemo):
         wait_until(lambda: "updates: 9.9.9 downloaded, ready to install" in vemo.log.read_text(),
                    lambda: f"the download; {vemo.log.read_text()}", 90)
+
+    def test_the_cards_button_starts_the_next_build_in_place_of_the_running_one(self):
+        store_token("token-of-the-desktop-tests")
+        vemo = self.start_vemo()
+        self.await_download(vemo)
+        self.assertFalse(self.started.exists())
+        # A second start brings the window of the first one back.
+        subprocess.run([program("vemo")], env=vemo.environment, stdin=subprocess.DEVNULL, check=True, timeout=60)
+        place = wait_until(lambda: find_button(vemo.process.pid, "Restart to Update"),
+                           lambda: f"the card; {vemo.story()}")
+        subprocess.run(["xdotool", "mousemove", str(place.x + place.width // 2), str(place.y + place.height // 2),
+                        "click", "1"], check=True)
+        wait_until(self.started.exists, lambda: f"the next build to start; {vemo.log.read_text()}", 60)
+        self.assertEqual(vemo.process.wait(60), 0)
+        # The next build is the process that was the old one.
+        self.assertEqual(self.started.read_text().split(), [str(vemo.process.pid), str(self.copy / "current/bin/vemo")])
+        self.assertEqual((self.copy / "current").readlink(), pathlib.Path("versions/99"))
+        self.assertEqual(vemo.logged("updates: restarting to install 9.9.9"), 1)
+
+    def test_the_next_build_is_fetched_in_the_background_and_starts_after_the_quit(self):
+        vemo = self.start_vemo()
+        self.await_download(vemo)
         self.assertEqual((self.copy / "current").readlink(), pathlib.Path("versions/1"))
         vemo.command("quit")
         self.assertEqual(vemo.process.wait(60), 0)
