@@ -45,23 +45,24 @@ Task<> Application::quitWithoutLoss() {
 }
 
 std::expected<std::unique_ptr<Application>, QString> Application::create(
-    DeploymentConfiguration configuration) {
+    DeploymentConfiguration configuration, const QString& address) {
   // The name comes before everything that another instance may be writing to.
   auto bus = BusRemoteControl::create();
   if (!bus && bus.error() == BusNameError::NoBus)
     return std::unexpected(u"Vemo needs a D-Bus session bus."_s);
   if (!bus) {
-    const auto answer = sendCommand(u"reopen"_s);
+    const auto answer =
+        address.isEmpty() ? sendCommand(u"reopen"_s) : sendCommand(u"open"_s, {address});
     if (!answer) return std::unexpected(answer.error());
     return nullptr;
   }
   std::unique_ptr<Application> application(new Application(std::move(configuration)));
   application->m_bus = *std::move(bus);
-  if (auto error = application->start()) return std::unexpected(*std::move(error));
+  if (auto error = application->start(address)) return std::unexpected(*std::move(error));
   return application;
 }
 
-std::optional<QString> Application::start() {
+std::optional<QString> Application::start(const QString& address) {
   const auto copy = beginStartOfOwnCopy();
   m_foundation = std::make_unique<Foundation>([this] { quit(); });
   m_desktop = Desktop::create(m_foundation->mainThread);
@@ -69,10 +70,11 @@ std::optional<QString> Application::start() {
   makeDelegate();
   m_delegate->applicationWillFinishLaunching(QCoreApplication::arguments());
   m_delegate->applicationDidFinishLaunching();
-  if (m_program)
-    m_program->tasks.start([this, &copy](std::stop_token stop) {
-      return keepOwnCopyWhenStartedWell(copy, m_foundation->clock, std::move(stop));
-    });
+  if (!m_program) return std::nullopt;
+  m_program->tasks.start([this, &copy](std::stop_token stop) {
+    return keepOwnCopyWhenStartedWell(copy, m_foundation->clock, std::move(stop));
+  });
+  if (!address.isEmpty()) open(address);
   return std::nullopt;
 }
 

@@ -24,17 +24,17 @@ struct Program;
 
 class Application {
  public:
-  /// Null when another instance runs, which has come forward instead. The error is one line for the
-  /// person who starts the program.
+  /// Null when another instance runs, which has come forward instead, or has taken the address. An
+  /// empty address is none. The error is one line for the person who starts the program.
   static std::expected<std::unique_ptr<Application>, QString> create(
-      DeploymentConfiguration configuration);
+      DeploymentConfiguration configuration, const QString& address);
   ~Application();
 
  private:
   explicit Application(DeploymentConfiguration configuration);
 
   /// Makes the desktop and launches the program; the error is that of create().
-  std::optional<QString> start();
+  std::optional<QString> start(const QString& address);
 
   void quit();
   void makeDelegate();

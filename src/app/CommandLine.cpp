@@ -53,7 +53,7 @@ std::expected<CommandLine, QString> parseCommandLine(const QStringList& argument
     }
   }
   // For the desktop, which starts it with the address that a browser was sent to.
-  if (arguments.size() == 2 && first == u"open") return RemoteCommand{u"open"_s, {arguments[1]}};
+  if (arguments.size() == 2 && first == u"open") return RunCommand{.address = arguments[1]};
   return std::unexpected(
       u"vemo: '%1' is not understood; see vemo --help"_s.arg(arguments.join(u' ')));
 }

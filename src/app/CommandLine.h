@@ -8,8 +8,10 @@
 
 namespace vemo {
 
-/// Run as the resident program.
-struct RunCommand {};
+/// Run as the resident program, or reach the one that runs.
+struct RunCommand {
+  QString address;  ///< to open there; empty for none
+};
 
 /// Reach the running program with an operation of RemoteControl.
 struct RemoteCommand {

@@ -61,7 +61,7 @@ void limitTheWaitForThreads() {
   alarm(seconds);
 }
 
-int runResident(int argc, char** argv) {
+int runResident(int argc, char** argv, const RunCommand& command) {
   forbidCoreFiles();
   returnLargeMemory();
   TerminationSignals::block();
@@ -74,7 +74,7 @@ int runResident(int argc, char** argv) {
   QGuiApplication qtApplication(argc, argv);
   QGuiApplication::setQuitOnLastWindowClosed(false);
   QGuiApplication::setDesktopFileName(u"brelmox.Vemo"_s);
-  auto application = Application::create(*std::move(configuration));
+  auto application = Application::create(*std::move(configuration), command.address);
   if (!application) return complain(application.error(), failure);
   if (!*application) return EXIT_SUCCESS;
   const int status = QGuiApplication::exec();
@@ -109,5 +109,5 @@ int main(int argc, char** argv) {
   }
   if (const auto* remote = std::get_if<RemoteCommand>(&*commandLine))
     runRemote(argc, argv, *remote);
-  return runResident(argc, argv);
+  return runResident(argc, argv, std::get<RunCommand>(*commandLine));
 }

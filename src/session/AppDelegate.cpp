@@ -19,15 +19,17 @@ namespace {
 /// What the autostart entry starts the program with.
 constexpr auto loginArgument = u"--launched-at-login";
 
-const AlertText moveAlert{
-    .message = u"Move Vemo to your Applications folder"_s,
-    .informative =
-        u"Vemo is running from the disk image it was downloaded in.\n\nmacOS ties the "
-        u"Accessibility permission Vemo needs to the app's location. Granting it here would stop "
-        u"working as soon as you eject this disk image, and the hotkey would fail with no visible "
-        u"reason.\n\nDrag Vemo to the Applications folder shown beside it, then open it from "
-        u"there."_s,
-    .button = u"Quit"_s};
+AlertText moveAlert() {
+  return {
+      .message = AppDelegate::tr("Move Vemo to your Applications folder"),
+      .informative = AppDelegate::tr(
+          "Vemo is running from the disk image it was downloaded in.\n\nmacOS ties the "
+          "Accessibility permission Vemo needs to the app's location. Granting it here would stop "
+          "working as soon as you eject this disk image, and the hotkey would fail with no visible "
+          "reason.\n\nDrag Vemo to the Applications folder shown beside it, then open it from "
+          "there."),
+      .button = AppDelegate::tr("Quit")};
+}
 
 }  // namespace
 
@@ -59,7 +61,7 @@ bool AppDelegate::refusesLocation() {
     return false;
   m_with.windows.setActivationPolicy(ActivationPolicy::Regular);
   m_with.windows.activate();
-  m_with.alert.show(moveAlert, [this] { m_with.services.terminate(); });
+  m_with.alert.show(moveAlert(), [this] { m_with.services.terminate(); });
   return true;
 }
 
@@ -73,6 +75,10 @@ void AppDelegate::setDockPresence() {
 /// The main window is the one that is always there to come back.
 void AppDelegate::restyleWindows() {
   m_with.scenes.open(Scene::Main);
+}
+
+bool AppDelegate::hasOpenWindow() const {
+  return m_with.scenes.isOpen(Scene::Main) || m_with.scenes.isOpen(Scene::Settings);
 }
 
 void AppDelegate::applicationWillTerminate() {
@@ -89,10 +95,13 @@ bool AppDelegate::applicationShouldHandleReopen(bool hasVisibleWindows) {
 void AppDelegate::applicationOpenURLs(const QList<QUrl>& urls) {
   for (const QUrl& url : urls) {
     // The redirect of a sign-in has secrets behind its path.
-    m_with.debugLog(u"appDelegate: opened URL "_s +
-                    url.toString(QUrl::RemoveQuery | QUrl::RemoveFragment | QUrl::RemoveUserInfo));
+    const QString safe =
+        url.toString(QUrl::RemoveQuery | QUrl::RemoveFragment | QUrl::RemoveUserInfo);
+    m_with.debugLog(u"appDelegate: opened URL "_s + safe);
+    m_with.debugLog(u"app: onOpenURL "_s + safe);
     if (url.scheme() != u"vemo" || !m_hasLaunched) continue;
     m_with.mainThread.post([this] {
+      if (!hasOpenWindow()) restyleWindows();
       m_with.windows.activate();
       m_with.windows.bringForward();
     });

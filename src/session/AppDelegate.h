@@ -5,6 +5,7 @@
 // tomorrow; then nothing else of the launch runs. Failures of the services are their own matter.
 #pragma once
 
+#include <QCoreApplication>
 #include <QList>
 #include <QStringList>
 #include <QUrl>
@@ -32,6 +33,8 @@ struct LaunchServices {
 };
 
 class AppDelegate {
+  Q_DECLARE_TR_FUNCTIONS(AppDelegate)
+
  public:
   /// All of it outlives the delegate.
   struct Neighbours {
@@ -55,6 +58,7 @@ class AppDelegate {
   /// The user has started the program once more.
   bool applicationShouldHandleReopen(bool hasVisibleWindows);
 
+  /// An address of this program's own scheme brings it forward, with a window where none is open.
   void applicationOpenURLs(const QList<QUrl>& urls);
 
   bool launchedAtLogin() const { return m_launchedAtLogin; }
@@ -63,6 +67,7 @@ class AppDelegate {
   bool refusesLocation();
   void setDockPresence();
   void restyleWindows();
+  bool hasOpenWindow() const;
 
   Neighbours m_with;
   bool m_launchedAtLogin = false;

@@ -255,6 +255,18 @@ class HostileRedirectTest(SignInCase):
         self.sign_in()
 
 
+class AddressOfVemoTest(SignInCase):
+    def test_an_address_starts_vemo_where_it_is_not_running_and_brings_its_window_back_where_it_is(self):
+        self.vemo.command("quit")
+        self.vemo.process.wait(30)
+        self.vemo.arguments = ["open", "vemo://welcome"]
+        self.vemo.launch()
+        self.vemo.await_logged("app: onOpenURL vemo://welcome")
+        self.assertEqual(self.vemo.windows(), [])
+        self.open("vemo://again")
+        self.vemo.put_window_away()
+
+
 class ForgedIdTokenTest(SignInCase):
     def assert_refused(self, id_token):
         refusals = self.vemo.logged("auth: sign-in FAILED — HTTP 401")

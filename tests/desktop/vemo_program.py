@@ -82,6 +82,7 @@ class Vemo:
         self._prepare_home = prepare_home
         self.wrapper = []
         self.program = program("vemo")
+        self.arguments = []
 
     def __enter__(self):
         self.home = pathlib.Path(tempfile.mkdtemp(prefix="home-"))
@@ -106,7 +107,7 @@ class Vemo:
         before = window_manager.focus()
         with open(self.output, "ab") as output:
             os.fchmod(output.fileno(), 0o600)
-            self.process = subprocess.Popen([*self.wrapper, self.program], env=self.environment,
+            self.process = subprocess.Popen([*self.wrapper, self.program, *self.arguments], env=self.environment,
                                             stdin=subprocess.DEVNULL, stdout=output, stderr=subprocess.STDOUT)
         try:
             wait_until(self.is_idle, lambda: f"Vemo to be idle; {self.story()}")

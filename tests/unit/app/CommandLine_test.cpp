@@ -35,11 +35,15 @@ TEST(CommandLineTest, WordsWithAHyphenAreOneOperation) {
             u"cancelSignIn"_s);
 }
 
-TEST(CommandLineTest, AnAddressIsOpened) {
-  const auto command = std::get<RemoteCommand>(*parseCommandLine({u"open"_s, u"vemo://a b"_s}));
-  EXPECT_EQ(command.name, u"open"_s);
-  EXPECT_EQ(command.arguments, QStringList{u"vemo://a b"_s});
+TEST(CommandLineTest, AnAddressIsOpenedByTheProgramWhetherItRunsOrNot) {
+  const auto command = std::get<RunCommand>(*parseCommandLine({u"open"_s, u"vemo://a b"_s}));
+  EXPECT_EQ(command.address, u"vemo://a b"_s);
+  EXPECT_EQ(std::get<RunCommand>(*parseCommandLine({})).address, QString());
+}
+
+TEST(CommandLineTest, OpeningNoOrSeveralAddressesIsRefused) {
   EXPECT_FALSE(parseCommandLine({u"open"_s}));
+  EXPECT_FALSE(parseCommandLine({u"open"_s, u"vemo://a"_s, u"vemo://b"_s}));
 }
 
 TEST(CommandLineTest, HelpNamesEveryCommandAndTheVersionHasItsBuild) {

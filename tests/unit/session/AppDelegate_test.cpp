@@ -141,6 +141,13 @@ TEST_F(AppDelegateTest, FromAMountedImageNothingStartsAndTheProgramEndsAfterTheA
   EXPECT_THAT(takeEvents(), ElementsAre("regular", "activate"));
   ASSERT_TRUE(alert.text());
   EXPECT_EQ(alert.text()->message, u"Move Vemo to your Applications folder"_s);
+  EXPECT_EQ(
+      alert.text()->informative,
+      u"Vemo is running from the disk image it was downloaded in.\n\n"
+      u"macOS ties the Accessibility permission Vemo needs to the app's location. Granting it "
+      u"here would stop working as soon as you eject this disk image, and the hotkey would "
+      u"fail with no visible reason.\n\n"
+      u"Drag Vemo to the Applications folder shown beside it, then open it from there."_s);
   EXPECT_EQ(alert.text()->button, u"Quit"_s);
   EXPECT_FALSE(storage.settings.contains(keys::debugLogTranscriptPurgeDone));
   alert.close();
@@ -208,6 +215,7 @@ TEST_F(AppDelegateTest, AnAddressOfAnotherSchemeIsOnlyLogged) {
   delegate->applicationOpenURLs({QUrl(u"https://example.org/x"_s)});
   mainThread.drain();
   EXPECT_TRUE(storage.hasLogged(u"appDelegate: opened URL https://example.org/x"_s));
+  EXPECT_TRUE(storage.hasLogged(u"app: onOpenURL https://example.org/x"_s));
   EXPECT_THAT(takeEvents(), IsEmpty());
   EXPECT_EQ(windows.bringForwardCount(), 0);
 }
@@ -222,6 +230,40 @@ TEST_F(AppDelegateTest, AnAddressOfOursBringsTheWindowsForwardAndReadsTheProfile
   EXPECT_THAT(takeEvents(), ElementsAre("activate", "refresh"));
   EXPECT_EQ(windows.bringForwardCount(), 1);
   EXPECT_TRUE(storage.hasLogged(u"appDelegate: opened URL vemo://done"_s));
+  EXPECT_TRUE(storage.hasLogged(u"app: onOpenURL vemo://done"_s));
+  EXPECT_FALSE(storage.hasLogged(u"secret"_s));
+}
+
+TEST_F(AppDelegateTest, AnAddressOfOursWithEveryWindowClosedOpensTheMainOne) {
+  startUp();
+  launch();
+  mainThread.drain();
+  scenes.close(Scene::Main);
+  delegate->applicationOpenURLs({QUrl(u"vemo://done"_s)});
+  mainThread.drain();
+  EXPECT_TRUE(scenes.isOpen(Scene::Main));
+}
+
+TEST_F(AppDelegateTest, AnAddressOfOursWithOnlyTheSettingsOpenOpensNoOtherWindow) {
+  startUp();
+  launch();
+  mainThread.drain();
+  scenes.close(Scene::Main);
+  scenes.open(Scene::Settings);
+  delegate->applicationOpenURLs({QUrl(u"vemo://done"_s)});
+  mainThread.drain();
+  EXPECT_FALSE(scenes.isOpen(Scene::Main));
+  EXPECT_EQ(windows.bringForwardCount(), 1);
+}
+
+TEST_F(AppDelegateTest, TheSchemeOfAnAddressCountsInWhateverCaseAndAnAddressWithoutOneDoesNot) {
+  startUp();
+  launch();
+  mainThread.drain();
+  takeEvents();
+  delegate->applicationOpenURLs({QUrl(u"VEMO://a"_s), QUrl(u"vemo/b"_s)});
+  mainThread.drain();
+  EXPECT_EQ(std::ranges::count(takeEvents(), "refresh"), 1);
 }
 
 TEST_F(AppDelegateTest, OfSeveralAddressesEachIsHandled) {
