@@ -174,11 +174,12 @@ QString AppState::statusText() const {
   return QString::fromUtf16(readyStatusText);
 }
 
-void AppState::copyTranscript(const QString& text) {
-  if (text.isEmpty()) return;
+bool AppState::copyTranscript(const QString& text) {
+  if (text.isEmpty()) return false;
   m_with.telemetry.track(TelemetryEvent::transcriptCopied());
-  if (!m_with.clipboard.replace(concealedText(text, ClipboardStay::UntilReplaced)))
-    m_with.debugLog(u"copy: the clipboard can't be written"_s);
+  if (m_with.clipboard.replace(concealedText(text, ClipboardStay::UntilReplaced))) return true;
+  m_with.debugLog(u"copy: the clipboard can't be written"_s);
+  return false;
 }
 
 void AppState::signIn() {

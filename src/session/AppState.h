@@ -102,8 +102,8 @@ class AppState {
 
   const DictationHistory& history() const { return m_history; }
 
-  /// Puts a text on the clipboard, to stay there.
-  void copyTranscript(const QString& text);
+  /// Puts a text on the clipboard, to stay there; false where that fails.
+  bool copyTranscript(const QString& text);
 
   /// The explicit sign-out, with everything that this machine holds of the user's words.
   void clearLocalUserData();

@@ -121,7 +121,7 @@ Task<> AccountSettingsModel::saveName(QString name, std::stop_token stop) {
   const bool isSaved = co_await m_with.auth.updateProfile(std::move(name), std::move(stop));
   m_isSaving = false;
   followAccount();
-  if (isSaved) m_with.showToast(u"Profile saved"_s);
+  if (isSaved) m_with.showToast(tr("Profile saved"));
 }
 
 void AccountSettingsModel::refreshProfile() {
@@ -138,14 +138,16 @@ Task<> AccountSettingsModel::readProfile(std::stop_token stop) {
 }
 
 void AccountSettingsModel::copyEmail() {
-  if (email().isEmpty() || !m_with.clipboard.replace(plainText(email()))) return;
-  m_with.showToast(u"Email address copied to clipboard"_s);
+  if (email().isEmpty()) return;
+  const bool isCopied = m_with.clipboard.replace(plainText(email()));
+  m_with.showToast(isCopied ? tr("Email address copied to clipboard")
+                            : tr("The clipboard can't be written"));
 }
 
 // The deletion
 
 QString AccountSettingsModel::deleteLabel() const {
-  return m_isDeletingAccount ? u"Deleting…"_s : u"Delete Account…"_s;
+  return m_isDeletingAccount ? tr("Deleting…") : tr("Delete Account…");
 }
 
 void AccountSettingsModel::askToDelete() {
@@ -171,11 +173,11 @@ Task<> AccountSettingsModel::deleteAccount(std::stop_token stop) {
   const auto failure = co_await m_with.auth.deleteAccount(std::move(stop));
   m_isDeletingAccount = false;
   if (failure) {
-    m_alert = {u"Your account wasn't deleted"_s, *failure, AfterAlert::KeepWindow};
+    m_alert = {tr("Your account wasn't deleted"), *failure, AfterAlert::KeepWindow};
   } else {
     if (!m_hasSessionEnded) m_with.appState.clearLocalUserData();
-    m_alert = {u"Your account was deleted"_s,
-               u"Thanks for trying Vemo. You can sign in again any time to start a new account."_s,
+    m_alert = {tr("Your account was deleted"),
+               tr("Thanks for trying Vemo. You can sign in again any time to start a new account."),
                AfterAlert::CloseWindow};
   }
   Q_EMIT changed();

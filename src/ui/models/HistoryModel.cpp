@@ -45,7 +45,10 @@ QVariant HistoryModel::data(const QModelIndex& index, int role) const {
 void HistoryModel::copy(int row) {
   if (row < 0 || row >= count()) return;
   const DictationItem item = m_items[static_cast<std::size_t>(row)];
-  m_with.appState.copyTranscript(item.text);
+  if (!m_with.appState.copyTranscript(item.text)) {
+    m_with.toast.show(tr("The clipboard can't be written"));
+    return;
+  }
   setCopied(item.id);
   m_copiedTask.cancel();
   m_copiedTask =

@@ -91,6 +91,15 @@ TEST_F(HistoryModelTest, CopyingARowPutsItsTextOnTheClipboardAndSaysSo) {
   EXPECT_EQ(toast.message(), u"Transcription copied to clipboard"_s);
 }
 
+TEST_F(HistoryModelTest, ARowIsNotSaidToBeCopiedWhereTheClipboardCannotBeWritten) {
+  startWith({{u"a"_s, 1h}});
+  clipboard.refuseWrites();
+  model->copy(0);
+  EXPECT_THAT(all(HistoryModel::CopyLabel), ElementsAre(u"Copy"_s));
+  EXPECT_THAT(all(HistoryModel::CopySymbol), ElementsAre(u"doc.on.doc"_s));
+  EXPECT_EQ(toast.message(), u"The clipboard can't be written"_s);
+}
+
 TEST_F(HistoryModelTest, ARowSaysForTwoSecondsThatItWasCopied) {
   startWith({{u"a"_s, 1h}});
   model->copy(0);
