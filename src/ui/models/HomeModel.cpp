@@ -60,6 +60,10 @@ bool HomeModel::isRecording() const {
   return m_with.appState.phase() == Phase::recording();
 }
 
+bool HomeModel::canToggleDictation() const {
+  return m_with.appState.isEnabled() || isRecording();
+}
+
 QString HomeModel::stateLabel() const {
   return isRecording() ? tr("Recording") : QString();
 }

@@ -26,6 +26,8 @@ class HomeModel : public QObject {
   Q_PROPERTY(QString dictationLabel READ dictationLabel NOTIFY changed)
   Q_PROPERTY(QString dictationSymbol READ dictationSymbol NOTIFY changed)
   Q_PROPERTY(bool isRecording READ isRecording NOTIFY changed)
+  /// Whether the button does anything: while Vemo is off, it can only stop.
+  Q_PROPERTY(bool canToggleDictation READ canToggleDictation NOTIFY changed)
   /// Beside the button; empty while nothing is recorded.
   Q_PROPERTY(QString stateLabel READ stateLabel NOTIFY changed)
   /// Stands in place of the transcriptions while there are none.
@@ -52,6 +54,7 @@ class HomeModel : public QObject {
   QString dictationLabel() const;
   QString dictationSymbol() const;
   bool isRecording() const;
+  bool canToggleDictation() const;
   QString stateLabel() const;
   QString emptyText() const;
   bool needsMicrophone() const;

@@ -65,6 +65,7 @@ Card {
                 text: card.model.dictationLabel
                 symbol: card.model.dictationSymbol
                 isProminent: true
+                enabled: card.model.canToggleDictation
                 onClicked: card.model.toggleDictation()
             }
             Row {

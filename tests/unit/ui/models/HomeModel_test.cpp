@@ -100,6 +100,17 @@ TEST_F(HomeModelTest, TheButtonStartsAndStopsADictation) {
   EXPECT_EQ(model->dictationLabel(), u"Start Dictating Now"_s);
 }
 
+TEST_F(HomeModelTest, WhileVemoIsOffTheButtonOffersNothing) {
+  startUp();
+  EXPECT_TRUE(model->canToggleDictation());
+  changes = 0;
+  appState->setEnabled(false);
+  EXPECT_FALSE(model->canToggleDictation());
+  EXPECT_GT(changes, 0);
+  appState->setEnabled(true);
+  EXPECT_TRUE(model->canToggleDictation());
+}
+
 TEST_F(HomeModelTest, OnlyARecordingReadsAsOne) {
   startUp();
   http.neverAnswer(dictatePath);
