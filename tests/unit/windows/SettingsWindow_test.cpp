@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
+#include <QQmlProperty>
+#include <QTest>
 
 #include "ShownWindow.h"
 #include "windows/offline/SettingsOnFakes.h"
@@ -31,6 +33,25 @@ std::unique_ptr<ShownWindow> show(SettingsOnFakes& offline, QSize size = standar
 QStringList textsOf(const QString& state) {
   SettingsOnFakes offline(state);
   return show(offline, wholeTab)->texts();
+}
+
+/// Null where no button in sight reads so.
+QQuickItem* buttonWith(const QString& text, QQuickItem& item) {
+  if (!item.isVisible()) return nullptr;
+  if (item.inherits("QQuickAbstractButton") && item.property("text") == text) return &item;
+  const auto children = item.childItems();
+  for (auto* child : children) {
+    if (auto* const found = buttonWith(text, *child)) return found;
+  }
+  return nullptr;
+}
+
+/// What follows the pointer over an item; null where nothing does.
+const QObject* handlerOf(const QQuickItem& item) {
+  for (const QObject* child : item.children()) {
+    if (child->inherits("QQuickHoverHandler")) return child;
+  }
+  return nullptr;
 }
 
 void keepPicture(const QImage& image, const QString& name) {
@@ -181,6 +202,23 @@ TEST(SettingsWindowTest, UpdatesReadByWhatIsKnownOfThem) {
   EXPECT_THAT(
       textsOf(u"settings-update-ready"_s),
       IsSupersetOf({u"Vemo 1.4.0 is downloaded and ready to install"_s, u"Restart to Update"_s}));
+}
+
+TEST(SettingsWindowTest, WhatTheRestartButtonTellsIsToldOverTheDisabledOneToo) {
+  SettingsOnFakes offline(u"settings-update-ready"_s);
+  const auto window = show(offline, wholeTab);
+  QQuickItem* const button = buttonWith(u"Restart to Update"_s, window->root());
+  ASSERT_TRUE(button);
+  EXPECT_EQ(QQmlProperty::read(button, u"ToolTip.text"_s, qmlContext(button)),
+            u"Quit Vemo, install the update and open it again"_s);
+  button->setEnabled(false);
+  const auto* const pointer = handlerOf(*button);
+  ASSERT_TRUE(pointer);
+  EXPECT_EQ(pointer->property("hovered"), false);
+  QTest::mouseMove(&window->window(),
+                   button->mapToScene({button->width() / 2, button->height() / 2}).toPoint());
+  window->draw();
+  EXPECT_EQ(pointer->property("hovered"), true);
 }
 
 TEST(SettingsWindowTest, TheRecorderSaysWhatToDo) {

@@ -38,10 +38,15 @@ Section {
             text: section.model.buttonLabel
             enabled: section.model.isButtonEnabled
             Accessible.description: section.model.tooltip
-            ToolTip.text: section.model.tooltip
-            ToolTip.visible: hovered && ToolTip.text.length > 0
-            ToolTip.delay: 500
             onClicked: section.model.press()
+
+            // Also over the disabled button, which is the one that needs explaining.
+            HoverHandler {
+                id: pointer
+            }
+            ToolTip.visible: pointer.hovered && ToolTip.text.length > 0
+            ToolTip.delay: 500
+            ToolTip.text: section.model.tooltip
         }
     }
 }
