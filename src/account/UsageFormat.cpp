@@ -1,10 +1,18 @@
 #include "account/UsageFormat.h"
 
+#include <QCoreApplication>
 #include <algorithm>
 
 namespace vemo {
 
-using namespace Qt::Literals::StringLiterals;
+namespace {
+
+/// The context of what is translated here.
+struct UsageFormat {
+  Q_DECLARE_TR_FUNCTIONS(UsageFormat)
+};
+
+}  // namespace
 
 QString formatCount(std::int64_t count, const QLocale& locale) {
   const QString text = locale.toString(qlonglong{count});
@@ -13,12 +21,13 @@ QString formatCount(std::int64_t count, const QLocale& locale) {
 
 QString formatMinutes(double minutes) {
   constexpr double mostThatCount = 1e15;
-  if (!(minutes >= 1)) return u"under a min"_s;
+  if (!(minutes >= 1)) return UsageFormat::tr("under a min");
   const auto whole = static_cast<std::int64_t>(std::min(minutes, mostThatCount));
-  if (whole < 60) return u"%1 mins"_s.arg(whole);
+  if (whole < 60) return UsageFormat::tr("%1 mins").arg(whole);
   const std::int64_t hours = whole / 60;
   const std::int64_t rest = whole % 60;
-  return rest < 1 ? u"%1 hrs"_s.arg(hours) : u"%1h %2m"_s.arg(hours).arg(rest);
+  return rest < 1 ? UsageFormat::tr("%1 hrs").arg(hours)
+                  : UsageFormat::tr("%1h %2m").arg(hours).arg(rest);
 }
 
 }  // namespace vemo

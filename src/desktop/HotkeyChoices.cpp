@@ -1,5 +1,7 @@
 #include "desktop/HotkeyChoices.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 
 #include "desktop/ShortcutNames.h"
@@ -45,8 +47,8 @@ struct TriggerRow {
   std::optional<CustomKeyShortcut> (*recorded)(const Settings&);
   void (*setRecorded)(Settings&, const std::optional<CustomKeyShortcut>&);
   const ShortcutPreset& defaultPreset;
-  QString confirmation;
-  QString hint;
+  const char* confirmation;
+  const char* hint;
 };
 
 const TriggerRow& row(HotkeyTrigger trigger) {
@@ -55,16 +57,18 @@ const TriggerRow& row(HotkeyTrigger trigger) {
       config::customPushToTalkShortcut,
       config::setCustomPushToTalkShortcut,
       *shortcutPreset(u"eitherOption"_s),
-      u"Push-to-Talk set to "_s,
-      u"Press any key, modifier, or combination to hold while speaking."_s,
+      QT_TRANSLATE_NOOP("HotkeyChoices", "Push-to-Talk set to %1"),
+      QT_TRANSLATE_NOOP("HotkeyChoices",
+                        "Press any key, modifier, or combination to hold while speaking."),
   };
   static const TriggerRow toggle{
       keys::toggleHotkeyChoice,
       config::customToggleShortcut,
       config::setCustomToggleShortcut,
       *shortcutPreset(u"fnGlobe"_s),
-      u"Start / Stop set to "_s,
-      u"Press any key, modifier, or combination to tap to start/stop."_s,
+      QT_TRANSLATE_NOOP("HotkeyChoices", "Start / Stop set to %1"),
+      QT_TRANSLATE_NOOP("HotkeyChoices",
+                        "Press any key, modifier, or combination to tap to start/stop."),
   };
   return trigger == HotkeyTrigger::PushToTalk ? pushToTalk : toggle;
 }
@@ -113,7 +117,7 @@ QString saveShortcut(Settings& settings, HotkeyTrigger trigger, const CustomKeyS
     of.setRecorded(settings, shortcut);
     settings.set(of.choiceKey, QString::fromUtf16(customChoice));
   }
-  return of.confirmation + displayName(shortcut);
+  return QCoreApplication::translate("HotkeyChoices", of.confirmation).arg(displayName(shortcut));
 }
 
 void removeRecordedShortcut(Settings& settings, HotkeyTrigger trigger) {
@@ -121,7 +125,7 @@ void removeRecordedShortcut(Settings& settings, HotkeyTrigger trigger) {
 }
 
 QString captureHint(HotkeyTrigger trigger) {
-  return row(trigger).hint;
+  return QCoreApplication::translate("HotkeyChoices", row(trigger).hint);
 }
 
 }  // namespace vemo

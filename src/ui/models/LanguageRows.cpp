@@ -1,5 +1,7 @@
 #include "ui/models/LanguageRows.h"
 
+#include <QCoreApplication>
+
 #include "storage/Config.h"
 #include "storage/SettingsKeys.h"
 
@@ -8,7 +10,8 @@ namespace vemo {
 using namespace Qt::Literals::StringLiterals;
 
 QString languageMenuTitle(const Settings& settings) {
-  return u"Language: "_s + config::currentLanguage(settings).name;
+  return QCoreApplication::translate("LanguageRows", "Language: %1")
+      .arg(config::currentLanguage(settings).name);
 }
 
 std::vector<LanguageRow> languageRows(const Settings& settings) {

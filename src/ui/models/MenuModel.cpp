@@ -68,7 +68,7 @@ std::vector<MenuItem> MenuModel::items() const {
   addLastTranscript(items);
   items.push_back({.kind = MenuItem::Kind::Toggle,
                    .identifier = u"enable"_s,
-                   .text = u"Enable Vemo"_s,
+                   .text = tr("Enable Vemo"),
                    .isChecked = m_with.appState.isEnabled(),
                    .action = [this] { m_with.appState.setEnabled(!m_with.appState.isEnabled()); }});
   items.push_back(divider(u"after enable"_s));
@@ -78,7 +78,7 @@ std::vector<MenuItem> MenuModel::items() const {
   addAccount(items);
   items.push_back(divider(u"after account"_s));
   addUpdates(items, updates);
-  MenuItem quit = button(u"quit"_s, u"Quit Vemo"_s, m_with.quitClosingSheets);
+  MenuItem quit = button(u"quit"_s, tr("Quit Vemo"), m_with.quitClosingSheets);
   quit.shortcut = u"Ctrl+Q"_s;
   items.push_back(std::move(quit));
   return items;
@@ -87,7 +87,7 @@ std::vector<MenuItem> MenuModel::items() const {
 void MenuModel::addReadyUpdate(std::vector<MenuItem>& items, const MenuUpdates& updates) const {
   if (!updates.readyVersion) return;
   MenuItem restart =
-      button(u"restart to update"_s, u"Restart to Update (%1)"_s.arg(*updates.readyVersion),
+      button(u"restart to update"_s, tr("Restart to Update (%1)").arg(*updates.readyVersion),
              m_with.restartToUpdate);
   restart.isEnabled = updates.canRestartNow;
   items.push_back(std::move(restart));
@@ -95,18 +95,18 @@ void MenuModel::addReadyUpdate(std::vector<MenuItem>& items, const MenuUpdates& 
 }
 
 void MenuModel::addWindows(std::vector<MenuItem>& items) const {
+  items.push_back(button(u"open window"_s, tr("Open Vemo Window"),
+                         [this] { m_with.scenes.open(Scene::Main); }));
   items.push_back(
-      button(u"open window"_s, u"Open Vemo Window"_s, [this] { m_with.scenes.open(Scene::Main); }));
-  items.push_back(
-      button(u"settings"_s, u"Settings"_s, [this] { m_with.scenes.open(Scene::Settings); }));
+      button(u"settings"_s, tr("Settings"), [this] { m_with.scenes.open(Scene::Settings); }));
 }
 
 void MenuModel::addLastTranscript(std::vector<MenuItem>& items) const {
   const DictationHistory& history = m_with.appState.history();
   if (history.lastTranscript().isEmpty()) return;
-  items.push_back(line(u"last"_s, u"Last: "_s + history.lastTranscriptPreview()));
+  items.push_back(line(u"last"_s, tr("Last: %1").arg(history.lastTranscriptPreview())));
   // As it is at the press: a newer one may have come while the menu was open.
-  MenuItem copy = button(u"copy last"_s, u"Copy Last Transcript"_s, [this] {
+  MenuItem copy = button(u"copy last"_s, tr("Copy Last Transcript"), [this] {
     m_with.appState.copyTranscript(m_with.appState.history().lastTranscript());
   });
   copy.shortcut = u"Ctrl+Shift+C"_s;
@@ -128,13 +128,13 @@ void MenuModel::addLanguages(std::vector<MenuItem>& items) const {
 
 void MenuModel::addPermissions(std::vector<MenuItem>& items) const {
   if (m_with.permissions.micStatus() != MicStatus::Granted) {
-    items.push_back(button(u"grant microphone"_s, u"Grant Microphone Access…"_s, [this] {
+    items.push_back(button(u"grant microphone"_s, tr("Grant Microphone Access…"), [this] {
       m_with.permissions.requestMicrophone();
       m_with.permissions.openSettings(QString::fromUtf16(microphonePane));
     }));
   }
   if (!m_with.permissions.axTrusted()) {
-    items.push_back(button(u"grant accessibility"_s, u"Grant Accessibility Access…"_s, [this] {
+    items.push_back(button(u"grant accessibility"_s, tr("Grant Accessibility Access…"), [this] {
       m_with.permissions.promptAccessibility();
       m_with.permissions.openSettings(QString::fromUtf16(accessibilityPane));
     }));
@@ -144,13 +144,14 @@ void MenuModel::addPermissions(std::vector<MenuItem>& items) const {
 void MenuModel::addAccount(std::vector<MenuItem>& items) const {
   const AuthManager& auth = m_with.auth;
   if (auth.isSignedIn()) {
-    items.push_back(line(u"signed in"_s, u"Signed in: "_s + auth.email().value_or(u"unknown"_s)));
     items.push_back(
-        button(u"sign out"_s, u"Sign Out"_s, [this] { m_with.appState.clearLocalUserData(); }));
+        line(u"signed in"_s, tr("Signed in: %1").arg(auth.email().value_or(tr("unknown")))));
+    items.push_back(
+        button(u"sign out"_s, tr("Sign Out"), [this] { m_with.appState.clearLocalUserData(); }));
     return;
   }
   MenuItem signIn =
-      button(u"sign in"_s, auth.isWorking() ? u"Signing in…"_s : u"Sign In with Google"_s,
+      button(u"sign in"_s, auth.isWorking() ? tr("Signing in…") : tr("Sign In with Google"),
              [this] { m_with.appState.signIn(); });
   signIn.isEnabled = !auth.isWorking();
   items.push_back(std::move(signIn));
@@ -160,10 +161,11 @@ void MenuModel::addAccount(std::vector<MenuItem>& items) const {
 void MenuModel::addUpdates(std::vector<MenuItem>& items, const MenuUpdates& updates) const {
   if (!updates.isConfigured) return;
   if (!updates.readyVersion && updates.pendingVersion) {
-    items.push_back(button(u"install update"_s, u"Install Update "_s + *updates.pendingVersion,
+    items.push_back(button(u"install update"_s,
+                           tr("Install Update %1").arg(*updates.pendingVersion),
                            m_with.checkForUpdates));
   }
-  MenuItem check = button(u"check for updates"_s, u"Check for Updates…"_s, m_with.checkForUpdates);
+  MenuItem check = button(u"check for updates"_s, tr("Check for Updates…"), m_with.checkForUpdates);
   check.isEnabled = updates.canCheckForUpdates;
   items.push_back(std::move(check));
 }

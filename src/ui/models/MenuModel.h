@@ -5,6 +5,7 @@
 // statusImage() may read differently.
 #pragma once
 
+#include <QCoreApplication>
 #include <QString>
 #include <functional>
 #include <optional>
@@ -31,6 +32,8 @@ struct MenuUpdates {
 };
 
 class MenuModel {
+  Q_DECLARE_TR_FUNCTIONS(MenuModel)
+
  public:
   /// All of it outlives the model. A function that is called for what the menu doesn't offer may be
   /// left out.

@@ -15,13 +15,15 @@ namespace {
 
 struct QuickPreset {
   const char16_t* choice;
-  const char16_t* label;
+  const char* label;
 };
 
 constexpr QuickPreset quickPresetRows[] = {
-    {u"fnGlobe", u"Fn / Globe"},         {u"eitherOption", u"Either Option"},
-    {u"rightOption", u"Right Option"},   {u"controlSpace", u"Control + Space"},
-    {u"optionSpace", u"Option + Space"},
+    {u"fnGlobe", QT_TRANSLATE_NOOP("vemo::ShortcutRecorder", "Fn / Globe")},
+    {u"eitherOption", QT_TRANSLATE_NOOP("vemo::ShortcutRecorder", "Either Option")},
+    {u"rightOption", QT_TRANSLATE_NOOP("vemo::ShortcutRecorder", "Right Option")},
+    {u"controlSpace", QT_TRANSLATE_NOOP("vemo::ShortcutRecorder", "Control + Space")},
+    {u"optionSpace", QT_TRANSLATE_NOOP("vemo::ShortcutRecorder", "Option + Space")},
 };
 
 bool isPress(const KeyEvent& event) {
@@ -114,8 +116,8 @@ std::optional<CustomKeyShortcut> ShortcutRecorder::recorded() const {
 }
 
 QString ShortcutRecorder::title() const {
-  return m_target == ShortcutTarget::Toggle ? u"Record Start / Stop Shortcut"_s
-                                            : u"Record Push-to-Talk Shortcut"_s;
+  return m_target == ShortcutTarget::Toggle ? tr("Record Start / Stop Shortcut")
+                                            : tr("Record Push-to-Talk Shortcut");
 }
 
 QString ShortcutRecorder::instruction() const {
@@ -135,8 +137,8 @@ QString ShortcutRecorder::recordedShortName() const {
 QVariantList ShortcutRecorder::quickPresets() const {
   QVariantList rows;
   for (const auto& row : quickPresetRows) {
-    rows.append(QVariantMap{{u"choice"_s, QString::fromUtf16(row.choice)},
-                            {u"label"_s, QString::fromUtf16(row.label)}});
+    rows.append(
+        QVariantMap{{u"choice"_s, QString::fromUtf16(row.choice)}, {u"label"_s, tr(row.label)}});
   }
   return rows;
 }

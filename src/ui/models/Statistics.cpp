@@ -12,9 +12,10 @@ constexpr int typingWordsPerMinute = 40;
 constexpr double leastMinutesForASpeed = 0.2;
 constexpr double fastestRealSpeed = 300;
 
-QString translated(const char* text) {
-  return QCoreApplication::translate("Statistics", text);
-}
+/// The context of what is translated here.
+struct Statistics {
+  Q_DECLARE_TR_FUNCTIONS(Statistics)
+};
 
 }  // namespace
 
@@ -37,19 +38,20 @@ double minutesSaved(const UsageTotals& totals) {
 
 Measure voiceAudio(double minutes, const QLocale& locale) {
   const double heard = std::max(0.0, minutes);
-  if (heard < 1) return {locale.toString(static_cast<int>(heard * 60)), translated("secs")};
-  return {locale.toString(heard, 'f', 1), translated("mins")};
+  if (heard < 1) return {locale.toString(static_cast<int>(heard * 60)), Statistics::tr("secs")};
+  return {locale.toString(heard, 'f', 1), Statistics::tr("mins")};
 }
 
 QString speedComparison(int wordsPerMinute) {
   if (wordsPerMinute < 1) return {};
-  return translated("%1x Faster").arg(std::max(1, wordsPerMinute / typingWordsPerMinute));
+  return Statistics::tr("%1x Faster").arg(std::max(1, wordsPerMinute / typingWordsPerMinute));
 }
 
 QString speedLine(int wordsPerMinute) {
   if (wordsPerMinute == 0)
-    return translated("Dictate for at least 15 seconds to calculate your live Words Per Minute");
-  return translated(
+    return Statistics::tr(
+        "Dictate for at least 15 seconds to calculate your live Words Per Minute");
+  return Statistics::tr(
              "You dictate at %1 words per minute, significantly faster than the 40 WPM average "
              "typing speed.")
       .arg(wordsPerMinute);

@@ -36,8 +36,8 @@ QString UpdateReadyCardModel::versionLine() const {
 }
 
 QString UpdateReadyCardModel::tooltip() const {
-  return canRestart() ? u"Quit Vemo, install the update and open it again"_s
-                      : u"Available when dictation finishes"_s;
+  return canRestart() ? tr("Quit Vemo, install the update and open it again")
+                      : tr("Available when dictation finishes");
 }
 
 bool UpdateReadyCardModel::hasNotes() const {

@@ -24,9 +24,10 @@ void collect(QQuickItem& item, QStringList& texts) {
   for (auto* child : children) collect(*child, texts);
 }
 
-/// One for the whole test program: Qt can't make a second one reliably. Nothing of it blinks, and
-/// the pointer is on nothing.
-void makeApplication() {
+}  // namespace
+
+/// Nothing of it blinks, and the pointer is on nothing.
+void ShownWindow::makeApplication() {
   static int argumentCount = 1;
   static char name[] = "test";
   static char* arguments[] = {name, nullptr};
@@ -36,8 +37,6 @@ void makeApplication() {
   QGuiApplication::styleHints()->setCursorFlashTime(0);
   QCursor::setPos(-100, -100);
 }
-
-}  // namespace
 
 void ShownWindow::note(QtMsgType type, const QMessageLogContext&, const QString& message) {
   if (type == QtDebugMsg || type == QtInfoMsg) return;

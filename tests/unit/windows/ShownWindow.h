@@ -23,7 +23,11 @@ enum class Brightness { Light, Dark };
 
 class ShownWindow {
  public:
-  /// Makes Qt's application if there is none yet. `file` is relative to the folder of the QML.
+  /// Qt's application, if there is none yet; one for the whole test program, since Qt can't make a
+  /// second one reliably.
+  static void makeApplication();
+
+  /// Makes Qt's application, too. `file` is relative to the folder of the QML.
   ShownWindow(const QString& file, QObject& model, QSize size,
               Brightness brightness = Brightness::Light);
   ~ShownWindow();
