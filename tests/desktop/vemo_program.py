@@ -112,7 +112,8 @@ class Vemo:
         try:
             wait_until(self.is_idle, lambda: f"Vemo to be idle; {self.story()}")
             self.put_window_away()
-            wait_until(lambda: window_manager.focus() == before, "the focus to be where it was")
+            if all(before):
+                wait_until(lambda: window_manager.focus() == before, "the focus to be where it was")
         except BaseException:
             self.__exit__()
             raise

@@ -1,11 +1,14 @@
 // One row of the dictionary or of the shortcuts.
+//
+// What a list unmakes has no place in accessibility itself: Qt tells of an item that goes while the item is
+// half unmade, and an assistive tool that is listening then ends the program.
 import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import "../common"
 
-ItemDelegate {
-    id: row
+FocusScope {
+    id: cell
 
     required property int index
     required property string entryId
@@ -19,68 +22,75 @@ ItemDelegate {
     signal walking(int to)
 
     height: 52
-    padding: 0
-    hoverEnabled: true
-    focusPolicy: isTabStop || activeFocus ? Qt.StrongFocus : Qt.NoFocus
-    Accessible.role: Accessible.ListItem
-    Accessible.name: qsTr("%1, written as %2").arg(spoken).arg(written)
-    Keys.onReturnPressed: editing()
-    Keys.onEnterPressed: editing()
-    Keys.onDeletePressed: deleting()
-    Keys.onDownPressed: walking(index + 1)
-    Keys.onUpPressed: walking(index - 1)
-    onClicked: editing()
 
-    background: RowBackground {
-        isFirst: row.isFirst
-        isLast: row.isLast
-        isLit: row.hovered || row.activeFocus
-        hasRing: row.visualFocus
-    }
-    contentItem: RowLayout {
-        spacing: Theme.spaceSmall
+    ItemDelegate {
+        id: row
 
-        Text {
-            Layout.preferredWidth: row.width * 0.34
-            Layout.leftMargin: Theme.spaceMedium
-            text: row.spoken
-            color: Theme.text
-            font.pixelSize: Theme.fontBody
-            font.weight: Font.DemiBold
-            horizontalAlignment: Text.AlignLeft
-            elide: Text.ElideRight
-            maximumLineCount: 1
-            textFormat: Text.PlainText
+        anchors.fill: parent
+        focus: true
+        padding: 0
+        hoverEnabled: true
+        focusPolicy: cell.isTabStop || activeFocus ? Qt.StrongFocus : Qt.NoFocus
+        Accessible.role: Accessible.ListItem
+        Accessible.name: qsTr("%1, written as %2").arg(cell.spoken).arg(cell.written)
+        Keys.onReturnPressed: cell.editing()
+        Keys.onEnterPressed: cell.editing()
+        Keys.onDeletePressed: cell.deleting()
+        Keys.onDownPressed: cell.walking(cell.index + 1)
+        Keys.onUpPressed: cell.walking(cell.index - 1)
+        onClicked: cell.editing()
+
+        background: RowBackground {
+            isFirst: cell.isFirst
+            isLast: cell.isLast
+            isLit: row.hovered || row.activeFocus
+            hasRing: row.visualFocus
         }
-        Symbol {
-            name: "arrow.right"
-            size: 16
-            color: Theme.secondaryText
-            isMirrored: row.mirrored
-        }
-        Text {
-            Layout.fillWidth: true
-            text: row.written.replace(/\s+/g, " ")
-            color: Theme.secondaryText
-            font.pixelSize: Theme.fontBody
-            horizontalAlignment: Text.AlignLeft
-            elide: Text.ElideRight
-            maximumLineCount: 1
-            textFormat: Text.PlainText
-        }
-        SymbolButton {
-            Layout.rightMargin: -Theme.spaceTiny
-            symbol: "pencil"
-            text: qsTr("Edit %1").arg(row.spoken)
-            focusPolicy: row.isTabStop || activeFocus ? Qt.StrongFocus : Qt.NoFocus
-            onClicked: row.editing()
-        }
-        SymbolButton {
-            Layout.rightMargin: Theme.spaceSmall
-            symbol: "trash"
-            text: qsTr("Delete %1").arg(row.spoken)
-            focusPolicy: row.isTabStop || activeFocus ? Qt.StrongFocus : Qt.NoFocus
-            onClicked: row.deleting()
+        contentItem: RowLayout {
+            spacing: Theme.spaceSmall
+
+            Text {
+                Layout.preferredWidth: row.width * 0.34
+                Layout.leftMargin: Theme.spaceMedium
+                text: cell.spoken
+                color: Theme.text
+                font.pixelSize: Theme.fontBody
+                font.weight: Font.DemiBold
+                horizontalAlignment: Text.AlignLeft
+                elide: Text.ElideRight
+                maximumLineCount: 1
+                textFormat: Text.PlainText
+            }
+            Symbol {
+                name: "arrow.right"
+                size: 16
+                color: Theme.secondaryText
+                isMirrored: row.mirrored
+            }
+            Text {
+                Layout.fillWidth: true
+                text: cell.written.replace(/\s+/g, " ")
+                color: Theme.secondaryText
+                font.pixelSize: Theme.fontBody
+                horizontalAlignment: Text.AlignLeft
+                elide: Text.ElideRight
+                maximumLineCount: 1
+                textFormat: Text.PlainText
+            }
+            SymbolButton {
+                Layout.rightMargin: -Theme.spaceTiny
+                symbol: "pencil"
+                text: qsTr("Edit %1").arg(cell.spoken)
+                focusPolicy: cell.isTabStop || activeFocus ? Qt.StrongFocus : Qt.NoFocus
+                onClicked: cell.editing()
+            }
+            SymbolButton {
+                Layout.rightMargin: Theme.spaceSmall
+                symbol: "trash"
+                text: qsTr("Delete %1").arg(cell.spoken)
+                focusPolicy: cell.isTabStop || activeFocus ? Qt.StrongFocus : Qt.NoFocus
+                onClicked: cell.deleting()
+            }
         }
     }
 }
