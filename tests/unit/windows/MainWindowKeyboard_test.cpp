@@ -64,8 +64,6 @@ class MainWindowKeyboardTest : public testing::Test {
       if (seen.contains(item)) break;
       seen.append(item);
       stops.append(focusName());
-      if (stops.back().isEmpty())
-        fprintf(stderr, "NONAME %s\n", item ? item->metaObject()->className() : "null");
     }
     return stops;
   }
@@ -89,6 +87,20 @@ TEST_F(MainWindowKeyboardTest, EveryStopOfTheTabKeyHasAName) {
     EXPECT_FALSE(stops.isEmpty()) << state.toStdString();
     EXPECT_THAT(stops, Not(Contains(QString()))) << state.toStdString();
   }
+}
+
+TEST_F(MainWindowKeyboardTest, WhatAScreenReaderPressesDoesWhatAClickDoes) {
+  show(u"dictionary-full"_s);
+  for (auto* item : window->window().contentItem()->findChildren<QQuickItem*>()) {
+    auto* accessible = QAccessible::queryAccessibleInterface(item);
+    if (!accessible || accessible->text(QAccessible::Name) != u"Add New") continue;
+    ASSERT_TRUE(accessible->actionInterface());
+    accessible->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    break;
+  }
+  offline->pass({});
+  window->draw();
+  EXPECT_THAT(window->texts(), Contains(u"When you say (or common typo)"_s));
 }
 
 TEST_F(MainWindowKeyboardTest, WhatCanHaveTheKeyboardHasANameARoleAndSomethingToDo) {

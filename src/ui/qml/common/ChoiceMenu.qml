@@ -67,6 +67,7 @@ Popup {
             text: modelData.text
             Accessible.role: Accessible.MenuItem
             Accessible.name: text
+            Accessible.onPressAction: if (enabled) clicked()
             Accessible.checked: modelData.isCurrent
             onHoveredChanged: if (hovered) list.currentIndex = index
             onClicked: menu.choose(index)

@@ -27,6 +27,7 @@ AbstractButton {
     opacity: enabled || isBusy ? 1 : 0.5
     Accessible.role: Accessible.Button
     Accessible.name: text
+    Accessible.onPressAction: if (enabled) clicked()
     Keys.onReturnPressed: clicked()
     Keys.onEnterPressed: clicked()
 

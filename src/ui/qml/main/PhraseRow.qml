@@ -38,6 +38,7 @@ FocusScope {
         Keys.onDeletePressed: cell.deleting()
         Keys.onDownPressed: cell.walking(cell.index + 1)
         Keys.onUpPressed: cell.walking(cell.index - 1)
+        Accessible.onPressAction: cell.editing()
         onClicked: cell.editing()
 
         background: RowBackground {

@@ -15,6 +15,8 @@ MenuItem {
     text: modelData.text ?? ""
     checked: modelData.isChecked ?? false
     Accessible.name: text
+    Accessible.ignored: isDivider
+    Accessible.onPressAction: if (enabled) triggered()
     Accessible.role: isDivider ? Accessible.Separator : Accessible.MenuItem
 
     LayoutMirroring.enabled: Theme.isRightToLeft

@@ -14,6 +14,7 @@ AbstractButton {
     hoverEnabled: true
     focusPolicy: Qt.StrongFocus
     Accessible.name: text
+    Accessible.onPressAction: if (enabled) clicked()
     Accessible.selected: isSelected
 
     background: Rectangle {

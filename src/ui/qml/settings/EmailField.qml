@@ -33,6 +33,7 @@ ColumnLayout {
         Accessible.role: Accessible.Button
         Accessible.name: qsTr("Owner Email") + ": " + field.email
         Accessible.description: qsTr("Copies the address")
+        Accessible.onPressAction: if (enabled) clicked()
         Keys.onReturnPressed: clicked()
         Keys.onEnterPressed: clicked()
         onClicked: field.copying()

@@ -32,6 +32,7 @@ RowLayout {
             Accessible.name: text
             Accessible.checkable: true
             Accessible.checked: isChosen
+            Accessible.onPressAction: if (enabled) clicked()
             Keys.onReturnPressed: clicked()
             Keys.onEnterPressed: clicked()
             Keys.onRightPressed: row.choose(index + 1)

@@ -19,7 +19,8 @@ AbstractButton {
     Accessible.name: name
     Accessible.checkable: true
     Accessible.checked: isOn
-    Accessible.onToggleAction: clicked()
+    Accessible.onToggleAction: if (enabled) clicked()
+    Accessible.onPressAction: if (enabled) clicked()
     Keys.onReturnPressed: clicked()
     Keys.onEnterPressed: clicked()
     onClicked: switched(!isOn)
