@@ -50,8 +50,9 @@ def form(path, address, **fields):
 class AccountService:
     """`with AccountService(folder) as service: service.address, service.provider`; its files are in the folder."""
 
-    def __init__(self, folder):
+    def __init__(self, folder, more_configuration=""):
         self.folder = pathlib.Path(folder)
+        self._more_configuration = more_configuration
         self.key = self.folder / "sign-in-key.json"
 
     def __enter__(self):
@@ -59,7 +60,8 @@ class AccountService:
         configuration.write_text(
             f"[server]\nport = 0\ntokens-file = {self.folder}/tokens\n"
             f"[accounts]\nenabled = yes\ndatabase = sqlite:{self.folder}/accounts.db\nsign-ins-a-minute = 1000\n"
-            f"[local-provider]\nenabled = yes\nport = 0\nname = {NAME}\nemail = {EMAIL}\nkey-file = {self.key}\n")
+            f"[local-provider]\nenabled = yes\nport = 0\nname = {NAME}\nemail = {EMAIL}\nkey-file = {self.key}\n"
+            + self._more_configuration)
         self._command = [program("vemo-service"), "--config", configuration]
         with open(self.folder / "log", "wb") as log:
             self._process = subprocess.Popen(self._command, stdout=subprocess.PIPE, stderr=log, stdin=subprocess.DEVNULL)
