@@ -33,6 +33,7 @@ class KeysTest(unittest.TestCase):
     def start(self, **settings):
         self.editor = self.enterContext(self.editor_class())
         self.start_vemo(**settings)
+        wait_until(lambda: editors.active_window() == self.editor.window, "the editor to be in front again")
 
     def start_vemo(self, **settings):
         self.vemo = self.enterContext(Vemo(self.server.address, prepare_home=with_settings(**settings)))

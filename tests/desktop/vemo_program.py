@@ -104,7 +104,6 @@ class Vemo:
     def launch(self):
         """Starts the program; once more, when it has ended."""
         self.output = self.home / "output"
-        before = window_manager.focus()
         with open(self.output, "ab") as output:
             os.fchmod(output.fileno(), 0o600)
             self.process = subprocess.Popen([*self.wrapper, self.program, *self.arguments], env=self.environment,
@@ -112,8 +111,6 @@ class Vemo:
         try:
             wait_until(self.is_idle, lambda: f"Vemo to be idle; {self.story()}")
             self.put_window_away()
-            if all(before):
-                wait_until(lambda: window_manager.focus() == before, "the focus to be where it was")
         except BaseException:
             self.__exit__()
             raise

@@ -1,7 +1,6 @@
 """What a person asks of a window by the window manager's own buttons."""
 
 import ctypes
-import subprocess
 
 
 class ClientMessage(ctypes.Structure):
@@ -12,12 +11,6 @@ class ClientMessage(ctypes.Structure):
 
 CLIENT_MESSAGE = 33
 SUBSTRUCTURE_MASKS = (1 << 19) | (1 << 20)
-
-
-def focus():
-    """The window in front and the one that has the keyboard; nothing where there is none."""
-    return [subprocess.run(["xdotool", question], capture_output=True, check=False).stdout
-            for question in ("getactivewindow", "getwindowfocus")]
 
 
 def close(window):
