@@ -64,9 +64,11 @@ class PasswordFieldTest(RefusalTest):
         self.addCleanup(dialog.stdout.close)
         self.addCleanup(dialog.wait)
         self.addCleanup(dialog.terminate)
-        wait_until(lambda: "zenity" in editors.window_class(editors.active_window() or "0").lower(),
-                   "the password dialog to come to the front")
+        def is_in_front():
+            return "zenity" in editors.window_class(editors.active_window() or "0").lower()
+        wait_until(is_in_front, "the password dialog to come to the front")
         self.start_vemo()
+        wait_until(is_in_front, "the password dialog to be in front again")
         with ClipboardOwner([("UTF8_STRING", b"untouched")]) as owner:
             self.await_message("Can't paste here (secure input active) — use Copy Last Transcript",
                                lambda: self.dictate_holding("Alt_R"))

@@ -6,7 +6,7 @@
 #include <QAccessible>
 #include <QTest>
 
-#include "ShownWindow.h"
+#include "WindowAtKeyboard.h"
 #include "windows/offline/MainWindowOnFakes.h"
 
 namespace vemo {
@@ -17,7 +17,7 @@ using testing::IsEmpty;
 using testing::IsSupersetOf;
 using testing::Not;
 
-class MainWindowKeyboardTest : public testing::Test {
+class MainWindowKeyboardTest : public WindowAtKeyboard<MainWindowOnFakes> {
  protected:
   void TearDown() override { closeWindow(); }
 
@@ -37,47 +37,12 @@ class MainWindowKeyboardTest : public testing::Test {
     window->draw();
   }
 
-  void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
-    QTest::keyClick(&window->window(), key, modifiers);
-    offline->pass({});
-    window->draw();
-  }
-
   void type(const QString& text) {
     for (const QChar character : text) QTest::keyClick(&window->window(), character.toLatin1());
     window->draw();
   }
 
-  /// What a screen reader says of the item that has the keyboard.
-  QString focusName() {
-    auto* accessible = QAccessible::queryAccessibleInterface(window->window().activeFocusItem());
-    return accessible ? accessible->text(QAccessible::Name) : QString();
-  }
-
-  /// Every stop of the Tab key, from where the keyboard is, until it comes round.
-  QStringList tabStops() {
-    QStringList stops;
-    QList<QQuickItem*> seen;
-    for (int steps = 0; steps < 60; ++steps) {
-      press(Qt::Key_Tab);
-      auto* item = window->window().activeFocusItem();
-      if (seen.contains(item)) break;
-      seen.append(item);
-      stops.append(focusName());
-    }
-    return stops;
-  }
-
-  /// Tab until the item of this name has the keyboard.
-  void walkTo(const QString& name) {
-    for (int steps = 0; steps < 60 && focusName() != name; ++steps) press(Qt::Key_Tab);
-    ASSERT_EQ(focusName(), name);
-  }
-
   MainWindowModel& model() { return offline->model(); }
-
-  std::optional<MainWindowOnFakes> offline;
-  std::unique_ptr<ShownWindow> window;
 };
 
 TEST_F(MainWindowKeyboardTest, EveryStopOfTheTabKeyHasAName) {
@@ -150,7 +115,7 @@ TEST_F(MainWindowKeyboardTest, ALanguageIsChosenFromTheMenu) {
   press(Qt::Key_Down);
   press(Qt::Key_Return);
   EXPECT_EQ(model().home()->languageTitle(), u"Language: Hinglish"_s);
-  EXPECT_EQ(focusName(), u"Language: Hinglish"_s) << "the keyboard is where it was";
+  EXPECT_EQ(focusText(), u"Language: Hinglish"_s) << "the keyboard is where it was";
 }
 
 TEST_F(MainWindowKeyboardTest, WhatThePanelsMenuOffersIsReachedFromTheWindow) {
@@ -197,10 +162,10 @@ TEST_F(MainWindowKeyboardTest, AWordIsAddedAndEnterSavesIt) {
   show(u"dictionary-empty"_s);
   walkTo(u"Add New"_s);
   press(Qt::Key_Return);
-  EXPECT_EQ(focusName(), u"When you say (or common typo)"_s);
+  EXPECT_EQ(focusText(), u"When you say (or common typo)"_s);
   type(u"btw"_s);
   press(Qt::Key_Tab);
-  EXPECT_EQ(focusName(), u"Replace with (output text)"_s);
+  EXPECT_EQ(focusText(), u"Replace with (output text)"_s);
   type(u"by the way"_s);
   press(Qt::Key_Return);
   EXPECT_FALSE(model().hasOpenSheet());
@@ -222,7 +187,7 @@ TEST_F(MainWindowKeyboardTest, AShortcutOfSeveralLinesIsAdded) {
   walkTo(u"Trigger Phrase (Say this)"_s);
   type(u"sign off"_s);
   press(Qt::Key_Tab);
-  EXPECT_EQ(focusName(), u"Expanded Snippet (Vemo types this)"_s);
+  EXPECT_EQ(focusText(), u"Expanded Snippet (Vemo types this)"_s);
   type(u"Best,"_s);
   press(Qt::Key_Return);
   type(u"Maria"_s);
@@ -248,7 +213,7 @@ TEST_F(MainWindowKeyboardTest, AfterASheetTheKeyboardIsWhereItWas) {
   press(Qt::Key_Return);
   ASSERT_TRUE(model().hasOpenSheet());
   press(Qt::Key_Escape);
-  EXPECT_EQ(focusName(), u"Add New"_s);
+  EXPECT_EQ(focusText(), u"Add New"_s);
 }
 
 TEST_F(MainWindowKeyboardTest, TabStaysInsideASheet) {
@@ -272,16 +237,16 @@ TEST_F(MainWindowKeyboardTest, AListOfThousandsIsThreeStopsAndArrowsWalkThroughI
   show(u"dictionary-5000"_s);
   walkTo(u"Add New"_s);
   press(Qt::Key_Tab);
-  EXPECT_EQ(focusName(), u"btw, written as By the way"_s);
+  EXPECT_EQ(focusText(), u"btw, written as By the way"_s);
   press(Qt::Key_Down);
   press(Qt::Key_Down);
-  EXPECT_EQ(focusName(), u"coober netties, written as Kubernetes"_s);
+  EXPECT_EQ(focusText(), u"coober netties, written as Kubernetes"_s);
   press(Qt::Key_Tab);
-  EXPECT_EQ(focusName(), u"Edit coober netties"_s);
+  EXPECT_EQ(focusText(), u"Edit coober netties"_s);
   press(Qt::Key_Tab);
-  EXPECT_EQ(focusName(), u"Delete coober netties"_s);
+  EXPECT_EQ(focusText(), u"Delete coober netties"_s);
   press(Qt::Key_Tab);
-  EXPECT_FALSE(focusName().contains(u"written as"_s)) << "no other row is a stop";
+  EXPECT_FALSE(focusText().contains(u"written as"_s)) << "no other row is a stop";
 }
 
 TEST_F(MainWindowKeyboardTest, DeleteDeletesTheRowAndTheKeyboardStaysInTheList) {
@@ -292,7 +257,7 @@ TEST_F(MainWindowKeyboardTest, DeleteDeletesTheRowAndTheKeyboardStaysInTheList) 
   press(Qt::Key_Delete);
   EXPECT_EQ(model().dictionary()->rows()->count(), 4999);
   EXPECT_FALSE(model().dictionary()->rows()->find(u"1"_s));
-  EXPECT_EQ(focusName(), u"coober netties, written as Kubernetes"_s);
+  EXPECT_EQ(focusText(), u"coober netties, written as Kubernetes"_s);
   press(Qt::Key_Return);
   EXPECT_TRUE(model().dictionary()->sheet()->isEditing());
   EXPECT_EQ(model().dictionary()->sheet()->spoken(), u"coober netties"_s);
@@ -308,7 +273,7 @@ TEST_F(MainWindowKeyboardTest, ATranscriptionIsCopied) {
   show(u"home-full"_s);
   walkTo(u"Copy"_s);
   press(Qt::Key_Space);
-  EXPECT_EQ(focusName(), u"Copied"_s);
+  EXPECT_EQ(focusText(), u"Copied"_s);
   EXPECT_EQ(offline->copiedText(), u"Can you send me the notes from this morning?"_s);
   EXPECT_THAT(window->texts(), Contains(u"Transcription copied to clipboard"_s));
 }

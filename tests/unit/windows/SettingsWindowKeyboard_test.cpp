@@ -3,10 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <QAccessible>
-#include <QTest>
-
-#include "ShownWindow.h"
+#include "WindowAtKeyboard.h"
 #include "desktop/VirtualKeys.h"
 #include "windows/offline/SettingsOnFakes.h"
 
@@ -19,7 +16,7 @@ using testing::Not;
 
 constexpr std::int64_t keyF8 = 100;
 
-class SettingsWindowKeyboardTest : public testing::Test {
+class SettingsWindowKeyboardTest : public WindowAtKeyboard<SettingsOnFakes> {
  protected:
   void TearDown() override { closeWindow(); }
 
@@ -38,36 +35,6 @@ class SettingsWindowKeyboardTest : public testing::Test {
     window->draw();
   }
 
-  void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
-    QTest::keyClick(&window->window(), key, modifiers);
-    offline->pass({});
-    window->draw();
-  }
-
-  /// What a screen reader says of the item that has the keyboard.
-  QString focusText(QAccessible::Text kind = QAccessible::Name) {
-    auto* accessible = QAccessible::queryAccessibleInterface(window->window().activeFocusItem());
-    return accessible ? accessible->text(kind) : QString();
-  }
-
-  QStringList tabStops() {
-    QStringList stops;
-    QList<QQuickItem*> seen;
-    for (int steps = 0; steps < 80; ++steps) {
-      press(Qt::Key_Tab);
-      auto* item = window->window().activeFocusItem();
-      if (seen.contains(item)) break;
-      seen.append(item);
-      stops.append(focusText());
-    }
-    return stops;
-  }
-
-  void walkTo(const QString& text, QAccessible::Text kind = QAccessible::Name) {
-    for (int steps = 0; steps < 80 && focusText(kind) != text; ++steps) press(Qt::Key_Tab);
-    ASSERT_EQ(focusText(kind), text);
-  }
-
   /// Keys that go to the recorder, as the monitor of the window hands them over.
   void strike(KeyEvent::Type type, std::int64_t keyCode, ModifierFlags modifiers = 0) {
     EXPECT_EQ(offline->keys().strike({type, keyCode, modifiers}),
@@ -77,9 +44,6 @@ class SettingsWindowKeyboardTest : public testing::Test {
   }
 
   SettingsModel& model() { return offline->model(); }
-
-  std::optional<SettingsOnFakes> offline;
-  std::unique_ptr<ShownWindow> window;
 };
 
 TEST_F(SettingsWindowKeyboardTest, EveryStopOfTheTabKeyHasAName) {
