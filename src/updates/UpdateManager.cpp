@@ -17,7 +17,7 @@ namespace {
 
 constexpr auto firstCheckDelay = 15s;
 constexpr auto sheetLimit = 3s;
-constexpr auto sheetPollInterval = 100ms;
+constexpr auto pollInterval = 100ms;
 
 /// Whether the text has the form of an Ed25519 public key.
 bool isUsableKey(const QString& text) {
@@ -78,7 +78,7 @@ void UpdateManager::restartToUpdate() {
   const QString version = m_readyUpdate->version;
   m_with.telemetry.track(TelemetryEvent::updateRestartClicked(version));
   m_with.debugLog(u"updates: restarting to install "_s + version);
-  closeSheetsBefore([this] { m_installReadyUpdate(); });
+  closeSheetsBefore([this] { afterDictation([this] { m_installReadyUpdate(); }); });
 }
 
 void UpdateManager::checkForUpdates() {
@@ -183,7 +183,7 @@ bool UpdateManager::shouldPostponeRelaunch(const UpdateItem& update,
                                            std::function<void()> relaunch) {
   if (!m_with.sheets.isAnyAttached()) return false;
   m_with.debugLog(u"updates: closing sheets before installing "_s + update.displayVersion);
-  closeSheetsBefore(std::move(relaunch));
+  closeSheetsBefore([this, relaunch = std::move(relaunch)] { afterDictation(relaunch); });
   return true;
 }
 
@@ -211,12 +211,22 @@ void UpdateManager::closeSheetsBefore(std::function<void()> next) {
 Task<> UpdateManager::waitForSheets(std::function<void()> next) {
   const auto deadline = m_with.clock.monotonicTime() + sheetLimit;
   while (m_with.sheets.isAnyAttached() && m_with.clock.monotonicTime() < deadline)
-    co_await m_with.clock.sleep(sheetPollInterval, {});
+    co_await m_with.clock.sleep(pollInterval, {});
   if (m_with.sheets.isAnyAttached()) {
     m_with.debugLog(u"updates: a sheet was still open after %1.0 seconds; ending it directly"_s.arg(
         sheetLimit.count()));
     m_with.sheets.endAttached();
   }
+  next();
+}
+
+void UpdateManager::afterDictation(std::function<void()> next) {
+  if (m_with.isDictationIdle()) return next();
+  m_tasks.start([this, &next](std::stop_token) { return waitForDictation(std::move(next)); });
+}
+
+Task<> UpdateManager::waitForDictation(std::function<void()> next) {
+  while (!m_with.isDictationIdle()) co_await m_with.clock.sleep(pollInterval, {});
   next();
 }
 

@@ -69,7 +69,8 @@ class UpdateManager : public UpdaterDelegate, public UpdateUserDriverDelegate {
 
   /// Changes with the dictation's phase, too, of which `changed` doesn't tell.
   bool canRestartNow() const;
-  /// The user's "Restart to Update"; nothing at all while a dictation runs.
+  /// The user's "Restart to Update"; nothing at all while a dictation runs. One that begins while
+  /// sheets close is waited for.
   void restartToUpdate();
   /// A check that the user asked for.
   void checkForUpdates();
@@ -108,6 +109,9 @@ class UpdateManager : public UpdaterDelegate, public UpdateUserDriverDelegate {
   /// Runs `next` once no sheet is left: at once, or after having asked them to close.
   void closeSheetsBefore(std::function<void()> next);
   Task<> waitForSheets(std::function<void()> next);
+  /// Runs `next` once no dictation runs: at once, or when the one that has begun meanwhile ends.
+  void afterDictation(std::function<void()> next);
+  Task<> waitForDictation(std::function<void()> next);
 
   const Neighbours m_with;
   const bool m_isConfigured;

@@ -2,6 +2,7 @@
 // and activation changed.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -13,7 +14,10 @@ namespace vemo {
 class FakeApplicationWindows : public ApplicationWindows {
  public:
   void bringForward() override { ++m_bringForwardCount; }
-  void activate() override { m_calls.emplace_back("activate"); }
+  void activate() override {
+    m_calls.emplace_back("activate");
+    if (whenActivated) whenActivated();
+  }
   ActivationPolicy activationPolicy() const override { return m_policy; }
   void setActivationPolicy(ActivationPolicy policy) override {
     m_policy = policy;
@@ -23,6 +27,8 @@ class FakeApplicationWindows : public ApplicationWindows {
   int bringForwardCount() const { return m_bringForwardCount; }
   /// "activate", "regular" and "accessory", since the last time that this was asked.
   std::vector<std::string> takeCalls() { return std::exchange(m_calls, {}); }
+
+  std::function<void()> whenActivated;
 
  private:
   int m_bringForwardCount = 0;

@@ -1,6 +1,7 @@
 // An updater whose states a test sets; it notes what it was asked for.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -23,8 +24,8 @@ class FakeUpdater : public Updater {
     automaticallyDownloads = isOn;
     changed.notify();
   }
-  void checkForUpdates() override { m_calls.emplace_back("check"); }
-  void checkForUpdatesInBackground() override { m_calls.emplace_back("check in background"); }
+  void checkForUpdates() override { note("check"); }
+  void checkForUpdatesInBackground() override { note("check in background"); }
 
   /// What it was asked for since the last time that this was asked.
   std::vector<std::string> takeCalls() { return std::exchange(m_calls, {}); }
@@ -33,8 +34,14 @@ class FakeUpdater : public Updater {
   std::optional<QDateTime> lastCheck;
   bool automaticallyChecks = true;
   bool automaticallyDownloads = true;
+  std::function<void()> whenAsked;  ///< called at each check
 
  private:
+  void note(const char* call) {
+    m_calls.emplace_back(call);
+    if (whenAsked) whenAsked();
+  }
+
   std::vector<std::string> m_calls;
 };
 

@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QProcess>
 #include <algorithm>
 
@@ -89,7 +90,7 @@ Task<> SelfUpdater::checkDaily(std::stop_token stop) {
 }
 
 void SelfUpdater::begin(UpdateCheck check) {
-  if (m_isBusy) return;
+  if (m_isBusy || m_isReplaced) return;
   m_isBusy = true;
   changed.notify();
   m_tasks.start([this, check](std::stop_token stop) { return runSession(check, std::move(stop)); });
@@ -102,7 +103,7 @@ Task<> SelfUpdater::runSession(UpdateCheck check, std::stop_token stop) {
       tell(check, u"Vemo is up to date"_s,
            u"Vemo %1 is the newest version."_s.arg(m_with.system.applicationVersion));
     } else {
-      tell(check, u"The update didn't work"_s, u"Please try again later."_s);
+      tellOfTrouble(check);
     }
     m_delegate.didAbort(
         {QString::fromUtf16(updaterErrorDomain), static_cast<int>(outcome.error())});
@@ -138,6 +139,7 @@ Task<SelfUpdater::Outcome> SelfUpdater::findAndFetch(UpdateCheck check, std::sto
     m_userDriver.willHandleShowingUpdate(isShown ? UpdateShownBy::Updater : UpdateShownBy::Delegate,
                                          item->shown, check);
   }
+  if (check == UpdateCheck::UserInitiated) m_userDriver.didReceiveUserAttention(item->shown);
   if (m_with.copy && !isFetched && item->shown.isCritical)
     m_with.announce(u"Vemo %1 is available"_s.arg(item->shown.displayVersion),
                     u"It is an important update. Please check for updates to get it."_s);
@@ -243,20 +245,28 @@ void SelfUpdater::offer(const AppcastItem& item) {
 }
 
 void SelfUpdater::installNow() {
+  if (!m_ready) return begin(UpdateCheck::UserInitiated);
+  if (!m_delegate.shouldPostponeRelaunch(m_ready->shown, [this] { installAndRelaunch(); }))
+    installAndRelaunch();
+}
+
+void SelfUpdater::installAndRelaunch() {
   if (!m_ready) return;
-  const auto go = [this] {
-    if (install()) m_with.relaunch();
-  };
-  if (!m_delegate.shouldPostponeRelaunch(m_ready->shown, go)) go();
+  if (install()) return m_with.relaunch();
+  tellOfTrouble(UpdateCheck::UserInitiated);
+  if (!m_ready) begin(UpdateCheck::UserInitiated);
 }
 
 void SelfUpdater::installOnQuit() {
   if (m_ready) install();
 }
 
+/// What is left unpacked when it fails can be tried again.
 bool SelfUpdater::install() {
+  const QString unpacked = m_with.copy->stagingFolder(m_ready->build);
   const auto installed = m_with.copy->install(m_ready->build);
-  m_ready.reset();
+  m_isReplaced = installed.has_value();
+  if (installed || !QFileInfo::exists(unpacked)) m_ready.reset();
   if (installed) return true;
   m_with.log(u"updates: "_s + installed.error());
   m_delegate.didAbort({QString::fromUtf16(updaterErrorDomain),
@@ -266,6 +276,10 @@ bool SelfUpdater::install() {
 
 void SelfUpdater::tell(UpdateCheck check, const QString& title, const QString& text) const {
   if (check == UpdateCheck::UserInitiated) m_with.announce(title, text);
+}
+
+void SelfUpdater::tellOfTrouble(UpdateCheck check) const {
+  tell(check, u"The update didn't work"_s, u"Please try again later."_s);
 }
 
 std::unexpected<UpdateTrouble> SelfUpdater::refuse(UpdateTrouble trouble,

@@ -4,7 +4,8 @@
 // Only a copy in a folder of the user's own is replaced; elsewhere the user is told that there is a
 // new version. A feed or an archive that isn't signed by the key in force, a feed older than one
 // that was seen or past its date, and an archive that isn't what the feed says are refused, and end
-// the session with an error. Downloads are resumed where they stopped, at the next check.
+// the session with an error. Downloads are resumed where they stopped, at the next check. What was
+// offered can be installed until it has been: where that fails, it is tried or fetched once more.
 //
 // Main thread only; archives are checked and unpacked on a thread of their own. Destroying it ends
 // what is under way.
@@ -55,7 +56,7 @@ class SelfUpdater : public Updater {
 
   SelfUpdater(With with, UpdaterDelegate& delegate, UpdateUserDriverDelegate& userDriver);
 
-  bool canCheckForUpdates() const override { return !m_isBusy; }
+  bool canCheckForUpdates() const override { return !m_isBusy && !m_isReplaced; }
   std::optional<QDateTime> lastUpdateCheckDate() const override { return m_memory.lastCheck; }
   bool automaticallyChecksForUpdates() const override { return m_memory.automaticallyChecks; }
   bool automaticallyDownloadsUpdates() const override { return m_memory.automaticallyDownloads; }
@@ -81,8 +82,10 @@ class SelfUpdater : public Updater {
   Task<Outcome> prepare(AppcastItem item, QString file);
   void offer(const AppcastItem& item);
   void installNow();
+  void installAndRelaunch();
   bool install();
   void tell(UpdateCheck check, const QString& title, const QString& text) const;
+  void tellOfTrouble(UpdateCheck check) const;
   std::unexpected<UpdateTrouble> refuse(UpdateTrouble trouble, const QString& why) const;
   QUrl address(const QString& name) const;
 
@@ -92,6 +95,7 @@ class SelfUpdater : public Updater {
   const QByteArray m_builtInKey;
   UpdateMemory m_memory;
   bool m_isBusy = false;
+  bool m_isReplaced = false;  ///< another version starts next: there is nothing left to do
   std::optional<AppcastItem> m_ready;
   SerialQueue m_worker{"vemo.updater"};
   TaskScope m_tasks;

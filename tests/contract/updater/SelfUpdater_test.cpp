@@ -175,6 +175,71 @@ TEST_F(SelfUpdaterTest, AnInstallationThatFailsIsReportedAndNothingRelaunches) {
   EXPECT_EQ(startedVersion(root), "Vemo 1.0.0");
 }
 
+TEST_F(SelfUpdaterTest, AnInstallationThatFailedIsTriedAgainWhenTheUserAsksAgain) {
+  publish({release(2, "1.1.0")});
+  EXPECT_THAT(check(), IsEmpty());
+  writeTestFile(root + u"/versions/2"_s, "in the way", false);
+  delegate.installNow();
+  EXPECT_THAT(delegate.errors, ElementsAre(4005));
+  EXPECT_THAT(announced, ElementsAre(u"The update didn't work"_s));
+  EXPECT_EQ(startedVersion(root), "Vemo 1.0.0");
+  QFile::remove(root + u"/versions/2"_s);
+  delegate.installNow();
+  EXPECT_EQ(relaunches, 1);
+  EXPECT_EQ(startedVersion(root), "Vemo 1.1.0");
+}
+
+TEST_F(SelfUpdaterTest, AnUpdateThatIsGoneFromTheDiskIsFetchedAndOfferedOnceMore) {
+  publish({release(2, "1.1.0")});
+  EXPECT_THAT(check(), IsEmpty());
+  QDir(root + u"/versions/.staging-2"_s).removeRecursively();
+  delegate.ready.reset();
+  delegate.installNow();
+  EXPECT_TRUE(loop.runUntil([&] { return delegate.ready.has_value(); }));
+  delegate.installNow();
+  EXPECT_EQ(relaunches, 1);
+  EXPECT_EQ(startedVersion(root), "Vemo 1.1.0");
+}
+
+TEST_F(SelfUpdaterTest, AnUpdateThatIsGoneAndCouldNotBeFetchedIsFetchedWhenTheUserAsksAgain) {
+  publish({release(2, "1.1.0")});
+  EXPECT_THAT(check(), IsEmpty());
+  QDir(root + u"/versions/.staging-2"_s).removeRecursively();
+  server.manners["vemo-2.tar.xz"] = ReleaseServer::Manner::Breaks;
+  delegate.ready.reset();
+  delegate.installNow();
+  EXPECT_TRUE(loop.runUntil([&] { return delegate.finished == 2; }));
+  EXPECT_FALSE(delegate.ready);
+  server.manners.clear();
+  delegate.installNow();
+  EXPECT_TRUE(loop.runUntil([&] { return delegate.ready.has_value(); }));
+}
+
+TEST_F(SelfUpdaterTest, AskedTwiceToInstallItDoesSoOnce) {
+  publish({release(2, "1.1.0")});
+  EXPECT_THAT(check(), IsEmpty());
+  std::function<void()> relaunch;
+  delegate.postpone = [&](std::function<void()> next) { relaunch = std::move(next); };
+  delegate.installNow();
+  EXPECT_EQ(startedVersion(root), "Vemo 1.0.0") << "before the sheets are closed";
+  relaunch();
+  relaunch();
+  delegate.installNow();
+  EXPECT_FALSE(updater->canCheckForUpdates());
+  EXPECT_EQ(relaunches, 1);
+  EXPECT_THAT(delegate.errors, IsEmpty());
+  EXPECT_EQ(startedVersion(root), "Vemo 1.1.0");
+}
+
+TEST_F(SelfUpdaterTest, AnUpdateThatTheUserAskedForHasTheUsersAttentionAndAScheduledOneHasNot) {
+  isOurs = false;
+  publish({release(2, "1.1.0")});
+  check();
+  EXPECT_EQ(delegate.attentions, 0);
+  check(UpdateCheck::UserInitiated);
+  EXPECT_EQ(delegate.attentions, 1);
+}
+
 TEST_F(SelfUpdaterTest, ASecondCheckDuringACheckChangesNothing) {
   publish({});
   start().checkForUpdatesInBackground();

@@ -66,7 +66,10 @@ class NotingDelegate : public UpdaterDelegate, public UpdateUserDriverDelegate {
     installNow = std::move(now);
     return true;
   }
-  bool shouldPostponeRelaunch(const UpdateItem&, std::function<void()>) override { return false; }
+  bool shouldPostponeRelaunch(const UpdateItem&, std::function<void()> relaunch) override {
+    if (postpone) postpone(std::move(relaunch));
+    return static_cast<bool>(postpone);
+  }
   bool supportsGentleScheduledUpdateReminders() const override { return true; }
   bool shouldHandleShowingScheduledUpdate(const UpdateItem&, ImmediateFocus) const override {
     return false;
@@ -74,7 +77,7 @@ class NotingDelegate : public UpdaterDelegate, public UpdateUserDriverDelegate {
   void willHandleShowingUpdate(UpdateShownBy by, const UpdateItem&, UpdateCheck) override {
     shownBy = by;
   }
-  void didReceiveUserAttention(const UpdateItem&) override {}
+  void didReceiveUserAttention(const UpdateItem&) override { ++attentions; }
   void willFinishUpdateSession() override { ++finished; }
 
   QString m_feedUrl;
@@ -85,6 +88,8 @@ class NotingDelegate : public UpdaterDelegate, public UpdateUserDriverDelegate {
   std::optional<UpdateShownBy> shownBy;
   std::vector<int> errors;
   int finished = 0;
+  int attentions = 0;
+  std::function<void(std::function<void()> relaunch)> postpone;  ///< absent: nothing is put off
 };
 
 class UpdaterFixture : public testing::Test {

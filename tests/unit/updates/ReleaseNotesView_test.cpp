@@ -45,6 +45,7 @@ TEST(ReleaseNotesTest, AllHeadingsLookTheSame) {
 
 TEST(ReleaseNotesTest, ADashWithABlankIsABulletAndOneWithoutIsAParagraph) {
   EXPECT_THAT(rowsOf(u"  - item"_s), ElementsAre(bullet(u"item"_s)));
+  EXPECT_THAT(rowsOf(u"-  item"_s), ElementsAre(bullet(u" item"_s)));
   EXPECT_THAT(rowsOf(u"-item"_s), ElementsAre(paragraph(u"-item"_s)));
   EXPECT_THAT(rowsOf(u"-"_s), ElementsAre(paragraph(u"-"_s)));
   EXPECT_THAT(rowsOf(u"- "_s), ElementsAre(paragraph(u"-"_s)));

@@ -34,7 +34,10 @@ class UpdateFixture : public testing::Test {
   }
 
   void beReady() {
-    manager->willInstallUpdateOnQuit(item, [this] { ++installations; });
+    manager->willInstallUpdateOnQuit(item, [this] {
+      ++installations;
+      if (whenInstalled) whenInstalled();
+    });
     mainThread.drain();
     takeEvents();
   }
@@ -82,6 +85,7 @@ class UpdateFixture : public testing::Test {
   bool isIdle = true;
   int terminations = 0;
   int installations = 0;
+  std::function<void()> whenInstalled;
   int updatersMade = 0;
   FakeUpdater* updater = nullptr;
   std::optional<UpdateManager> manager;

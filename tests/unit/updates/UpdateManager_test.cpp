@@ -124,6 +124,18 @@ TEST_F(UpdateManagerTest, AManualCheckIsReportedAndBringsTheProgramForward) {
   EXPECT_THAT(updater->takeCalls(), ElementsAre("check"));
 }
 
+TEST_F(UpdateManagerTest,
+       AManualCheckIsReportedFirstThenTheProgramComesForwardThenTheUpdaterChecks) {
+  start();
+  std::vector<std::string> events;
+  std::vector<std::string> calls;
+  windows.whenActivated = [&] { events = takeEvents(); };
+  updater->whenAsked = [&] { calls = windows.takeCalls(); };
+  manager->checkForUpdates();
+  EXPECT_THAT(events, ElementsAre("update_check_manual {}"));
+  EXPECT_THAT(calls, ElementsAre("activate"));
+}
+
 TEST_F(UpdateManagerTest, AnAccessoryGetsAPlaceInTheTaskBarUntilTheSessionsEnd) {
   storage.settings.set(keys::showInDock, false);
   windows.setActivationPolicy(ActivationPolicy::Accessory);
@@ -196,6 +208,14 @@ TEST_F(UpdateManagerTest, WithBetaOffNoChannelIsAllowedAndTurningItOnChecksOnce)
   manager->setReceivesBetaUpdates(false);
   EXPECT_THAT(manager->allowedChannels(), IsEmpty());
   EXPECT_THAT(updater->takeCalls(), IsEmpty());
+}
+
+TEST_F(UpdateManagerTest, TheCheckAfterTurningBetaOnAsksForTheBetaChannel) {
+  start();
+  QStringList channels;
+  updater->whenAsked = [&] { channels = manager->allowedChannels(); };
+  manager->setReceivesBetaUpdates(true);
+  EXPECT_THAT(channels, ElementsAre(u"beta"_s));
 }
 
 TEST_F(UpdateManagerTest, ReportsWhatWasOfferedWithItsBuildAsANumber) {
