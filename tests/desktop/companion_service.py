@@ -23,13 +23,15 @@ class RunningService:
 
 
 class CompanionService:
-    """`with CompanionService(folder) as service: Vemo(service.address)`; on a free port, configured in the folder."""
+    """`with CompanionService(folder) as service: Vemo(service.address)`; on a free port, configured in the folder,
+    with further sections where a test asks for them."""
 
-    def __init__(self, folder):
+    def __init__(self, folder, sections=""):
         self._configuration = pathlib.Path(folder) / "vemo-service.conf"
+        self._sections = sections
 
     def __enter__(self):
-        self._configuration.write_text("[server]\nport = 0\n")
+        self._configuration.write_text(f"[server]\nport = 0\n{self._sections}")
         command = [program("vemo-service"), "--config", self._configuration]
         token = subprocess.run([*command, "add-token"], capture_output=True, check=True).stdout.decode().split()[-1]
         store_token(token)
