@@ -10,6 +10,7 @@
 #include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <iomanip>
 #include <iostream>
 #include <iterator>
 #include <numeric>
@@ -136,7 +137,7 @@ int main(int argc, char** argv) {
     audioSeconds += static_cast<double>(recording->sampleCount()) / sampleRate;
   }
   const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
-  std::cout << "word error rate "
+  std::cout << std::fixed << std::setprecision(1) << "word error rate "
             << 100.0 * static_cast<double>(errors) / static_cast<double>(words) << " % (" << errors
             << " of " << words << " words); " << audioSeconds << " s of speech in " << taken.count()
             << " s\n";

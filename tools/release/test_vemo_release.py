@@ -59,6 +59,13 @@ class VemoReleaseTest(unittest.TestCase):
         self.add(58)
         self.assertEqual(first, (self.feed / "vemo-58.tar.xz").read_bytes())
 
+    def test_folders_may_be_named_from_where_one_stands(self):
+        command = [PROGRAM, "add", "key", "feed", "version", "1.1.0", "57"]
+        result = subprocess.run(command, cwd=self.folder, capture_output=True, text=True)
+        self.assertEqual(result.returncode, 0, result.stderr)
+        self.assertIn('path="bin/vemo"', (self.feed / "appcast.xml").read_text())
+        self.assertIn("good: 1 versions", self.succeed("check", self.public_key, self.feed))
+
     def test_a_build_is_released_once(self):
         self.add(57)
         self.fail_with("in the feed already", "add", self.folder / "key", self.feed, self.version,

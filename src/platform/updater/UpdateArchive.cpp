@@ -106,7 +106,7 @@ Outcome unpackUpdate(const QString& archivePath, const std::vector<AppcastFile>&
 std::expected<std::vector<AppcastFile>, QString> packUpdate(const QString& folder,
                                                             const QString& archivePath) {
   QStringList paths;
-  QDirIterator entries(folder, QDir::Files | QDir::Hidden | QDir::System,
+  QDirIterator entries(QDir(folder).absolutePath(), QDir::Files | QDir::Hidden | QDir::System,
                        QDirIterator::Subdirectories);
   while (entries.hasNext()) paths.append(QDir(folder).relativeFilePath(entries.next()));
   paths.sort();

@@ -1,0 +1,2 @@
+# Somebody is signed in.
+printf secret | secret-tool store --label=Vemo service brelmox.Vemo account authToken

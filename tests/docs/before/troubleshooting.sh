@@ -1,0 +1,2 @@
+# The service runs.
+vemo-service >/dev/null 2>&1 &
