@@ -1,4 +1,6 @@
+# shellcheck shell=bash
 # What the page configures: Vemo asks for the sign-in, its page opens, and the service shows the button.
+# shellcheck disable=SC2016 # the variables are the browser's own
 printf '#!/bin/sh\nprintf %%s "$1" >"$HOME/page"\n' >browser
 chmod +x browser
 mkdir -p ~/.local/share/applications

@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # Two small versions in archives as tools/build-archive lays them out, and notes.
 mkdir -p build/archive
 pack() {

@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # A service with accounts, in which Ada has signed in once.
 mkdir -p ~/.config/vemo-service ~/.local/share/vemo-service
 /usr/bin/python3 -B - "$VEMO_SOURCE/tests/desktop" <<'PYTHON'
