@@ -38,11 +38,9 @@ ScrollView {
                 id: row
 
                 required property var modelData
-                required property int index
                 readonly property bool isHeading: modelData.kind === "heading"
 
                 width: rows.width
-                topPadding: isHeading && index > 0 ? Theme.spaceSmall : 0
                 spacing: Theme.spaceSmall
 
                 Text {
