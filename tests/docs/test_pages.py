@@ -6,7 +6,7 @@ import re
 import unittest
 
 from exceptions import EXCEPTIONS
-from pages import (IN_THE_TEXT, LINK, PAGES, SOURCE, SPAN, blocks, commands_in_the_text, commands_of, is_run,
+from pages import (IN_THE_TEXT, LINK, PAGES, SOURCE, SPAN, blocks, columns, commands_in_the_text, commands_of, is_run,
                    prose)
 
 MARKS = {"sh", "sh run", "sh run desktop", "text", "ini", "json", "nginx"}
@@ -57,6 +57,15 @@ class CommandsTest(unittest.TestCase):
             self.assertTrue(exception.reason)
 
 
+class MessagesTest(unittest.TestCase):
+    def test_every_message_that_troubleshooting_explains_is_one_of_the_program(self):
+        source = "".join(file.read_text() for file in (SOURCE / "src").rglob("*.cpp"))
+        messages = [message for heading, cell in columns(SOURCE / "docs/troubleshooting.md") if heading == "it says"
+                    for message in re.findall(r'"([^"]+)"', cell)]
+        self.assertGreater(len(messages), 10)
+        self.assertEqual([], [message for message in messages if f'"{message}"' not in source])
+
+
 class LinksTest(unittest.TestCase):
     def test_every_link_leads_somewhere(self):
         for page in PAGES:
@@ -72,7 +81,7 @@ class LinksTest(unittest.TestCase):
         for page in PAGES:
             for span in SPAN.findall(prose(page)):
                 path = span.split()[0].rstrip("/")
-                if span.startswith(FOLDERS) and "thing" not in path.lower():
+                if span.startswith(FOLDERS) and not re.search(r"\b(Fake)?thing\b", path, re.IGNORECASE):
                     base = SOURCE / "service" if page.parent.name == "service" else SOURCE
                     with self.subTest(page=name(page), path=path):
                         self.assertTrue((SOURCE / path).exists() or (base / path).exists())

@@ -13,6 +13,6 @@ vemo &
 until vemo status | grep 'Sign in to connect'; do kill -0 %2; done
 vemo sign-in
 until [[ -s page ]]; do kill -0 %2; done
-curl -sf "$(cat page)"          #=> <button
+curl -sf "$(cat page)"          #=> …<button…
 vemo cancel-sign-in
 vemo quit
