@@ -21,16 +21,6 @@ using namespace Qt::Literals::StringLiterals;
 using testing::HasSubstr;
 using testing::Not;
 
-void makeApplication() {
-  static int argumentCount = 1;
-  static char name[] = "test";
-  static char* arguments[] = {name, nullptr};
-  if (!QGuiApplication::instance()) {
-    new QGuiApplication(argumentCount, arguments);
-    QGuiApplication::setQuitOnLastWindowClosed(false);
-  }
-}
-
 #if __has_feature(address_sanitizer)
 constexpr bool keepsFreedMemory = true;
 #else
@@ -47,8 +37,17 @@ double residentMemory() {
 
 class QuickScenesTest : public testing::Test {
  protected:
+  /// Before anything that starts threads: Qt takes the first thread that it meets for the main one,
+  /// and wakes the event loop of that one when X events come.
+  static void SetUpTestSuite() {
+    static int argumentCount = 1;
+    static char name[] = "test";
+    static char* arguments[] = {name, nullptr};
+    if (!QGuiApplication::instance()) new QGuiApplication(argumentCount, arguments);
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+  }
+
   QuickScenesTest() {
-    makeApplication();
     scenes.modelOf = [this](Scene) -> QObject& { return offline.model(); };
     scenes.applyPolicy = applyTaskBarPolicy;
     scenes.onChanged = [this] { ++changes; };
