@@ -17,8 +17,6 @@ PICTURES = "would change what the tests compare with"
 
 EXCEPTIONS = [NotRun(*row) for row in [
     # Building and testing
-    ("./run", "opens windows on the desktop of whoever calls it", "desktop_mousepad"),
-    ("./run --demo [WAV]", LONG, "desktop_mousepad"),
     ("./test", ITSELF, ".ci/run"),
     ("./test --quick", ITSELF, ".ci/run"),
     ("cmake --preset release", LONG, "test"),

@@ -86,6 +86,12 @@ class LinksTest(unittest.TestCase):
                     with self.subTest(page=name(page), path=path):
                         self.assertTrue((SOURCE / path).exists() or (base / path).exists())
 
+    def test_the_picture_of_the_house_has_every_folder_and_no_other(self):
+        (picture,) = (text for mark, text in blocks(SOURCE / "docs/architecture.md") if mark == "text")
+        for top, drawn in (("src", r"^  (\w+)/ "), (".", r"^(\w+)/")):
+            folders = {path.name for path in (SOURCE / top).iterdir() if path.is_dir()}
+            self.assertEqual({name for name in folders if not name.startswith((".", "_", "build"))}, set(re.findall(drawn, picture, re.MULTILINE)))
+
     def test_every_page_is_listed(self):
         listed = re.findall(r"^- \[.*?\]\((.*?)\)", (SOURCE / "docs/README.md").read_text(), re.MULTILINE)
         listed = [(SOURCE / "docs" / link).resolve() for link in listed]
