@@ -47,7 +47,7 @@ class UpdatingCopy:
         self.vemo.program = self.copy / "current/bin/vemo"
         self.enterContext(self.vemo)
         wait_until(lambda: self.vemo.logged("updates: 9.9.9 downloaded, ready to install"),
-                   lambda: f"the download; {self.vemo.log.read_text()}", 90)
+                   lambda: f"the download; {self.vemo.log.read_text()}", 180)
         self.assertEqual(self.current(), pathlib.Path("versions/1"))
 
     def trust(self, vemo):
