@@ -12,10 +12,14 @@ class FakeLoginItem : public LoginItem {
   std::expected<void, QString> registerItem() override { return change(true); }
   std::expected<void, QString> unregisterItem() override { return change(false); }
 
+  bool isRegistered() const override { return m_isRegistered; }
+
   /// From now on every change fails with this error.
   void fail(QString error) { m_error = std::move(error); }
 
-  bool isRegistered() const { return m_isRegistered; }
+  /// What a settings program of the desktop does, which asks nobody.
+  void changeFromOutside(bool isRegistered) { m_isRegistered = isRegistered; }
+
   int changeCount() const { return m_changeCount; }
 
  private:

@@ -1,9 +1,12 @@
 #include "platform/xdg/AutostartEntry.h"
 
+#include <glib.h>
+
 #include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
 #include <algorithm>
+#include <memory>
 #include <utility>
 
 #include "platform/xdg/DesktopEntryFile.h"
@@ -37,6 +40,31 @@ const QByteArray hiddenEntry =
     "Name=Vemo\n"
     "Hidden=true\n";
 
+constexpr qint64 longestEntry = 65'536;
+
+bool isTrue(GKeyFile* file, const char* key, bool otherwise) {
+  GError* error = nullptr;
+  const bool value = g_key_file_get_boolean(file, G_KEY_FILE_DESKTOP_GROUP, key, &error);
+  if (!error) return value;
+  g_error_free(error);
+  return otherwise;
+}
+
+/// Nothing but a plain file is read: another kind may block the reader.
+bool startsItsProgram(const QString& path) {
+  QFile entry(path);
+  if (!QFileInfo(path).isFile() || !entry.open(QIODevice::ReadOnly)) return false;
+  const QByteArray content = entry.read(longestEntry);
+  const std::unique_ptr<GKeyFile, decltype(&g_key_file_unref)> file(g_key_file_new(),
+                                                                    &g_key_file_unref);
+  return g_key_file_load_from_data(file.get(), content.constData(), gsize(content.size()),
+                                   G_KEY_FILE_NONE, nullptr) &&
+         g_key_file_has_key(file.get(), G_KEY_FILE_DESKTOP_GROUP, G_KEY_FILE_DESKTOP_KEY_EXEC,
+                            nullptr) &&
+         !isTrue(file.get(), G_KEY_FILE_DESKTOP_KEY_HIDDEN, false) &&
+         isTrue(file.get(), "X-GNOME-Autostart-enabled", true);
+}
+
 }  // namespace
 
 AutostartEntry::AutostartEntry(QString program, QString userFolder, QStringList systemFolders)
@@ -62,6 +90,13 @@ std::expected<void, QString> AutostartEntry::unregisterItem() {
   if (!information.exists() && !information.isSymLink()) return {};
   if (!file.remove()) return std::unexpected(file.errorString());
   return {};
+}
+
+bool AutostartEntry::isRegistered() const {
+  if (QFileInfo::exists(m_userEntry)) return startsItsProgram(m_userEntry);
+  const auto ofSystem = std::ranges::find_if(
+      m_systemFolders, [](const QString& folder) { return QFileInfo::exists(entryIn(folder)); });
+  return ofSystem != m_systemFolders.end() && startsItsProgram(entryIn(*ofSystem));
 }
 
 bool AutostartEntry::comesWithTheSystem() const {

@@ -70,7 +70,10 @@ class SettingsModel : public QObject {
   ToastModel* toast() { return &m_toast; }
 
   /// The window has come up.
-  Q_INVOKABLE void windowShown() { m_navigation.windowOpened(); }
+  Q_INVOKABLE void windowShown() {
+    m_navigation.windowOpened();
+    m_system.windowOpened();
+  }
   /// The window has gone, and its sheets with it.
   Q_INVOKABLE void windowHidden() { closeSheets(); }
 

@@ -33,7 +33,8 @@ QString colorName(const Color& color) {
 
 }  // namespace
 
-SystemSettingsModel::SystemSettingsModel(With with) : m_with(std::move(with)) {
+SystemSettingsModel::SystemSettingsModel(With with)
+    : m_with(std::move(with)), m_launchAtLogin(m_with.loginItem.isRegistered()) {
   m_observations.push_back(
       m_with.settings.changed.observe([this](const QString& name) { settingChanged(name); }));
   m_observations.push_back(m_with.permissions.changed.observe([this] { Q_EMIT changed(); }));
@@ -116,10 +117,17 @@ QString SystemSettingsModel::selectedToggleHotkey() const {
 
 // The program on the desktop
 
+void SystemSettingsModel::windowOpened() {
+  m_launchAtLogin = m_with.loginItem.isRegistered();
+  Q_EMIT changed();
+}
+
 void SystemSettingsModel::setLaunchAtLogin(bool isOn) {
+  m_launchAtLogin = isOn;
   m_with.settings.set(keys::launchAtLogin, isOn);
   const auto done = isOn ? m_with.loginItem.registerItem() : m_with.loginItem.unregisterItem();
   if (!done) m_with.debugLog(u"Failed to update SMAppService: "_s + done.error());
+  Q_EMIT changed();
 }
 
 void SystemSettingsModel::setShowInDock(bool isOn) {

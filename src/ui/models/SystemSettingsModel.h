@@ -1,7 +1,9 @@
 // The system tab of the settings window: the settings of the program, each written at once.
 //
 // Main thread only; owned by the settings window's model. It follows the settings, whoever writes
-// them. A switch stays as the user set it, also when the desktop refuses what it asks for.
+// them. A switch stays as the user set it, also when the desktop refuses what it asks for. Whether
+// the program starts at login is asked of the desktop when the window opens: nothing is arranged
+// before the user moves the switch, and the desktop has settings of its own for this.
 #pragma once
 
 #include <QObject>
@@ -66,6 +68,8 @@ class SystemSettingsModel : public QObject {
 
   explicit SystemSettingsModel(With with);
 
+  void windowOpened();
+
   QString selectedLanguage() const;
   void setSelectedLanguage(const QString& code);
   QString languageName() const;
@@ -79,7 +83,7 @@ class SystemSettingsModel : public QObject {
   QString selectedPTTHotkey() const;
   QString selectedToggleHotkey() const;
 
-  bool launchAtLogin() const { return isOn(keys::launchAtLogin); }
+  bool launchAtLogin() const { return m_launchAtLogin; }
   void setLaunchAtLogin(bool isOn);
   bool showInDock() const { return isOn(keys::showInDock); }
   void setShowInDock(bool isOn);
@@ -114,6 +118,7 @@ class SystemSettingsModel : public QObject {
   void settingChanged(const QString& name);
 
   With m_with;
+  bool m_launchAtLogin;
   std::vector<Observation> m_observations;
 };
 

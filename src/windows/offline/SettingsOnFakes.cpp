@@ -55,6 +55,7 @@ void Window::start() {
                                                    .configFolder = u"/nonexistent"_s,
                                                    .fallbackRoots = {}});
   startUpdates();
+  m_loginItem.changeFromOutside(true);
   m_model.emplace(SettingsModel::With{.mainThread = mainThread,
                                       .clock = clock,
                                       .settings = storage.settings,

@@ -92,6 +92,33 @@ TEST_F(AutostartEntryTest, RemovesALinkThatLeadsNowhere) {
   EXPECT_FALSE(QFileInfo(entry()).isSymLink());
 }
 
+TEST_F(AutostartEntryTest, AnEntryThatTheDesktopHasSwitchedOffIsNotRegistered) {
+  const QByteArray on = "[Desktop Entry]\nType=Application\nName=Vemo\nExec=/opt/vemo\n";
+  write(entry(), on);
+  EXPECT_TRUE(item().isRegistered());
+  for (const QByteArray& off :
+       {QByteArray("Hidden=true\n"), QByteArray("X-GNOME-Autostart-enabled=false\n")}) {
+    write(entry(), on + off);
+    EXPECT_FALSE(item().isRegistered()) << off.constData();
+  }
+}
+
+TEST_F(AutostartEntryTest, TheUsersEntryCountsBeforeTheOneThatComesWithTheSystem) {
+  write(ofSystem() + u"/brelmox.Vemo.desktop"_s, "[Desktop Entry]\nName=Vemo\nExec=/opt/vemo\n");
+  EXPECT_TRUE(item().isRegistered());
+  ASSERT_TRUE(item().unregisterItem());
+  EXPECT_FALSE(item().isRegistered());
+}
+
+TEST_F(AutostartEntryTest, WhatIsNoEntryStartsNothing) {
+  for (const QByteArray& content :
+       {QByteArray(), QByteArray("Exec=/opt/vemo\n"), QByteArray("[Desktop Entry]\nName=Vemo\n"),
+        QByteArray(100'000, '[')}) {
+    write(entry(), content);
+    EXPECT_FALSE(item().isRegistered());
+  }
+}
+
 TEST_F(AutostartEntryTest, AFolderThatCantBeMadeIsAnError) {
   write(ofUser(), "a file where the folder belongs");
   const auto outcome = item().registerItem();

@@ -43,8 +43,10 @@ TYPED_TEST_SUITE(LoginItemContract, Kinds);
 TYPED_TEST(LoginItemContract, RegisteringLastsUntilItIsUndone) {
   ASSERT_TRUE(this->on.item.registerItem());
   EXPECT_TRUE(this->on.isRegistered());
+  EXPECT_TRUE(this->on.item.isRegistered());
   ASSERT_TRUE(this->on.item.unregisterItem());
   EXPECT_FALSE(this->on.isRegistered());
+  EXPECT_FALSE(this->on.item.isRegistered());
 }
 
 TYPED_TEST(LoginItemContract, DoingWhatIsDoneAlreadySucceeds) {
@@ -52,6 +54,16 @@ TYPED_TEST(LoginItemContract, DoingWhatIsDoneAlreadySucceeds) {
   EXPECT_TRUE(this->on.item.registerItem());
   EXPECT_TRUE(this->on.item.registerItem());
   EXPECT_TRUE(this->on.isRegistered());
+}
+
+TYPED_TEST(LoginItemContract, NothingIsRegisteredBeforeItWasAskedFor) {
+  EXPECT_FALSE(this->on.item.isRegistered());
+}
+
+TYPED_TEST(LoginItemContract, WhatWasRefusedIsNotRegistered) {
+  this->on.refuse();
+  EXPECT_FALSE(this->on.item.registerItem());
+  EXPECT_FALSE(this->on.item.isRegistered());
 }
 
 TYPED_TEST(LoginItemContract, ARefusalIsOneLine) {

@@ -4,7 +4,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <QFile>
 #include <QGuiApplication>
 #include <QProcess>
 #include <QScreen>
@@ -20,20 +19,6 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 using testing::HasSubstr;
 using testing::Not;
-
-#if __has_feature(address_sanitizer)
-constexpr bool keepsFreedMemory = true;
-#else
-constexpr bool keepsFreedMemory = false;
-#endif
-
-/// Resident, in MB.
-double residentMemory() {
-  QFile file(u"/proc/self/statm"_s);
-  if (!file.open(QIODevice::ReadOnly)) return 0;
-  const auto pages = file.readAll().split(' ').at(1).toDouble();
-  return pages * 4096 / 1e6;
-}
 
 class QuickScenesTest : public testing::Test {
  protected:
@@ -124,19 +109,6 @@ TEST_F(QuickScenesTest, AnAccessoryHasNoPlaceInTheTaskBar) {
   EXPECT_TRUE(
       QtTestLoop::runUntil([] { return windowState().find("SKIP_TASKBAR") == std::string::npos; }));
   EXPECT_TRUE(isExposed()) << "the window stays";
-}
-
-TEST_F(QuickScenesTest, MemoryGoesBackWhenTheLastWindowHasClosed) {
-  ASSERT_TRUE(openMain());
-  const double before = residentMemory();
-  for (int round = 0; round < 5; ++round) {
-    ASSERT_TRUE(closeMain());
-    ASSERT_TRUE(openMain());
-  }
-  ASSERT_TRUE(closeMain());
-  RecordProperty("residentBefore", std::to_string(before));
-  RecordProperty("residentAfter", std::to_string(residentMemory()));
-  if (!keepsFreedMemory) EXPECT_LT(residentMemory(), before) << "with a window open";
 }
 
 TEST_F(QuickScenesTest, WithoutTheSharedObjectTheProgramGoesOn) {

@@ -56,7 +56,6 @@ TEST_F(SystemSettingsModelTest, WhatIsAbsentReadsAsItsDefault) {
   EXPECT_EQ(model->selectedLanguage(), u"en"_s);
   EXPECT_EQ(model->selectedPTTHotkey(), u"Either Option (⌥)"_s);
   EXPECT_EQ(model->selectedToggleHotkey(), u"Fn / Globe"_s);
-  EXPECT_TRUE(model->launchAtLogin());
   EXPECT_TRUE(model->shareUsageStatistics());
   EXPECT_TRUE(model->showInDock());
   EXPECT_EQ(model->dictationPillColor(), u"dark"_s);
@@ -144,6 +143,27 @@ TEST_F(SystemSettingsModelTest, ACustomChoiceWithoutItsRecordReadsAsTheDefault) 
 }
 
 // App settings
+
+TEST_F(SystemSettingsModelTest, LaunchAtLoginShowsWhatTheDesktopWillDoWhenTheWindowOpens) {
+  model->windowOpened();
+  EXPECT_FALSE(model->launchAtLogin())
+      << "nothing was arranged yet, whatever the setting's default";
+  EXPECT_FALSE(storage.settings.contains(keys::launchAtLogin));
+  loginItem.changeFromOutside(true);
+  changes = 0;
+  model->windowOpened();
+  EXPECT_TRUE(model->launchAtLogin());
+  EXPECT_EQ(changes, 1);
+  EXPECT_EQ(loginItem.changeCount(), 0) << "looking changes nothing";
+}
+
+TEST_F(SystemSettingsModelTest, ASwitchThatAFailureLeftReadsAsItIsAtTheNextOpening) {
+  loginItem.fail(u"no"_s);
+  model->setLaunchAtLogin(true);
+  EXPECT_TRUE(model->launchAtLogin());
+  model->windowOpened();
+  EXPECT_FALSE(model->launchAtLogin());
+}
 
 TEST_F(SystemSettingsModelTest, LaunchAtLoginIsWrittenAndRegistered) {
   model->setLaunchAtLogin(false);
