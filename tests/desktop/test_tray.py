@@ -156,6 +156,14 @@ class NoPanelTest(TrayTest):
         vemo.await_logged("tray: no panel shows status items here")
         self.assertEqual(vemo.logged("tray: no panel shows status items here"), 1)
 
+    def test_a_panel_that_comes_and_goes_is_no_news(self):
+        vemo = self.start_vemo()
+        vemo.await_logged("tray: no panel shows status items here")
+        for _ in range(2):
+            with Panel() as panel:
+                wait_until(lambda: panel.items(), lambda: f"the item in the panel; {vemo.story()}")
+        self.assertEqual(vemo.logged("tray: no panel shows status items here"), 1)
+
 
 if __name__ == "__main__":
     unittest.main(verbosity=2)
