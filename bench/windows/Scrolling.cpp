@@ -3,7 +3,9 @@
 // before the next beat.
 //
 // The list is read (as the wheel moves it, a few rows a frame) and dragged through by its bar, from
-// the first row to the last, with other rows in each frame.
+// the first row to the last, with other rows in each frame. Of the slowest frame it's told which it
+// was and what the processor took for it: the rest is waiting, for the display or for the
+// processor.
 //
 // Runs on the display that DISPLAY names:
 //   tools/virtual-desktop --window-manager -- PROGRAM [FRAMES] [--report-only]
@@ -84,11 +86,12 @@ bool scroll(BenchedList& list, const char* how, double hertz, int frames, double
     beat = std::max(beat, SteadyClock::now());
     while (SteadyClock::now() < beat) QCoreApplication::processEvents(QEventLoop::AllEvents, 1);
   }
+  const auto slowest = std::size_t(std::ranges::max_element(times) - times.begin());
   std::printf(
       "%-10s at %2.0f Hz: %d of %d frames dropped   p50 %5.1f ms   p99 %5.1f ms   "
-      "max %5.1f ms   processor p50 %5.1f ms, max %5.1f ms\n",
-      how, hertz, dropped, frames, at(times, 0.5), at(times, 0.99), at(times, 1),
-      at(processor, 0.5), at(processor, 1));
+      "max %5.1f ms (frame %zu, processor %.1f ms)   processor p50 %5.1f ms, max %5.1f ms\n",
+      how, hertz, dropped, frames, at(times, 0.5), at(times, 0.99), at(times, 1), slowest + 1,
+      processor[slowest], at(processor, 0.5), at(processor, 1));
   std::fflush(stdout);
   return dropped == 0;
 }
