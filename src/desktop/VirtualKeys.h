@@ -9,6 +9,8 @@
 
 namespace vemo {
 
+inline constexpr std::int64_t kReturn = 36;
+inline constexpr std::int64_t kTab = 48;
 inline constexpr std::int64_t kSpace = 49;
 inline constexpr std::int64_t kEscape = 53;
 inline constexpr std::int64_t kRightCommand = 54;
@@ -20,6 +22,7 @@ inline constexpr std::int64_t kRightShift = 60;
 inline constexpr std::int64_t kRightOption = 61;
 inline constexpr std::int64_t kRightControl = 62;
 inline constexpr std::int64_t kFnKey = 63;
+inline constexpr std::int64_t kKeypadEnter = 76;
 
 struct ModifierKey {
   std::int64_t keyCode;

@@ -136,7 +136,7 @@ class StoryTest(unittest.TestCase):
 
     def connect_slack(self):
         self.main.click("Connect…")
-        self.main.fill("Paste your Slack token here", SLACK_TOKEN)
+        self.main.fill("Slack User or Bot Token (xoxp-... or xoxb-...)", SLACK_TOKEN)
         self.main.click("Connect & Sync")
         self.main.await_gone("Connect & Sync")
         for method in ("auth.test", "users.list", "conversations.list"):
@@ -189,7 +189,7 @@ class StoryTest(unittest.TestCase):
 
     def sign_out(self):
         settings = settings_window(self.main)
-        settings.click("Account", Role.PUSH_BUTTON)
+        settings.click("Account", Role.PAGE_TAB)
         settings.click("Sign out")
         settings.await_item("Not signed in")
         settings.close()

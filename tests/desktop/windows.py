@@ -64,21 +64,25 @@ class Item:
         return f"{self.role.value_nick} “{self.name}”"
 
 
-def items_below(accessible, depth=0):
-    """Everything below, from top to bottom as it is told."""
+def accessibles_below(accessible, depth=0):
+    """Everything below with its depth, from top to bottom as it is told."""
     # No main loop runs here to hear of changes.
     accessible.clear_cache()
+    yield accessible, depth
+    for index in range(accessible.get_child_count()):
+        child = accessible.get_child_at_index(index)
+        if child:
+            yield from accessibles_below(child, depth + 1)
+
+
+def item(accessible, depth):
     place = Atspi.Component.get_extents(accessible, Atspi.CoordType.SCREEN)
     role, name = accessible.get_role(), accessible.get_name()
     if role == Role.PASSWORD_TEXT:
         # Qt withholds the name of what is secret.
         name = name or accessible.get_description()
-    yield Item(accessible, role, name, frozenset(accessible.get_state_set().get_states()),
-               (place.x, place.y, place.width, place.height), depth)
-    for index in range(accessible.get_child_count()):
-        child = accessible.get_child_at_index(index)
-        if child:
-            yield from items_below(child, depth + 1)
+    return Item(accessible, role, name, frozenset(accessible.get_state_set().get_states()),
+                (place.x, place.y, place.width, place.height), depth)
 
 
 class Window:
@@ -119,14 +123,17 @@ class Window:
         """Everything in it; nothing while it isn't there, or changes while it's read."""
         try:
             frame = self._frame()
-            return list(items_below(frame))[1:] if frame else []
+            return [item(*found) for found in accessibles_below(frame)][1:] if frame else []
         except GLib.Error:
             return []
 
+    def shown(self):
+        """All that isn't hidden; also what has to be scrolled into sight."""
+        return [item for item in self.items() if item.place[2] > 0]
+
     def find(self, name, role=None):
         """The last item of that name that is not hidden, as sheets and menus come after what they cover."""
-        found = [item for item in self.items() if item.name == name and item.place[2] > 0
-                 and (role is None or item.role == role)]
+        found = [item for item in self.shown() if item.name == name and (role is None or item.role == role)]
         return found[-1] if found else None
 
     def shows(self, name):
@@ -141,13 +148,18 @@ class Window:
 
     def focused(self):
         """The innermost item that has the keyboard; None when the window hasn't."""
-        found = [item for item in self.items() if item.has_focus]
-        return max(found, key=lambda item: item.depth, default=None)
+        try:
+            frame = self._frame()
+            found = [found for found in accessibles_below(frame)
+                     if found[0].get_state_set().contains(State.FOCUSED)] if frame else []
+            return item(*max(found, key=lambda found: found[1])) if found else None
+        except GLib.Error:
+            return None
 
     def sheet(self):
         """What an open sheet holds, or nothing."""
-        items = self.items()
-        sheets = [index for index, item in enumerate(items) if item.role == Role.DIALOG and item.is_showing]
+        items = self.shown()
+        sheets = [index for index, item in enumerate(items) if item.role == Role.DIALOG]
         if not sheets:
             return []
         inner = sheets[-1]

@@ -32,6 +32,24 @@ bool isPress(const KeyEvent& event) {
   return event.flags & own;
 }
 
+/// What a window does with its buttons by keyboard: Tab, Shift+Tab, and the keys that press one.
+bool isForButtons(const KeyEvent& event) {
+  const ModifierFlags flags = event.flags & allModifierFlags;
+  switch (event.keyCode) {
+    case kLeftShift:
+    case kRightShift:
+      return event.type == KeyEvent::Type::FlagsChanged;
+    case kTab:
+      return !(flags & ~ModifierFlags{ShiftFlag});
+    case kSpace:
+    case kReturn:
+    case kKeypadEnter:
+      return !flags;
+    default:
+      return false;
+  }
+}
+
 }  // namespace
 
 ShortcutRecorder::ShortcutRecorder(With with)
@@ -53,6 +71,9 @@ void ShortcutRecorder::open(ShortcutTarget target) {
 }
 
 LocalKeyMonitor::Handling ShortcutRecorder::handle(const KeyEvent& event) {
+  if (m_isAtButtons && (event.type == KeyEvent::Type::KeyUp || isForButtons(event)))
+    return LocalKeyMonitor::Handling::PassOn;
+  m_isAtButtons = leadsToButtons(event);
   const auto handling = m_capture->handle(event);
   if (!m_capture->isActive()) {
     close();
@@ -61,6 +82,18 @@ LocalKeyMonitor::Handling ShortcutRecorder::handle(const KeyEvent& event) {
   setHeld(isPress(event) && hasRecorded());
   Q_EMIT changed();
   return handling;
+}
+
+bool ShortcutRecorder::leadsToButtons(const KeyEvent& event) const {
+  const CustomKeyShortcut tab{.keyCode = kTab};
+  return event.type == KeyEvent::Type::KeyUp && event.keyCode == kTab && m_isHeld &&
+         recorded() == tab;
+}
+
+void ShortcutRecorder::leaveButtons() {
+  if (!m_isAtButtons) return;
+  m_isAtButtons = false;
+  Q_EMIT changed();
 }
 
 void ShortcutRecorder::setHeld(bool isHeld) {
@@ -103,6 +136,7 @@ void ShortcutRecorder::close() {
   m_with.keys.stop();
   m_with.hotkey.setSilent(false);
   setHeld(false);
+  m_isAtButtons = false;
   m_capture.reset();
   Q_EMIT changed();
 }

@@ -6,6 +6,9 @@
 // by button or by holding it for holdToConfirm: with every key recordable, none is left to confirm
 // with. A preset and the default are saved at once.
 //
+// Tab is recorded like any key; let go before it is saved, it leads to the buttons as well. There
+// the keys that move among buttons and press them go to the window, and any other is recorded.
+//
 // Main thread only; owned by the settings window's model. Nothing here fails.
 #pragma once
 
@@ -37,6 +40,7 @@ class ShortcutRecorder : public QObject {
   Q_PROPERTY(QString recordedShortName READ recordedShortName NOTIFY changed)
   Q_PROPERTY(bool isHeld READ isHeld NOTIFY changed)
   Q_PROPERTY(int holdDuration READ holdDuration CONSTANT)
+  Q_PROPERTY(bool isAtButtons READ isAtButtons NOTIFY changed)
   /// Rows of `choice` and `label`.
   Q_PROPERTY(QVariantList quickPresets READ quickPresets CONSTANT)
 
@@ -63,6 +67,8 @@ class ShortcutRecorder : public QObject {
   Q_INVOKABLE void cancel();
   Q_INVOKABLE void resetToDefault();
   Q_INVOKABLE void applyPreset(const QString& choice);
+  /// The window has given the keyboard back to the recording.
+  Q_INVOKABLE void leaveButtons();
 
   bool isOpen() const { return m_capture.has_value(); }
   ShortcutTarget target() const { return m_target; }
@@ -74,6 +80,8 @@ class ShortcutRecorder : public QObject {
   /// The shortcut is being held, and saved when that has lasted holdDuration() milliseconds.
   bool isHeld() const { return m_isHeld; }
   int holdDuration() const { return holdToConfirm.count(); }
+  /// The keyboard belongs to the buttons rather than to the recording.
+  bool isAtButtons() const { return m_isAtButtons; }
   QVariantList quickPresets() const;
 
   Q_SIGNAL void changed();
@@ -82,6 +90,7 @@ class ShortcutRecorder : public QObject {
   HotkeyTrigger trigger() const;
   std::optional<CustomKeyShortcut> recorded() const;
   LocalKeyMonitor::Handling handle(const KeyEvent& event);
+  bool leadsToButtons(const KeyEvent& event) const;
   void setHeld(bool isHeld);
   Task<> confirmAfterHold(std::stop_token stop);
   void apply(const CustomKeyShortcut& shortcut);
@@ -91,6 +100,7 @@ class ShortcutRecorder : public QObject {
   ShortcutTarget m_target = ShortcutTarget::PushToTalk;
   std::optional<ShortcutCapture> m_capture;  ///< there while the sheet is open
   bool m_isHeld = false;
+  bool m_isAtButtons = false;
   StartedTask m_holdTask;
   TaskScope m_tasks;
 };

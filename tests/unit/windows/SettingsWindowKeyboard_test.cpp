@@ -43,6 +43,16 @@ class SettingsWindowKeyboardTest : public WindowAtKeyboard<SettingsOnFakes> {
     window->draw();
   }
 
+  /// A key that the window gets only where the recorder leaves it to the window.
+  void pressAtRecorder(Qt::Key key, std::int64_t keyCode) {
+    const bool isForWindow = offline->keys().strike({KeyEvent::Type::KeyDown, keyCode}) ==
+                             LocalKeyMonitor::Handling::PassOn;
+    offline->keys().strike({KeyEvent::Type::KeyUp, keyCode});
+    if (isForWindow) press(key);
+    offline->pass({});
+    window->draw();
+  }
+
   SettingsModel& model() { return offline->model(); }
 };
 
@@ -87,6 +97,40 @@ TEST_F(SettingsWindowKeyboardTest, EscapeLeadsOutOfTheRecorderAndTheKeyboardIsWh
   strike(KeyEvent::Type::KeyDown, kEscape);
   EXPECT_FALSE(model().recorder()->isOpen());
   EXPECT_EQ(focusText(), u"Record a shortcut: Push to talk"_s);
+}
+
+TEST_F(SettingsWindowKeyboardTest, ThePresetsOfTheRecorderAreReachedAndAppliedByKeyboard) {
+  show(u"settings-system"_s);
+  walkTo(u"Record a shortcut: Start / Stop mic"_s);
+  press(Qt::Key_Space);
+  ASSERT_TRUE(model().recorder()->isOpen());
+  const QStringList buttons{
+      u"Fn / Globe"_s,     u"Either Option"_s,    u"Right Option"_s, u"Control + Space"_s,
+      u"Option + Space"_s, u"Reset to Default"_s, u"Cancel"_s,       u"Save"_s};
+  for (const auto& button : buttons) {
+    pressAtRecorder(Qt::Key_Tab, kTab);
+    EXPECT_EQ(focusText(), button);
+  }
+  while (focusText() != u"Right Option"_s && model().recorder()->isOpen())
+    press(Qt::Key_Tab, Qt::ShiftModifier);
+  pressAtRecorder(Qt::Key_Return, kReturn);
+  EXPECT_FALSE(model().recorder()->isOpen());
+  EXPECT_EQ(model().system()->selectedToggleHotkey(), u"Right Option (⌥)"_s);
+  EXPECT_EQ(focusText(), u"Record a shortcut: Start / Stop mic"_s);
+}
+
+TEST_F(SettingsWindowKeyboardTest, AKeyAtThePresetsOfTheRecorderIsRecorded) {
+  show(u"settings-system"_s);
+  walkTo(u"Record a shortcut: Start / Stop mic"_s);
+  press(Qt::Key_Space);
+  pressAtRecorder(Qt::Key_Tab, kTab);
+  ASSERT_EQ(focusText(), u"Fn / Globe"_s);
+  pressAtRecorder(Qt::Key_F8, keyF8);
+  EXPECT_EQ(model().recorder()->recordedName(), u"F8"_s);
+  EXPECT_EQ(focusText(), u"F8"_s);
+  pressAtRecorder(Qt::Key_Space, kSpace);
+  EXPECT_EQ(model().recorder()->recordedName(), u"Space"_s);
+  EXPECT_TRUE(model().recorder()->isOpen());
 }
 
 TEST_F(SettingsWindowKeyboardTest, ASwitchIsTurnedByTheSpaceBar) {

@@ -6,6 +6,8 @@ Popup {
     id: menu
 
     property var choices: []
+    /// What is chosen here.
+    required property string name
     signal chosen(string code)
 
     width: 320
@@ -30,6 +32,10 @@ Popup {
     }
 
     readonly property FocusReturn focusReturn: FocusReturn {}
+    readonly property PopupName popupName: PopupName {
+        popup: menu
+        value: menu.name
+    }
 
     background: Rectangle {
         radius: Theme.radius
@@ -47,46 +53,18 @@ Popup {
         keyNavigationWraps: true
         highlightMoveDuration: 0
         Accessible.role: Accessible.PopupMenu
+        Accessible.name: menu.name
         LayoutMirroring.enabled: Theme.isRightToLeft
         LayoutMirroring.childrenInherit: true
-        ScrollBar.vertical: ScrollBar {}
+        ScrollBar.vertical: PointerScrollBar {}
         Keys.onReturnPressed: menu.choose(currentIndex)
         Keys.onEnterPressed: menu.choose(currentIndex)
         Keys.onSpacePressed: menu.choose(currentIndex)
 
-        delegate: AbstractButton {
-            id: choice
-
-            required property int index
-            required property var modelData
-
+        delegate: ChoiceMenuRow {
             width: list.width
-            implicitHeight: 34
-            hoverEnabled: true
-            focusPolicy: Qt.NoFocus
-            text: modelData.text
-            Accessible.role: Accessible.MenuItem
-            Accessible.name: text
-            Accessible.onPressAction: if (enabled) clicked()
-            Accessible.checked: modelData.isCurrent
-            onHoveredChanged: if (hovered) list.currentIndex = index
-            onClicked: menu.choose(index)
-
-            background: Rectangle {
-                radius: Theme.radiusSmall
-                color: choice.ListView.isCurrentItem ? Theme.selection : "transparent"
-            }
-            contentItem: Text {
-                leftPadding: Theme.spaceTiny
-                rightPadding: Theme.spaceTiny
-                text: choice.text
-                color: Theme.text
-                font.pixelSize: Theme.fontBody
-                horizontalAlignment: Text.AlignLeft
-                verticalAlignment: Text.AlignVCenter
-                elide: Text.ElideRight
-                textFormat: Text.PlainText
-            }
+            onPointed: list.currentIndex = index
+            onChosen: menu.choose(index)
         }
     }
 }

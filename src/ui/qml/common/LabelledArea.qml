@@ -26,6 +26,9 @@ Column {
     ScrollView {
         width: parent.width
         height: 120
+        // As those of a page, which are for the pointer.
+        ScrollBar.horizontal.policy: ScrollBar.AlwaysOff
+        Component.onCompleted: ScrollBar.vertical.Accessible.ignored = true
 
         background: FieldBackground {
             hasFocus: area.activeFocus

@@ -43,11 +43,20 @@ Column {
         horizontalAlignment: TextInput.AlignLeft
         font.pixelSize: Theme.fontBody
         Accessible.name: labelled.label
+        // Qt keeps the name of a secret field to itself, and has the hint for its description.
+        Accessible.onDescriptionChanged: describe()
+        Component.onCompleted: describe()
         // A long text is seen from its beginning until somebody writes in it.
         onTextChanged: if (!activeFocus) cursorPosition = 0
         onActiveFocusChanged: if (activeFocus && focusReason !== Qt.MouseFocusReason) cursorPosition = length
         onTextEdited: labelled.edited(text)
         onAccepted: labelled.accepted()
+
+        function describe() {
+            const words = labelled.isSecure ? labelled.label : labelled.hint
+            if (Accessible.description !== words)
+                Accessible.description = words
+        }
 
         background: FieldBackground {
             hasFocus: field.activeFocus

@@ -1,11 +1,18 @@
-// A short text in plain words, with links written as [words](address) and code between backticks.
+// A short text in plain words, with links written as [words](address) and code between backticks. Each link is
+// a stop of the Tab key, and Enter opens it.
 import QtQuick
 
-Text {
+Item {
     id: linked
 
     /// The text with its links and code.
     property string words
+
+    function linksOf(words) {
+        const links = []
+        words.replace(/\[([^\]]*)\]\(([^)]*)\)/g, (all, text, address) => links.push({ text, address }))
+        return links
+    }
 
     function styled(words) {
         return words.replace(/&/g, "&amp;").replace(/</g, "&lt;")
@@ -17,19 +24,40 @@ Text {
         return words.replace(/\]\([^)]*\)/g, "").replace(/[\[`]/g, "")
     }
 
-    text: styled(words)
-    textFormat: Text.StyledText
-    color: Theme.secondaryText
-    linkColor: Theme.accentText
-    font.pixelSize: Theme.fontSmall
-    lineHeight: 1.25
-    horizontalAlignment: Text.AlignLeft
-    wrapMode: Text.Wrap
+    implicitWidth: drawn.implicitWidth
+    implicitHeight: drawn.implicitHeight
     Accessible.role: Accessible.StaticText
     Accessible.name: spoken(words)
-    onLinkActivated: link => Qt.openUrlExternally(link)
 
-    HoverHandler {
-        cursorShape: linked.hoveredLink ? Qt.PointingHandCursor : Qt.ArrowCursor
+    Text {
+        id: drawn
+
+        width: parent.width
+        text: linked.styled(linked.words)
+        textFormat: Text.StyledText
+        color: Theme.secondaryText
+        linkColor: Theme.accentText
+        font.pixelSize: Theme.fontSmall
+        lineHeight: 1.25
+        horizontalAlignment: Text.AlignLeft
+        wrapMode: Text.Wrap
+        // Its links can't be pressed by assistive tools; those below can.
+        Accessible.ignored: true
+        onLinkActivated: link => Qt.openUrlExternally(link)
+
+        HoverHandler {
+            cursorShape: drawn.hoveredLink ? Qt.PointingHandCursor : Qt.ArrowCursor
+        }
+    }
+    Repeater {
+        model: linked.linksOf(linked.words)
+
+        LinkStop {
+            required property var modelData
+
+            words: modelData.text
+            address: modelData.address
+            within: drawn
+        }
     }
 }

@@ -12,6 +12,8 @@ AbstractButton {
     property bool isProminent: false
     property bool isDestructive: false
     property bool isBusy: false
+    /// What its words leave open to somebody who doesn't see where it stands.
+    property string explanation
     /// For a symbol that points somewhere.
     property bool mirrorsSymbol: false
 
@@ -27,6 +29,8 @@ AbstractButton {
     opacity: enabled || isBusy ? 1 : 0.5
     Accessible.role: Accessible.Button
     Accessible.name: text
+    // Qt tells assistive tools of no button that it is disabled.
+    Accessible.description: [explanation, enabled ? "" : qsTr("Not available now")].filter(part => part).join(". ")
     Accessible.onPressAction: if (enabled) clicked()
     Keys.onReturnPressed: clicked()
     Keys.onEnterPressed: clicked()

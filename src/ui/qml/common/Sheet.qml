@@ -33,6 +33,10 @@ Popup {
     onOpened: body.nextItemInFocusChain().forceActiveFocus(Qt.PopupFocusReason)
 
     readonly property FocusReturn focusReturn: FocusReturn {}
+    readonly property PopupName popupName: PopupName {
+        popup: sheet
+        value: sheet.title
+    }
 
     background: Rectangle {
         radius: Theme.radius + Theme.spaceTiny
@@ -42,8 +46,6 @@ Popup {
     }
     contentItem: Column {
         spacing: Theme.spaceSmall
-        Accessible.role: Accessible.Dialog
-        Accessible.name: sheet.title
         LayoutMirroring.enabled: Theme.isRightToLeft
         LayoutMirroring.childrenInherit: true
 

@@ -61,7 +61,7 @@ Item {
         PillButton {
             symbol: row.copySymbol
             text: row.copyLabel
-            Accessible.description: row.text
+            explanation: row.text
             onClicked: row.copying()
         }
     }

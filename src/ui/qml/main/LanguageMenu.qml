@@ -30,6 +30,7 @@ PillButton {
 
                 x: button.mirrored ? 0 : button.width - width
                 y: button.height + Theme.spaceTiny
+                name: button.text
                 choices: button.model.languages
                 onChosen: code => button.model.chooseLanguage(code)
             }

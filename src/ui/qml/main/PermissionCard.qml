@@ -24,7 +24,7 @@ Card {
         PillButton {
             text: qsTr("Grant Access")
             isProminent: true
-            Accessible.description: card.title
+            explanation: card.title
             onClicked: card.granting()
         }
     }

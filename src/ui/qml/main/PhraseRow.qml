@@ -22,6 +22,9 @@ FocusScope {
     signal walking(int to)
 
     height: 52
+    // A list keeps the rows that have gone for those that come; nobody is to find them meanwhile.
+    ListView.onPooled: visible = false
+    ListView.onReused: visible = true
 
     ItemDelegate {
         id: row

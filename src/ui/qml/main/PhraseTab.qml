@@ -37,7 +37,7 @@ ListView {
     Accessible.role: Accessible.List
     Accessible.name: title
 
-    ScrollBar.vertical: ScrollBar {}
+    ScrollBar.vertical: PointerScrollBar {}
 
     onContentYChanged: isAtTop = contentY <= originY + 1
     onOriginYChanged: if (isAtTop) contentY = originY

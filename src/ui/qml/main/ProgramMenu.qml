@@ -42,12 +42,25 @@ SymbolButton {
                 onClosed: focusReturn.giveBack()
 
                 readonly property FocusReturn focusReturn: FocusReturn {}
+                readonly property PopupName popupName: PopupName {
+                    popup: popup
+                    value: button.text
+                }
 
                 background: Rectangle {
                     radius: Theme.radius
                     color: Theme.card
                     border.width: 1
                     border.color: Theme.line
+                }
+
+                contentItem: ListView {
+                    implicitHeight: contentHeight
+                    clip: true
+                    model: popup.contentModel
+                    currentIndex: popup.currentIndex
+                    interactive: popup.height < contentHeight
+                    ScrollBar.vertical: PointerScrollBar {}
                 }
 
                 Instantiator {

@@ -20,6 +20,8 @@ ScrollView {
     Keys.onDownPressed: ScrollBar.vertical.increase()
     Keys.onUpPressed: ScrollBar.vertical.decrease()
     ScrollBar.vertical.policy: ScrollBar.AsNeeded
+    ScrollBar.horizontal.policy: ScrollBar.AlwaysOff
+    Component.onCompleted: ScrollBar.vertical.Accessible.ignored = true
 
     Column {
         id: rows

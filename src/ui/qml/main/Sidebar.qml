@@ -45,7 +45,7 @@ Rectangle {
 
             model: sidebar.model.tabs
 
-            SidebarItem {
+            PageTab {
                 required property var modelData
                 required property int index
 
@@ -53,7 +53,6 @@ Rectangle {
                 text: modelData.label
                 symbol: modelData.symbol
                 isSelected: sidebar.model.tab === modelData.name
-                Accessible.role: Accessible.PageTab
                 onClicked: sidebar.model.selectTab(modelData.name)
                 Keys.onDownPressed: tabs.focusTab(index + 1)
                 Keys.onUpPressed: tabs.focusTab(index - 1)

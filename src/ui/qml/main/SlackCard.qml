@@ -20,7 +20,7 @@ Card {
         }
         PillButton {
             text: card.model.isConnected ? qsTr("Sync Again…") : qsTr("Connect…")
-            Accessible.description: qsTr("Connect Slack Workspace")
+            explanation: qsTr("Connect Slack Workspace")
             onClicked: card.model.open()
         }
     }

@@ -17,7 +17,7 @@ Card {
     Layout.preferredWidth: 1
     Layout.fillHeight: true
     Accessible.role: Accessible.Grouping
-    Accessible.name: [title, value, unit, badge, detail].filter(part => part).join(", ")
+    Accessible.name: [title, card.value, card.unit, badge, detail].filter(part => part).join(", ")
 
     Column {
         width: parent.width

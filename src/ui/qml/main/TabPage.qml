@@ -15,7 +15,7 @@ Flickable {
     boundsBehavior: Flickable.StopAtBounds
     clip: true
 
-    ScrollBar.vertical: ScrollBar {}
+    ScrollBar.vertical: PointerScrollBar {}
 
     ColumnLayout {
         id: column

@@ -61,7 +61,7 @@ Card {
             text: qsTr("Restart to Update")
             isProminent: true
             enabled: card.model.canRestart
-            Accessible.description: card.model.tooltip
+            explanation: card.model.tooltip
             onClicked: card.model.restart()
 
             // A disabled button has no pointer of its own, and is the one that needs explaining.
@@ -80,6 +80,8 @@ Card {
         }
     }
     Popup {
+        id: notes
+
         x: Theme.isRightToLeft ? -width - Theme.spaceMedium : card.width + Theme.spaceMedium
         y: card.height - height
         padding: 0
@@ -87,6 +89,11 @@ Card {
         visible: card.model.showNotes
         closePolicy: Popup.CloseOnEscape | Popup.CloseOnPressOutsideParent
         focus: true
+
+        readonly property PopupName popupName: PopupName {
+            popup: notes
+            value: qsTr("What's new")
+        }
         onClosed: if (card.model.showNotes) card.model.toggleNotes()
 
         background: Rectangle {

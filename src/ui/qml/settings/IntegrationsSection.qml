@@ -35,7 +35,7 @@ Section {
             text: section.codebase.modeLabel
             enabled: section.codebase.isManual
             opacity: 1
-            Accessible.description: section.codebase.isManual ? qsTr("Returns to automatic detection") : ""
+            explanation: section.codebase.isManual ? qsTr("Returns to automatic detection") : ""
             onClicked: section.codebase.detectAutomatically()
         }
     }
@@ -90,7 +90,7 @@ Section {
 
         PillButton {
             text: section.model.slack.isConnected ? qsTr("Sync Again…") : qsTr("Connect…")
-            Accessible.description: qsTr("Slack Workspace Sync")
+            explanation: qsTr("Slack Workspace Sync")
             onClicked: section.model.slack.open()
         }
     }

@@ -27,7 +27,7 @@ SettingRow {
         visible: !row.isGranted
         text: qsTr("Grant Access")
         isProminent: true
-        Accessible.description: row.title
+        explanation: row.title
         onClicked: row.granting()
     }
 }

@@ -16,7 +16,7 @@ RowLayout {
 
         model: swatches.model.pillColors
 
-        AbstractButton {
+        RadioButton {
             id: swatch
 
             required property var modelData
@@ -28,16 +28,19 @@ RowLayout {
             hoverEnabled: true
             focusPolicy: Qt.StrongFocus
             text: modelData.name
-            Accessible.role: Accessible.RadioButton
+            checked: isChosen
+            padding: 0
+            indicator: null
             Accessible.name: text
-            Accessible.checkable: true
-            Accessible.checked: isChosen
             Accessible.onPressAction: if (enabled) clicked()
             Keys.onReturnPressed: clicked()
             Keys.onEnterPressed: clicked()
             Keys.onRightPressed: row.choose(index + 1)
             Keys.onLeftPressed: row.choose(index - 1)
-            onClicked: swatches.model.dictationPillColor = modelData.value
+            onClicked: {
+                swatches.model.dictationPillColor = modelData.value
+                checked = Qt.binding(() => isChosen)
+            }
 
             background: Rectangle {
                 radius: height / 2

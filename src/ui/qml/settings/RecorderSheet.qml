@@ -1,5 +1,5 @@
-// The sheet that records a shortcut. Every key goes to the recording while it is open, so only Esc,
-// the pointer and holding a shortcut lead out of it.
+// The sheet that records a shortcut. Every key goes to the recording while that has the keyboard; Tab leads on
+// to the buttons as well, and any key that isn't for buttons leads back.
 import QtQuick
 import QtQuick.Layouts
 import "../common"
@@ -9,11 +9,18 @@ Sheet {
 
     required property var model
     readonly property int fadeDuration: Theme.reducedMotion ? 0 : 200
+    readonly property bool isAtButtons: model.isAtButtons
 
     width: Math.min(500, parent ? parent.width - Theme.spaceLarge : 500)
     isShown: model.isOpen
     title: model.title
     onDismissed: model.cancel()
+    onIsAtButtonsChanged: {
+        if (isAtButtons)
+            presets.itemAt(0).forceActiveFocus(Qt.TabFocusReason)
+        else if (model.isOpen)
+            capture.forceActiveFocus(Qt.TabFocusReason)
+    }
 
     enter: Transition {
         NumberAnimation {
@@ -72,6 +79,7 @@ Sheet {
             Accessible.role: Accessible.StaticText
             Accessible.name: sheet.model.hasRecorded ? sheet.model.recordedName : prompt.text
             Accessible.focusable: true
+            onActiveFocusChanged: if (activeFocus) sheet.model.leaveButtons()
 
             Text {
                 id: prompt
@@ -134,7 +142,7 @@ Sheet {
         }
         Text {
             Layout.fillWidth: true
-            text: qsTr("To save without the mouse, hold the shortcut for two seconds.")
+            text: qsTr("To save without the mouse, hold the shortcut for two seconds. Tab leads to the buttons.")
             color: Theme.secondaryText
             font.pixelSize: Theme.fontSmall
             horizontalAlignment: Text.AlignLeft
@@ -157,6 +165,8 @@ Sheet {
             spacing: Theme.spaceSmall
 
             Repeater {
+                id: presets
+
                 model: sheet.model.quickPresets
 
                 PillButton {

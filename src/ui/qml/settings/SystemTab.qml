@@ -21,7 +21,7 @@ TabPage {
             MenuButton {
                 text: page.system.languageName
                 choices: page.system.languages
-                Accessible.description: qsTr("Dictation Language")
+                explanation: qsTr("Dictation Language")
                 onChosen: code => page.system.selectedLanguage = code
             }
         }
@@ -32,7 +32,7 @@ TabPage {
             MenuButton {
                 text: page.system.modeLabel
                 choices: page.system.modes
-                Accessible.description: qsTr("Script / Output Mode")
+                explanation: qsTr("Script / Output Mode")
                 onChosen: code => page.system.selectedDictateMode = code
             }
         }

@@ -30,7 +30,7 @@ Rectangle {
                 {name: "system", label: qsTr("System"), symbol: "gearshape"}
             ]
 
-            SidebarItem {
+            PageTab {
                 required property var modelData
                 required property int index
 
@@ -38,7 +38,6 @@ Rectangle {
                 text: modelData.label
                 symbol: modelData.symbol
                 isSelected: strip.navigation.tab === modelData.name
-                Accessible.role: Accessible.PageTab
                 onClicked: strip.navigation.tab = modelData.name
                 Keys.onRightPressed: tabs.focusTab(index + 1)
                 Keys.onLeftPressed: tabs.focusTab(index - 1)

@@ -15,15 +15,19 @@ AbstractButton {
     hoverEnabled: true
     focusPolicy: Qt.StrongFocus
     opacity: enabled ? 1 : 0.5
-    Accessible.role: Accessible.CheckBox
+    checkable: true
+    checked: isOn
     Accessible.name: name
-    Accessible.checkable: true
-    Accessible.checked: isOn
+    Accessible.description: enabled ? "" : qsTr("Not available now")
     Accessible.onToggleAction: if (enabled) clicked()
     Accessible.onPressAction: if (enabled) clicked()
     Keys.onReturnPressed: clicked()
     Keys.onEnterPressed: clicked()
-    onClicked: switched(!isOn)
+    onClicked: {
+        switched(!isOn)
+        // Whatever the click made of it, it shows what is in force.
+        checked = Qt.binding(() => isOn)
+    }
 
     background: Rectangle {
         radius: height / 2

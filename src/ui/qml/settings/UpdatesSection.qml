@@ -37,7 +37,7 @@ Section {
 
             text: section.model.buttonLabel
             enabled: section.model.isButtonEnabled
-            Accessible.description: section.model.tooltip
+            explanation: section.model.tooltip
             onClicked: section.model.press()
 
             // Also over the disabled button, which is the one that needs explaining.

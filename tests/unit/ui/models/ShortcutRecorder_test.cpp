@@ -334,6 +334,80 @@ TEST_F(ShortcutRecorderTest, AModifierThatComesUpIsNotHeld) {
   EXPECT_FALSE(recorder.isHeld());
 }
 
+// The buttons by keyboard
+
+TEST_F(ShortcutRecorderTest, TabLetGoLeadsToTheButtonsAndStaysRecorded) {
+  recorder.openForPushToTalk();
+  EXPECT_EQ(keyDownInWindow(kTab), Handling::Swallow);
+  EXPECT_FALSE(recorder.isAtButtons());
+  keyUpInWindow(kTab);
+  EXPECT_TRUE(recorder.isAtButtons());
+  EXPECT_EQ(recorder.recordedName(), u"Tab"_s);
+}
+
+TEST_F(ShortcutRecorderTest, TabIsSavedByHoldingItLikeAnyKey) {
+  recorder.openForPushToTalk();
+  keyDownInWindow(kTab);
+  clock.advance(2s);
+  expectClosed();
+  EXPECT_EQ(pushToTalk(), u"custom"_s);
+}
+
+TEST_F(ShortcutRecorderTest, NoOtherKeyLeadsToTheButtons) {
+  recorder.openForPushToTalk();
+  keyDownInWindow(kF8);
+  keyUpInWindow(kF8);
+  keyDownInWindow(kTab, ControlFlag);
+  keyUpInWindow(kTab, ControlFlag);
+  keyUpInWindow(kTab);
+  EXPECT_FALSE(recorder.isAtButtons());
+}
+
+TEST_F(ShortcutRecorderTest, AtTheButtonsTheirKeysGoToTheWindow) {
+  recorder.openForPushToTalk();
+  keyDownInWindow(kTab);
+  keyUpInWindow(kTab);
+  for (const auto key : {kTab, kSpace, kReturn, kKeypadEnter}) {
+    EXPECT_EQ(keyDownInWindow(key), Handling::PassOn) << key;
+    EXPECT_EQ(keyUpInWindow(key), Handling::PassOn) << key;
+  }
+  EXPECT_EQ(flagsInWindow(kLeftShift, ShiftFlag), Handling::PassOn);
+  EXPECT_EQ(keyDownInWindow(kTab, ShiftFlag), Handling::PassOn);
+  EXPECT_EQ(flagsInWindow(kLeftShift, 0), Handling::PassOn);
+  EXPECT_TRUE(recorder.isAtButtons());
+  EXPECT_EQ(recorder.recordedName(), u"Tab"_s);
+}
+
+TEST_F(ShortcutRecorderTest, AnyOtherKeyAtTheButtonsIsRecorded) {
+  recorder.openForPushToTalk();
+  for (const auto modifiers : {ModifierFlags{}, ModifierFlags{ControlFlag}}) {
+    keyDownInWindow(kTab);
+    keyUpInWindow(kTab);
+    ASSERT_TRUE(recorder.isAtButtons());
+    EXPECT_EQ(keyDownInWindow(modifiers ? kSpace : kF8, modifiers), Handling::Swallow);
+    EXPECT_FALSE(recorder.isAtButtons());
+  }
+  EXPECT_EQ(recorder.recordedName(), u"Control + Space (⌃␣)"_s);
+}
+
+TEST_F(ShortcutRecorderTest, EscAtTheButtonsCancels) {
+  recorder.openForPushToTalk();
+  keyDownInWindow(kTab);
+  keyUpInWindow(kTab);
+  EXPECT_EQ(keyDownInWindow(kEscape), Handling::Swallow);
+  expectClosed();
+  EXPECT_FALSE(recorder.isAtButtons());
+}
+
+TEST_F(ShortcutRecorderTest, TheWindowGivesTheKeyboardBackToTheRecording) {
+  recorder.openForPushToTalk();
+  keyDownInWindow(kTab);
+  keyUpInWindow(kTab);
+  recorder.leaveButtons();
+  EXPECT_EQ(keyDownInWindow(kSpace), Handling::Swallow);
+  EXPECT_EQ(recorder.recordedName(), u"Space"_s);
+}
+
 TEST_F(ShortcutRecorderTest, AHoldEndsWithTheSheet) {
   recorder.openForPushToTalk();
   keyDownInWindow(kF8);
