@@ -33,6 +33,7 @@ class Pill:
 
     def __init__(self):
         self._folder = pathlib.Path(tempfile.mkdtemp(prefix="pill-"))
+        self._drawn = {}  # by message and color
 
     def window(self):
         """The identifier of the pill's window while it's on the screen, or None."""
@@ -54,20 +55,32 @@ class Pill:
     def shows(self, message, color="dark", top_inset=0):
         """Whether the pill on the screen, which stands still, holds this message.
 
-        It looks at the pill's inside, through which little of what lies below shines.
+        It looks at the pill's inside, through which little of what lies below shines. What it expects is drawn
+        before it looks, and once: a message is gone before a slow machine has drawn anything.
         """
+        expected, (x, y, width, height) = self._expected(message, color)
         place = self.place()
         if not place:
             return False
-        expected, actual = self._folder / "expected.png", self._folder / "actual.png"
-        drawn = output(program("pill_picture"), message, expected, color)
+        actual = self._folder / "actual.png"
+        screenshot(actual, place[0] + x, place[1] + y + top_inset, width, height)
+        return differing_pixels(expected, actual, 12) < width * height * 0.03
+
+    def _expected(self, message, color):
+        """A picture of the inside of the pill with this message, and where in the panel that is."""
+        if (message, color) not in self._drawn:
+            self._drawn[message, color] = self._draw(message, color)
+        return self._drawn[message, color]
+
+    def _draw(self, message, color):
+        picture = self._folder / f"expected-{len(self._drawn)}.png"
+        drawn = output(program("pill_picture"), message, picture, color)
         x, y, width, height = map(int, drawn.split())
         # Not its round corners and its edge, where the ground shows.
         x, y, width, height = x + height // 2, y + 2, width - height, height - 4
         subprocess.run(["mogrify", "-background", "#808080", "-flatten", "-crop", f"{width}x{height}+{x}+{y}",
-                        "+repage", str(expected)], check=True, timeout=60)
-        screenshot(actual, place[0] + x, place[1] + y + top_inset, width, height)
-        return differing_pixels(expected, actual, 12) < width * height * 0.03
+                        "+repage", str(picture)], check=True, timeout=60)
+        return picture, (x, y, width, height)
 
     def shows_waveform(self):
         """Whether the pill is up in the shape that it has while recording and processing."""

@@ -149,7 +149,7 @@ class VemoOnAStick(Vemo):
             for index in range(desktop.get_child_count()):
                 application = desktop.get_child_at_index(index)
                 if application and application.get_process_id() == self.process.pid:
-                    return list(items_below(application))
+                    return items_below(application)
         except GLib.Error:
             pass  # an application that is just arriving
         return []

@@ -309,7 +309,7 @@ class ScreensTest(PillTest):
         def clears_strip():
             self.stage.tell("error No microphone available")
             return self.pill.shows("No microphone available", top_inset=30)
-        wait_until(clears_strip, "the pill to be below the panel")
+        wait_until(clears_strip, lambda: f"the pill to be below the panel; its window is at {self.pill.place()}")
 
 
 class VemosPillTest(unittest.TestCase):

@@ -85,6 +85,10 @@ def item(accessible, depth):
                 (place.x, place.y, place.width, place.height), depth)
 
 
+def items_below(accessible):
+    return [item(*found) for found in accessibles_below(accessible)]
+
+
 class Window:
     """`window = main_window(vemo); window.click("Settings")`"""
 
@@ -123,7 +127,7 @@ class Window:
         """Everything in it; nothing while it isn't there, or changes while it's read."""
         try:
             frame = self._frame()
-            return [item(*found) for found in accessibles_below(frame)][1:] if frame else []
+            return items_below(frame)[1:] if frame else []
         except GLib.Error:
             return []
 

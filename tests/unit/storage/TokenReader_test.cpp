@@ -225,9 +225,10 @@ TEST_F(TokenReaderTest, AnOldTokenThatALockedKeyringKeptGoesAndTheSealedNewOneSt
   EXPECT_TRUE(tokens.write(u"new"_s, account));
   EXPECT_EQ(sealed.items.at(item), "new");
   reader->secretsChanged();
-  keyring.failEverythingWith({});
   settle();
-  advance(1s);
+  keyring.failEverythingWith({});
+  reader->keyringChanged();
+  settle();
   EXPECT_EQ(keyring.items.count(item), 0);
   EXPECT_EQ(tokens.read(account), u"new"_s);
   EXPECT_EQ(SecureTokenStore({&keyring, &sealed}, debugLog).read(account), u"new"_s);
