@@ -1,5 +1,7 @@
 #include "account/AuthManager.h"
 
+#include <QCoreApplication>
+
 #include "storage/DebugLog.h"
 #include "storage/SecureTokenStore.h"
 #include "storage/SettingsKeys.h"
@@ -117,7 +119,7 @@ Task<> AuthManager::exchangeIdToken(QString idToken, std::stop_token stop) {
     signInUnanswered(answer.error().description);
     m_with.telemetry.reportRequestResult(endpoint, {}, startedAt, answer.error());
   } else if (!answer->status) {
-    setLastError(u"Unexpected server response"_s);
+    setLastError(QCoreApplication::translate("Account", "Unexpected server response"));
   } else if (*answer->status != 200) {
     signInRefused(*answer->status, answer->body);
     m_with.telemetry.reportRequestResult(endpoint, answer->status, startedAt, {});
@@ -130,15 +132,17 @@ Task<> AuthManager::exchangeIdToken(QString idToken, std::stop_token stop) {
 }
 
 void AuthManager::signInUnanswered(const QString& description) {
-  setLastError(u"Can't reach the server"_s);
+  setLastError(QCoreApplication::translate("Account", "Can't reach the server"));
   m_with.debugLog(u"auth: sign-in FAILED — "_s + description);
   m_with.telemetry.track(TelemetryEvent::signInFailed(u"network"));
 }
 
 void AuthManager::signInRefused(int status, const QByteArray& body) {
-  const QString fallback = status == 401
-                               ? u"Backend rejected the Google token (client ID not allowed)"_s
-                               : u"Sign-in failed (HTTP %1)"_s.arg(status);
+  const QString fallback =
+      status == 401
+          ? QCoreApplication::translate("Account",
+                                        "Backend rejected the Google token (client ID not allowed)")
+          : QCoreApplication::translate("Account", "Sign-in failed (HTTP %1)").arg(status);
   const QString message = decodeAuthError(body).value_or(fallback);
   setLastError(message);
   m_with.debugLog(u"auth: sign-in FAILED — HTTP %1: %2"_s.arg(status).arg(message));
@@ -147,7 +151,8 @@ void AuthManager::signInRefused(int status, const QByteArray& body) {
 
 Task<> AuthManager::acceptSignIn(AuthSuccess success, std::stop_token stop) {
   if (!m_with.tokens.write(success.token, tokenAccount())) {
-    setLastError(u"Couldn't save the sign-in token to the Keychain"_s);
+    setLastError(
+        QCoreApplication::translate("Account", "Couldn't save the sign-in token to the Keychain"));
     m_with.debugLog(u"auth: keychain write FAILED"_s);
     co_return;
   }
@@ -202,7 +207,7 @@ Task<> AuthManager::refreshProfile(std::stop_token stop) {
   } else if (answer->status == 401) {
     if (!m_isSignedIn) co_return;
     signOut();
-    setLastError(u"Session expired — sign in again"_s);
+    setLastError(QCoreApplication::translate("Account", "Session expired — sign in again"));
   } else if (isSuccess(*answer)) {
     if (const auto profile = decodeProfileResponse(answer->body))
       takeProfile(*profile);
@@ -257,17 +262,21 @@ Task<bool> AuthManager::updateProfile(QString name, std::stop_token stop) {
 
 Task<std::optional<QString>> AuthManager::deleteAccount(std::stop_token stop) {
   const QString sessionToken = token();
-  if (sessionToken.isEmpty()) co_return u"You're not signed in."_s;
+  if (sessionToken.isEmpty())
+    co_return QCoreApplication::translate("Account", "You're not signed in.");
   const auto answer = co_await m_with.session.send(m_requests.accountDeletion(sessionToken), stop);
   if (!answer) {
     logError(u"deleteAccount"_s, answer.error().description);
-    co_return u"Couldn't reach Vemo. Check your connection and try again."_s;
+    co_return QCoreApplication::translate(
+        "Account", "Couldn't reach Vemo. Check your connection and try again.");
   }
-  if (!answer->status) co_return u"Something went wrong. Please try again."_s;
+  if (!answer->status)
+    co_return QCoreApplication::translate("Account", "Something went wrong. Please try again.");
   if (!isSuccess(*answer)) {
     m_with.debugLog(u"auth: deleteAccount HTTP %1"_s.arg(*answer->status));
     co_return decodeAuthError(answer->body)
-        .value_or(u"We couldn't delete your account. Please try again or email us."_s);
+        .value_or(QCoreApplication::translate(
+            "Account", "We couldn't delete your account. Please try again or email us."));
   }
   m_with.debugLog(u"auth: account deleted"_s);
   co_return std::nullopt;

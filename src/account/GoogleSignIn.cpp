@@ -1,5 +1,6 @@
 #include "account/GoogleSignIn.h"
 
+#include <QCoreApplication>
 #include <QCryptographicHash>
 #include <QRandomGenerator>
 #include <algorithm>
@@ -48,7 +49,8 @@ QByteArray queryOf(QueryItems items) {
 GoogleSignInError errorOf(const WebAuthenticationError& error) {
   switch (error.kind) {
     case WebAuthenticationError::Kind::CannotOpen:
-      return {Kind::Session, u"Couldn't open the sign-in window"_s};
+      return {Kind::Session,
+              QCoreApplication::translate("Account", "Couldn't open the sign-in window")};
     case WebAuthenticationError::Kind::Cancelled:
       return {Kind::Cancelled};
     case WebAuthenticationError::Kind::Failed:
@@ -62,20 +64,20 @@ GoogleSignInError errorOf(const WebAuthenticationError& error) {
 QString GoogleSignInError::description() const {
   switch (kind) {
     case Kind::Network:
-      return u"Can't reach Google — "_s + message;
+      return QCoreApplication::translate("Account", "Can't reach Google — %1").arg(message);
     case Kind::Session:
     case Kind::Google:
       return message;
     case Kind::NotConfigured:
-      return u"Google sign-in isn't configured"_s;
+      return QCoreApplication::translate("Account", "Google sign-in isn't configured");
     case Kind::Cancelled:
-      return u"Sign-in cancelled"_s;
+      return QCoreApplication::translate("Account", "Sign-in cancelled");
     case Kind::StateMismatch:
-      return u"Sign-in failed a security check"_s;
+      return QCoreApplication::translate("Account", "Sign-in failed a security check");
     case Kind::BadRequest:
-      return u"Couldn't build the sign-in request"_s;
+      return QCoreApplication::translate("Account", "Couldn't build the sign-in request");
     case Kind::BadResponse:
-      return u"Unexpected response from Google"_s;
+      return QCoreApplication::translate("Account", "Unexpected response from Google");
   }
   std::unreachable();
 }

@@ -1,5 +1,6 @@
 #include "account/SignInAnswers.h"
 
+#include <QCoreApplication>
 #include <QUrlQuery>
 
 #include "base/Json.h"
@@ -46,7 +47,9 @@ GoogleSignIn::Result<QString> idTokenIn(const HttpResponse& response) {
   }
   if (const auto words = answer ? stringIn(*answer, u"error_description") : std::nullopt)
     return failure(Kind::Google, *words);
-  return failure(Kind::Google, u"Token exchange failed (HTTP %1)"_s.arg(*response.status));
+  return failure(Kind::Google,
+                 QCoreApplication::translate("Account", "Token exchange failed (HTTP %1)")
+                     .arg(*response.status));
 }
 
 }  // namespace vemo

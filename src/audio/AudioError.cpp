@@ -1,21 +1,20 @@
 #include "audio/AudioError.h"
 
+#include <QCoreApplication>
 #include <utility>
-
-using namespace Qt::Literals::StringLiterals;
 
 namespace vemo {
 
 QString errorDescription(AudioError error) {
   switch (error) {
     case AudioError::NoInputDevice:
-      return u"No microphone available"_s;
+      return QCoreApplication::translate("Dictation", "No microphone available");
     case AudioError::FormatUnavailable:
-      return u"Could not create the target audio format."_s;
+      return QCoreApplication::translate("Dictation", "Could not create the target audio format.");
     case AudioError::ConverterUnavailable:
-      return u"Could not create the audio converter."_s;
+      return QCoreApplication::translate("Dictation", "Could not create the audio converter.");
     case AudioError::FormatMismatch:
-      return u"Microphone changed — try again"_s;
+      return QCoreApplication::translate("Dictation", "Microphone changed — try again");
   }
   std::unreachable();
 }

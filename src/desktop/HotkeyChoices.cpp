@@ -29,13 +29,20 @@ CustomKeyShortcut chord(const QString& presetId, std::int64_t keyCode, ModifierF
 const std::array<ShortcutPreset, 7>& presetTable() {
   // "eitherOption" has the key of the left side; the hotkeys match it by its id.
   static const std::array<ShortcutPreset, 7> table{{
-      {modifier(u"eitherOption"_s, kLeftOption, OptionFlag), u"Either Option (⌥)"_s, u"⌥"_s},
-      {modifier(u"rightOption"_s, kRightOption, OptionFlag), u"Right Option (⌥)"_s, u"Right ⌥"_s},
-      {modifier(u"leftOption"_s, kLeftOption, OptionFlag), u"Left Option (⌥)"_s, u"Left ⌥"_s},
-      {modifier(u"rightCommand"_s, kRightCommand, CommandFlag), u"Right Command (⌘)"_s, u"Right ⌘"_s},
-      {modifier(u"fnGlobe"_s, kFnKey, 0), u"Fn / Globe"_s, u"fn"_s},
-      {chord(u"controlSpace"_s, kSpace, ControlFlag), u"Control + Space (⌃␣)"_s, u"⌃␣"_s},
-      {chord(u"optionSpace"_s, kSpace, OptionFlag), u"Option + Space (⌥␣)"_s, u"⌥␣"_s},
+      {modifier(u"eitherOption"_s, kLeftOption, OptionFlag),
+       QT_TRANSLATE_NOOP("Keys", "Either Option (⌥)"), "⌥"},
+      {modifier(u"rightOption"_s, kRightOption, OptionFlag),
+       QT_TRANSLATE_NOOP("Keys", "Right Option (⌥)"), QT_TRANSLATE_NOOP("Keys", "Right ⌥")},
+      {modifier(u"leftOption"_s, kLeftOption, OptionFlag),
+       QT_TRANSLATE_NOOP("Keys", "Left Option (⌥)"), QT_TRANSLATE_NOOP("Keys", "Left ⌥")},
+      {modifier(u"rightCommand"_s, kRightCommand, CommandFlag),
+       QT_TRANSLATE_NOOP("Keys", "Right Command (⌘)"), QT_TRANSLATE_NOOP("Keys", "Right ⌘")},
+      {modifier(u"fnGlobe"_s, kFnKey, 0),
+       QT_TRANSLATE_NOOP("Keys", "Fn / Globe"), QT_TRANSLATE_NOOP("Keys", "fn")},
+      {chord(u"controlSpace"_s, kSpace, ControlFlag),
+       QT_TRANSLATE_NOOP("Keys", "Control + Space (⌃␣)"), "⌃␣"},
+      {chord(u"optionSpace"_s, kSpace, OptionFlag),
+       QT_TRANSLATE_NOOP("Keys", "Option + Space (⌥␣)"), "⌥␣"},
   }};
   return table;
 }

@@ -20,8 +20,8 @@ enum class HotkeyTrigger { PushToTalk, Toggle };
 
 struct ShortcutPreset {
   CustomKeyShortcut shortcut;  ///< with the preset's id
-  QString fullLabel;
-  QString shortLabel;
+  const char* fullLabel;       ///< both to be translated, in the context "Keys"
+  const char* shortLabel;
 };
 
 std::span<const ShortcutPreset> shortcutPresets();

@@ -1,5 +1,6 @@
 #include "desktop/ShortcutNames.h"
 
+#include <QCoreApplication>
 #include <QStringList>
 #include <algorithm>
 #include <cstddef>
@@ -16,61 +17,69 @@ namespace {
 
 struct NamedKey {
   std::int64_t keyCode;
-  const char16_t* name;
+  const char* name;
 };
 
 struct NamedModifierKey {
   std::int64_t keyCode;
-  const char16_t* full;
-  const char16_t* brief;
+  const char* full;
+  const char* brief;
 };
 
 struct NamedFlag {
   ModifierFlags flag;
-  const char16_t* full;
-  const char16_t* brief;
+  const char* full;
+  const char* brief;
 };
 
 // clang-format off
 constexpr NamedKey keyNames[] = {
-    {0, u"A"}, {1, u"S"}, {2, u"D"}, {3, u"F"}, {4, u"H"}, {5, u"G"}, {6, u"Z"}, {7, u"X"},
-    {8, u"C"}, {9, u"V"}, {11, u"B"}, {12, u"Q"}, {13, u"W"}, {14, u"E"}, {15, u"R"}, {16, u"Y"},
-    {17, u"T"}, {18, u"1"}, {19, u"2"}, {20, u"3"}, {21, u"4"}, {22, u"6"}, {23, u"5"}, {24, u"="},
-    {25, u"9"}, {26, u"7"}, {27, u"-"}, {28, u"8"}, {29, u"0"}, {30, u"]"}, {31, u"O"}, {32, u"U"},
-    {33, u"["}, {34, u"I"}, {35, u"P"}, {36, u"Return"}, {37, u"L"}, {38, u"J"}, {39, u"'"},
-    {40, u"K"}, {41, u";"}, {42, u"\\"}, {43, u","}, {44, u"/"}, {45, u"N"}, {46, u"M"}, {47, u"."},
-    {48, u"Tab"}, {kSpace, u"Space"}, {50, u"`"}, {51, u"Delete"}, {kEscape, u"Esc"},
-    {96, u"F5"}, {97, u"F6"}, {98, u"F7"}, {99, u"F3"}, {100, u"F8"}, {101, u"F9"}, {103, u"F11"},
-    {109, u"F10"}, {111, u"F12"}, {115, u"Home"}, {116, u"Page Up"}, {118, u"F4"}, {119, u"End"},
-    {120, u"F2"}, {121, u"Page Down"}, {122, u"F1"}, {123, u"Left Arrow"}, {124, u"Right Arrow"},
-    {125, u"Down Arrow"}, {126, u"Up Arrow"},
+    {0, "A"}, {1, "S"}, {2, "D"}, {3, "F"}, {4, "H"}, {5, "G"}, {6, "Z"}, {7, "X"}, {8, "C"},
+    {9, "V"}, {11, "B"}, {12, "Q"}, {13, "W"}, {14, "E"}, {15, "R"}, {16, "Y"}, {17, "T"},
+    {18, "1"}, {19, "2"}, {20, "3"}, {21, "4"}, {22, "6"}, {23, "5"}, {24, "="}, {25, "9"},
+    {26, "7"}, {27, "-"}, {28, "8"}, {29, "0"}, {30, "]"}, {31, "O"}, {32, "U"}, {33, "["},
+    {34, "I"}, {35, "P"}, {36, QT_TRANSLATE_NOOP("Keys", "Return")}, {37, "L"}, {38, "J"},
+    {39, "'"}, {40, "K"}, {41, ";"}, {42, "\\"}, {43, ","}, {44, "/"}, {45, "N"}, {46, "M"},
+    {47, "."}, {48, QT_TRANSLATE_NOOP("Keys", "Tab")}, {kSpace, QT_TRANSLATE_NOOP("Keys", "Space")},
+    {50, "`"}, {51, QT_TRANSLATE_NOOP("Keys", "Delete")},
+    {kEscape, QT_TRANSLATE_NOOP("Keys", "Esc")}, {96, "F5"}, {97, "F6"}, {98, "F7"}, {99, "F3"},
+    {100, "F8"}, {101, "F9"}, {103, "F11"}, {109, "F10"}, {111, "F12"},
+    {115, QT_TRANSLATE_NOOP("Keys", "Home")}, {116, QT_TRANSLATE_NOOP("Keys", "Page Up")},
+    {118, "F4"}, {119, QT_TRANSLATE_NOOP("Keys", "End")}, {120, "F2"},
+    {121, QT_TRANSLATE_NOOP("Keys", "Page Down")}, {122, "F1"},
+    {123, QT_TRANSLATE_NOOP("Keys", "Left Arrow")}, {124, QT_TRANSLATE_NOOP("Keys", "Right Arrow")},
+    {125, QT_TRANSLATE_NOOP("Keys", "Down Arrow")}, {126, QT_TRANSLATE_NOOP("Keys", "Up Arrow")},
 };
 
 constexpr NamedKey keySymbols[] = {
-    {36, u"↩"}, {48, u"⇥"}, {kSpace, u"␣"}, {51, u"⌫"}, {kEscape, u"⎋"},
-    {123, u"←"}, {124, u"→"}, {125, u"↓"}, {126, u"↑"},
+    {36, "↩"}, {48, "⇥"}, {kSpace, "␣"}, {51, "⌫"}, {kEscape, "⎋"},
+    {123, "←"}, {124, "→"}, {125, "↓"}, {126, "↑"},
 };
 
 constexpr NamedModifierKey modifierKeyNames[] = {
-    {kRightCommand, u"Right Command (⌘)", u"Right ⌘"},
-    {kLeftCommand, u"Left Command (⌘)", u"Left ⌘"},
-    {kLeftShift, u"Left Shift (⇧)", u"Left ⇧"},
-    {kLeftOption, u"Left Option (⌥)", u"Left ⌥"},
-    {kLeftControl, u"Left Control (⌃)", u"Left ⌃"},
-    {kRightShift, u"Right Shift (⇧)", u"Right ⇧"},
-    {kRightOption, u"Right Option (⌥)", u"Right ⌥"},
-    {kRightControl, u"Right Control (⌃)", u"Right ⌃"},
-    {kFnKey, u"Fn / Globe", u"fn"},
+    {kRightCommand, QT_TRANSLATE_NOOP("Keys", "Right Command (⌘)"), QT_TRANSLATE_NOOP("Keys", "Right ⌘")},
+    {kLeftCommand, QT_TRANSLATE_NOOP("Keys", "Left Command (⌘)"), QT_TRANSLATE_NOOP("Keys", "Left ⌘")},
+    {kLeftShift, QT_TRANSLATE_NOOP("Keys", "Left Shift (⇧)"), QT_TRANSLATE_NOOP("Keys", "Left ⇧")},
+    {kLeftOption, QT_TRANSLATE_NOOP("Keys", "Left Option (⌥)"), QT_TRANSLATE_NOOP("Keys", "Left ⌥")},
+    {kLeftControl, QT_TRANSLATE_NOOP("Keys", "Left Control (⌃)"), QT_TRANSLATE_NOOP("Keys", "Left ⌃")},
+    {kRightShift, QT_TRANSLATE_NOOP("Keys", "Right Shift (⇧)"), QT_TRANSLATE_NOOP("Keys", "Right ⇧")},
+    {kRightOption, QT_TRANSLATE_NOOP("Keys", "Right Option (⌥)"), QT_TRANSLATE_NOOP("Keys", "Right ⌥")},
+    {kRightControl, QT_TRANSLATE_NOOP("Keys", "Right Control (⌃)"), QT_TRANSLATE_NOOP("Keys", "Right ⌃")},
+    {kFnKey, QT_TRANSLATE_NOOP("Keys", "Fn / Globe"), QT_TRANSLATE_NOOP("Keys", "fn")},
 };
 
 /// In the order in which they are told.
 constexpr NamedFlag flagNames[] = {
-    {ControlFlag, u"Control", u"⌃"},
-    {OptionFlag, u"Option", u"⌥"},
-    {ShiftFlag, u"Shift", u"⇧"},
-    {CommandFlag, u"Command", u"⌘"},
+    {ControlFlag, QT_TRANSLATE_NOOP("Keys", "Control"), "⌃"},
+    {OptionFlag, QT_TRANSLATE_NOOP("Keys", "Option"), "⌥"},
+    {ShiftFlag, QT_TRANSLATE_NOOP("Keys", "Shift"), "⇧"},
+    {CommandFlag, QT_TRANSLATE_NOOP("Keys", "Command"), "⌘"},
 };
 // clang-format on
+
+QString words(const char* source) {
+  return QCoreApplication::translate("Keys", source);
+}
 
 template <typename Row, std::size_t size>
 const Row* rowOf(std::int64_t keyCode, const Row (&table)[size]) {
@@ -90,26 +99,26 @@ const NamedModifierKey* modifierKeyOf(const CustomKeyShortcut& shortcut) {
 }  // namespace
 
 QString displayName(const CustomKeyShortcut& shortcut) {
-  if (const auto* preset = presetOf(shortcut)) return preset->fullLabel;
-  if (const auto* key = modifierKeyOf(shortcut)) return QString::fromUtf16(key->full);
+  if (const auto* preset = presetOf(shortcut)) return words(preset->fullLabel);
+  if (const auto* key = modifierKeyOf(shortcut)) return words(key->full);
   if (shortcut.isModifierOnly && shortcut.keyCode) return keyName(*shortcut.keyCode);
 
   QStringList parts;
   for (const auto& row : flagNames) {
-    if (shortcut.modifierFlagsRaw & row.flag) parts.append(QString::fromUtf16(row.full));
+    if (shortcut.modifierFlagsRaw & row.flag) parts.append(words(row.full));
   }
   if (shortcut.keyCode) parts.append(keyName(*shortcut.keyCode));
-  return parts.isEmpty() ? u"None"_s : parts.join(u" + ");
+  return parts.isEmpty() ? words(QT_TRANSLATE_NOOP("Keys", "None")) : parts.join(u" + ");
 }
 
 QString shortDisplayName(const CustomKeyShortcut& shortcut) {
-  if (const auto* preset = presetOf(shortcut)) return preset->shortLabel;
-  if (const auto* key = modifierKeyOf(shortcut)) return QString::fromUtf16(key->brief);
+  if (const auto* preset = presetOf(shortcut)) return words(preset->shortLabel);
+  if (const auto* key = modifierKeyOf(shortcut)) return words(key->brief);
   if (shortcut.isModifierOnly && shortcut.keyCode) return keySymbol(*shortcut.keyCode);
 
   QString name;
   for (const auto& row : flagNames) {
-    if (shortcut.modifierFlagsRaw & row.flag) name += QString::fromUtf16(row.brief);
+    if (shortcut.modifierFlagsRaw & row.flag) name += words(row.brief);
   }
   if (shortcut.keyCode) name += keySymbol(*shortcut.keyCode);
   return name.isEmpty() ? u"—"_s : name;
@@ -117,12 +126,12 @@ QString shortDisplayName(const CustomKeyShortcut& shortcut) {
 
 QString keyName(std::int64_t keyCode) {
   const auto* row = rowOf(keyCode, keyNames);
-  return row ? QString::fromUtf16(row->name) : u"Key(%1)"_s.arg(keyCode);
+  return row ? words(row->name) : words(QT_TRANSLATE_NOOP("Keys", "Key(%1)")).arg(keyCode);
 }
 
 QString keySymbol(std::int64_t keyCode) {
   const auto* row = rowOf(keyCode, keySymbols);
-  return row ? QString::fromUtf16(row->name) : keyName(keyCode);
+  return row ? words(row->name) : keyName(keyCode);
 }
 
 }  // namespace vemo

@@ -1,5 +1,7 @@
 #include "desktop/TextInjector.h"
 
+#include <QCoreApplication>
+
 #include "base/Text.h"
 #include "desktop/ConcealedText.h"
 #include "ports/KeyPoster.h"
@@ -19,6 +21,10 @@ constexpr int mostModifierPolls = 60;
 constexpr auto pasteKeyGap = 20ms;
 /// What the target gets to read the clipboard after the keystroke.
 constexpr auto restoreDelay = 900ms;
+
+constexpr auto secureInputActive =
+    QT_TRANSLATE_NOOP("Dictation", "Can't paste here (secure input active)");
+constexpr auto notSent = QT_TRANSLATE_NOOP("Dictation", "Couldn't send the paste command");
 
 }  // namespace
 
@@ -44,7 +50,7 @@ Task<std::optional<QString>> TextInjector::inject(QString text, std::stop_token 
   }
   if (m_secureInput.isActive()) {
     m_debugLog(u"inject: blocked — secure input is active"_s);
-    co_return u"Can't paste here (secure input active)"_s;
+    co_return QString::fromUtf8(secureInputActive);
   }
   m_debugLog(u"inject: starting"_s);
 
@@ -53,7 +59,7 @@ Task<std::optional<QString>> TextInjector::inject(QString text, std::stop_token 
   if (stop.stop_requested()) co_return std::nullopt;
   if (!m_clipboard.replace(concealedText(text, ClipboardStay::ForThePasteOnly))) {
     m_debugLog(u"inject: the clipboard can't be written"_s);
-    co_return u"Couldn't send the paste command"_s;
+    co_return QString::fromUtf8(notSent);
   }
   pending.changeCount = m_clipboard.changeCount();
   m_newestRestore = pending;
@@ -67,7 +73,7 @@ Task<std::optional<QString>> TextInjector::inject(QString text, std::stop_token 
       trueOrFalse(isPosted), trueOrFalse(m_permissions.isAccessibilityTrusted())));
   if (!isPosted) {
     m_newestRestore.reset();
-    co_return u"Couldn't send the paste command"_s;
+    co_return QString::fromUtf8(notSent);
   }
   m_restores.start([&](std::stop_token) { return restoreLater(std::move(pending)); });
   co_return std::nullopt;

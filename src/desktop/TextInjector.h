@@ -30,8 +30,9 @@ class TextInjector {
                DebugLog& debugLog);
   ~TextInjector();
 
-  /// Pastes the text. Nothing means success, otherwise the sentence to show the user. Success means
-  /// that the shortcut was posted: whether the target took it can't be seen.
+  /// Pastes the text. Nothing means success, otherwise the sentence to show the user, to be
+  /// translated in the context "Dictation". Success means that the shortcut was posted: whether the
+  /// target took it can't be seen.
   Task<std::optional<QString>> inject(QString text, std::stop_token stop);
 
   /// Whether the clipboard still has to get back what it held.

@@ -1,5 +1,7 @@
 #include "session/AppState.h"
 
+#include <QCoreApplication>
+
 #include "account/AuthManager.h"
 #include "base/Text.h"
 #include "desktop/ConcealedText.h"
@@ -154,24 +156,31 @@ void AppState::cancelActiveWork() {
   setPhase(Phase::idle());
 }
 
+QString readyStatusText() {
+  return QCoreApplication::translate("Dictation", "Ready");
+}
+
 QString AppState::statusText() const {
   switch (m_phase.kind) {
     case Phase::Kind::Recording:
-      return u"Recording…"_s;
+      return QCoreApplication::translate("Dictation", "Recording…");
     case Phase::Kind::Transcribing:
-      return u"Transcribing…"_s;
+      return QCoreApplication::translate("Dictation", "Transcribing…");
     case Phase::Kind::Injecting:
-      return u"Inserting…"_s;
+      return QCoreApplication::translate("Dictation", "Inserting…");
     case Phase::Kind::Error:
       return m_phase.message;
     case Phase::Kind::Idle:
       break;
   }
-  if (!m_isEnabled) return u"Disabled"_s;
-  if (m_with.permissions.micStatus() != MicStatus::Granted) return u"Microphone access needed"_s;
-  if (!m_with.permissions.axTrusted()) return u"Accessibility access needed"_s;
-  if (!m_with.auth.isSignedIn() && !m_with.auth.isSessionUnknown()) return u"Sign in to connect"_s;
-  return QString::fromUtf16(readyStatusText);
+  if (!m_isEnabled) return QCoreApplication::translate("Dictation", "Disabled");
+  if (m_with.permissions.micStatus() != MicStatus::Granted)
+    return QCoreApplication::translate("Dictation", "Microphone access needed");
+  if (!m_with.permissions.axTrusted())
+    return QCoreApplication::translate("Dictation", "Accessibility access needed");
+  if (!m_with.auth.isSignedIn() && !m_with.auth.isSessionUnknown())
+    return QCoreApplication::translate("Dictation", "Sign in to connect");
+  return readyStatusText();
 }
 
 bool AppState::copyTranscript(const QString& text) {

@@ -51,7 +51,7 @@ class Telemetry;
 class TextInjector;
 class TranscriptionClient;
 
-inline constexpr auto readyStatusText = u"Ready";
+QString readyStatusText();
 
 /// What AppState works with. All of it outlives AppState.
 struct AppStateNeighbours {

@@ -11,6 +11,8 @@
 #include "storage/SettingsKeys.h"
 #include "telemetry/Telemetry.h"
 
+#include <QCoreApplication>
+
 namespace vemo {
 
 using namespace Qt::Literals::StringLiterals;
@@ -43,7 +45,9 @@ Task<> AppState::deliverTranscript(QString text, Generation generation, std::sto
     dictationCompleted(processed);
     co_return;
   }
-  const QString message = *failure + u" — use Copy Last Transcript"_s;
+  const QString message =
+      QCoreApplication::translate("Dictation", "%1 — use Copy Last Transcript")
+          .arg(QCoreApplication::translate("Dictation", failure->toUtf8().constData()));
   failDictation(message, message);
   const bool isSecureInput = failure->contains(u"secure input", Qt::CaseInsensitive);
   m_with.telemetry.track(

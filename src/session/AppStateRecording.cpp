@@ -15,6 +15,8 @@
 #include "telemetry/Telemetry.h"
 #include "transcription/TranscriptionClient.h"
 
+#include <QCoreApplication>
+
 namespace vemo {
 
 using namespace Qt::Literals::StringLiterals;
@@ -60,7 +62,7 @@ bool AppState::passesSignInGate() {
 }
 
 void AppState::refuseWithoutSignIn() {
-  m_with.hud.showError(u"Please sign in to dictate"_s);
+  m_with.hud.showError(QCoreApplication::translate("Dictation", "Please sign in to dictate"));
   m_with.windows.bringForward();
   m_with.debugLog(u"recording blocked — user not signed in"_s);
 }
@@ -75,13 +77,13 @@ bool AppState::passesPermissionGate() {
       !m_lastPermissionPrompt || now - *m_lastPermissionPrompt > permissionPromptInterval;
   if (prompts) m_lastPermissionPrompt = now;
   if (!isMicGranted) {
-    m_with.hud.showError(u"Microphone access needed"_s);
+    m_with.hud.showError(QCoreApplication::translate("Dictation", "Microphone access needed"));
     if (prompts) {
       permissions.requestMicrophone();
       permissions.openSettings(QString::fromUtf16(microphonePane));
     }
   } else {
-    m_with.hud.showError(u"Accessibility access needed"_s);
+    m_with.hud.showError(QCoreApplication::translate("Dictation", "Accessibility access needed"));
     if (prompts) {
       permissions.promptAccessibility();
       permissions.openSettings(QString::fromUtf16(accessibilityPane));
@@ -157,7 +159,8 @@ void AppState::stopRecording() {
   }
   if (peakLevel < silenceThreshold) {
     releaseAudioPipes();
-    failDictation(u"No audio detected — check your microphone"_s);
+    failDictation(
+        QCoreApplication::translate("Dictation", "No audio detected — check your microphone"));
     m_with.telemetry.track(TelemetryEvent::dictationFailed(u"no_audio", m_lastWasChunked));
     return;
   }

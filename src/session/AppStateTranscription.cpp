@@ -11,6 +11,8 @@
 #include "telemetry/Telemetry.h"
 #include "transcription/TranscriptionClient.h"
 
+#include <QCoreApplication>
+
 namespace vemo {
 
 using namespace Qt::Literals::StringLiterals;
@@ -150,7 +152,8 @@ void AppState::failTranscription(const TranscriptionError& error, Generation gen
   if (generation != m_generation) return;
   if (error.kind == TranscriptionError::Kind::Unauthorized && m_with.auth.isSignedIn()) {
     m_with.auth.signOut();
-    m_with.auth.setLastError(u"Session expired — sign in again"_s);
+    m_with.auth.setLastError(
+        QCoreApplication::translate("Dictation", "Session expired — sign in again"));
   }
   m_with.telemetry.track(
       TelemetryEvent::dictationFailed(failureReason(error.kind), m_lastWasChunked));

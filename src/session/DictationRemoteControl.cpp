@@ -1,5 +1,7 @@
 #include "session/DictationRemoteControl.h"
 
+#include <QCoreApplication>
+
 #include "session/AppState.h"
 
 namespace vemo {
@@ -29,7 +31,7 @@ QString DictationRemoteControl::status() const {
   if (phase.kind == Phase::Kind::Error) return u"error: "_s + phase.message;
   if (phase.kind != Phase::Kind::Idle) return phase.name();
   const QString text = m_appState.statusText();
-  return text == readyStatusText ? phase.name() : u"idle: "_s + text;
+  return text == readyStatusText() ? phase.name() : u"idle: "_s + text;
 }
 
 void DictationRemoteControl::quit() {
@@ -38,7 +40,8 @@ void DictationRemoteControl::quit() {
 
 QString DictationRemoteControl::signIn() {
   m_appState.signIn();
-  return u"The sign-in page is on its way to your browser."_s;
+  return QCoreApplication::translate("Dictation",
+                                     "The sign-in page is on its way to your browser.");
 }
 
 QString DictationRemoteControl::cancelSignIn() {

@@ -1,5 +1,6 @@
 #include "storage/Config.h"
 
+#include <QCoreApplication>
 #include <QHash>
 #include <algorithm>
 #include <array>
@@ -55,13 +56,25 @@ const std::array<DictationLanguage, 25>& languageTable() {
   return table;
 }
 
-const std::array<OutputMode, 3>& outputModeTable() {
-  static const std::array<OutputMode, 3> table{{
-      {u"translit"_s, u"✓ English Script (Translit)"_s, u"   English Script (Translit)"_s, u"English (Translit)"_s},
-      {u"transcribe"_s, u"✓ Native Script (Transcribe)"_s, u"   Native Script (Transcribe)"_s, u"Native Script"_s},
-      {u"codemix"_s, u"✓ Mixed (Codemix)"_s, u"   Mixed (Codemix)"_s, u"Mixed (Codemix)"_s},
+/// A new one each time: the language of the windows may change.
+std::array<OutputMode, 3> outputModeTable() {
+  const auto words = [](const char* source) {
+    return QCoreApplication::translate("OutputModes", source);
+  };
+  return {{
+      {u"translit"_s,
+       words(QT_TRANSLATE_NOOP("OutputModes", "✓ English Script (Translit)")),
+       words(QT_TRANSLATE_NOOP("OutputModes", "   English Script (Translit)")),
+       words(QT_TRANSLATE_NOOP("OutputModes", "English (Translit)"))},
+      {u"transcribe"_s,
+       words(QT_TRANSLATE_NOOP("OutputModes", "✓ Native Script (Transcribe)")),
+       words(QT_TRANSLATE_NOOP("OutputModes", "   Native Script (Transcribe)")),
+       words(QT_TRANSLATE_NOOP("OutputModes", "Native Script"))},
+      {u"codemix"_s,
+       words(QT_TRANSLATE_NOOP("OutputModes", "✓ Mixed (Codemix)")),
+       words(QT_TRANSLATE_NOOP("OutputModes", "   Mixed (Codemix)")),
+       words(QT_TRANSLATE_NOOP("OutputModes", "Mixed (Codemix)"))},
   }};
-  return table;
 }
 // clang-format on
 
@@ -100,12 +113,12 @@ QString effectiveLanguageCode(const DictationLanguage& language) {
   return language.backendCode.value_or(language.code);
 }
 
-std::span<const OutputMode> outputModes() {
+std::array<OutputMode, 3> outputModes() {
   return outputModeTable();
 }
 
 QString outputModeShortLabel(const QString& value) {
-  const auto& table = outputModeTable();
+  const auto table = outputModeTable();
   const auto row = std::ranges::find(table, value, &OutputMode::value);
   return row == table.end() ? table.back().shortLabel : row->shortLabel;
 }

@@ -51,7 +51,7 @@ const DictationLanguage& currentLanguage(const Settings& settings);
 QString effectiveLanguageCode(const DictationLanguage& language);
 
 /// The three output modes, in the order of the picker.
-std::span<const OutputMode> outputModes();
+std::array<OutputMode, 3> outputModes();
 
 /// "Mixed (Codemix)" for every value that is not one of the other two.
 QString outputModeShortLabel(const QString& value);

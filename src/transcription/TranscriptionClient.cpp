@@ -1,5 +1,6 @@
 #include "transcription/TranscriptionClient.h"
 
+#include <QCoreApplication>
 #include <optional>
 #include <utility>
 
@@ -46,7 +47,7 @@ struct TranscriptionClient::Operation {
     return {.name = u"transcribe"_s,
             .label = u"transcribe"_s,
             .retrySuffix = {},
-            .refusal = u"Request failed"_s,
+            .refusal = QCoreApplication::translate("Dictation", "Request failed"),
             .endpoint = u"dictate"_s};
   }
 
@@ -54,7 +55,7 @@ struct TranscriptionClient::Operation {
     return {.name = u"transcribeChunk"_s,
             .label = u"transcribeChunk #%1"_s.arg(index),
             .retrySuffix = u" for chunk #%1"_s.arg(index),
-            .refusal = u"Chunk request failed"_s,
+            .refusal = QCoreApplication::translate("Dictation", "Chunk request failed"),
             .endpoint = u"dictate/chunk"_s,
             .logsResult = false};
   }
@@ -63,7 +64,7 @@ struct TranscriptionClient::Operation {
     return {.name = u"finalizeDictation"_s,
             .label = u"finalizeDictation"_s,
             .retrySuffix = {},
-            .refusal = u"Finalize request failed"_s,
+            .refusal = QCoreApplication::translate("Dictation", "Finalize request failed"),
             .endpoint = u"dictate/finalize"_s};
   }
 };
@@ -172,7 +173,8 @@ TranscriptionClient::Result TranscriptionClient::judge(const Operation& operatio
 
   if (status == 401) return std::unexpected(TranscriptionError::unauthorized());
   if (status < 200 || status > 299) {
-    const QString fallback = status < 500 ? refusal : u"Server error"_s;
+    const QString fallback =
+        status < 500 ? refusal : QCoreApplication::translate("Dictation", "Server error");
     return std::unexpected(TranscriptionError::server(
         errorMessageIn(answer->body).value_or(u"%1 (HTTP %2)"_s.arg(fallback).arg(status))));
   }

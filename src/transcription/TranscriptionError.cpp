@@ -1,5 +1,6 @@
 #include "transcription/TranscriptionError.h"
 
+#include <QCoreApplication>
 #include <utility>
 
 namespace vemo {
@@ -11,16 +12,16 @@ namespace {
 QString networkDescription(UrlError code) {
   switch (code) {
     case UrlError::NotConnectedToInternet:
-      return u"No internet connection"_s;
+      return QCoreApplication::translate("Dictation", "No internet connection");
     case UrlError::TimedOut:
-      return u"Server took too long — try again"_s;
+      return QCoreApplication::translate("Dictation", "Server took too long — try again");
     case UrlError::CannotFindHost:
     case UrlError::DnsLookupFailed:
-      return u"Can't find the server"_s;
+      return QCoreApplication::translate("Dictation", "Can't find the server");
     case UrlError::NetworkConnectionLost:
-      return u"Connection lost — try again"_s;
+      return QCoreApplication::translate("Dictation", "Connection lost — try again");
     default:
-      return u"Can't reach the server"_s;
+      return QCoreApplication::translate("Dictation", "Can't reach the server");
   }
 }
 
@@ -57,13 +58,13 @@ QString TranscriptionError::errorDescription() const {
     case Kind::Network:
       return networkDescription(networkError.code);
     case Kind::NotConfigured:
-      return u"Sign in to start dictating"_s;
+      return QCoreApplication::translate("Dictation", "Sign in to start dictating");
     case Kind::Unauthorized:
-      return u"Sign-in expired — sign in again"_s;
+      return QCoreApplication::translate("Dictation", "Sign-in expired — sign in again");
     case Kind::BadResponse:
-      return u"Unexpected server response"_s;
+      return QCoreApplication::translate("Dictation", "Unexpected server response");
     case Kind::Cancelled:
-      return u"Cancelled"_s;
+      return QCoreApplication::translate("Dictation", "Cancelled");
   }
   std::unreachable();
 }

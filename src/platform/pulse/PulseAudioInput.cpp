@@ -1,5 +1,6 @@
 #include "platform/pulse/PulseAudioInput.h"
 
+#include <QCoreApplication>
 #include <algorithm>
 #include <utility>
 
@@ -18,15 +19,16 @@ QString messageOf(PulseError error) {
   switch (error) {
     case PulseError::NotReachable:
     case PulseError::ConnectionLost:
-      return u"Sound server not available"_s;
+      return QCoreApplication::translate("Dictation", "Sound server not available");
     case PulseError::NotAnswering:
-      return u"Sound server not answering"_s;
+      return QCoreApplication::translate("Dictation", "Sound server not answering");
   }
   std::unreachable();
 }
 
 std::unexpected<AudioInputError> microphoneIsGone() {
-  return std::unexpected(AudioInputError{u"Microphone changed — try again"_s});
+  return std::unexpected(
+      AudioInputError{QCoreApplication::translate("Dictation", "Microphone changed — try again")});
 }
 
 /// What fits 16 bits comes as such; everything finer as floats.

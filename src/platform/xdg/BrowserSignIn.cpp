@@ -1,5 +1,6 @@
 #include "platform/xdg/BrowserSignIn.h"
 
+#include <QCoreApplication>
 #include <QDesktopServices>
 #include <algorithm>
 #include <utility>
@@ -39,7 +40,9 @@ Task<WebAuthentication::Redirect> BrowserSignIn::authenticate(QUrl page, QString
                                                               std::stop_token stop) {
   using Kind = WebAuthenticationError::Kind;
   if (!claimScheme(callbackScheme, m_program))
-    co_return failure(Kind::Failed, u"The desktop doesn't let Vemo receive the sign-in"_s);
+    co_return failure(
+        Kind::Failed,
+        QCoreApplication::translate("Account", "The desktop doesn't let Vemo receive the sign-in"));
   const Wait wait{callbackScheme, Completion<Redirect>(m_mainThread)};
   const Registration registration(*this, wait);
   if (!QDesktopServices::openUrl(page)) co_return failure(Kind::CannotOpen);
