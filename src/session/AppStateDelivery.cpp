@@ -1,5 +1,7 @@
 // From a text to the application in front: shaping, pasting, history.
 
+#include <QCoreApplication>
+
 #include "account/AuthManager.h"
 #include "base/Text.h"
 #include "desktop/TextInjector.h"
@@ -10,8 +12,6 @@
 #include "storage/DebugLog.h"
 #include "storage/SettingsKeys.h"
 #include "telemetry/Telemetry.h"
-
-#include <QCoreApplication>
 
 namespace vemo {
 

@@ -1,5 +1,6 @@
 // The start of a recording with its gates, its stop, and the chunks that leave in between.
 
+#include <QCoreApplication>
 #include <QUuid>
 
 #include "account/AuthManager.h"
@@ -14,8 +15,6 @@
 #include "storage/SettingsKeys.h"
 #include "telemetry/Telemetry.h"
 #include "transcription/TranscriptionClient.h"
-
-#include <QCoreApplication>
 
 namespace vemo {
 

@@ -1,5 +1,7 @@
 // From a stopped recording to its text: the three paths, and every way to fail.
 
+#include <QCoreApplication>
+
 #include "account/AuthManager.h"
 #include "audio/SpeechFormat.h"
 #include "audio/WavFile.h"
@@ -10,8 +12,6 @@
 #include "storage/DebugLog.h"
 #include "telemetry/Telemetry.h"
 #include "transcription/TranscriptionClient.h"
-
-#include <QCoreApplication>
 
 namespace vemo {
 
@@ -153,7 +153,7 @@ void AppState::failTranscription(const TranscriptionError& error, Generation gen
   if (error.kind == TranscriptionError::Kind::Unauthorized && m_with.auth.isSignedIn()) {
     m_with.auth.signOut();
     m_with.auth.setLastError(
-        QCoreApplication::translate("Dictation", "Session expired — sign in again"));
+        QCoreApplication::translate("Account", "Session expired — sign in again"));
   }
   m_with.telemetry.track(
       TelemetryEvent::dictationFailed(failureReason(error.kind), m_lastWasChunked));

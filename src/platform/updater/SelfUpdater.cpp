@@ -1,5 +1,6 @@
 #include "platform/updater/SelfUpdater.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -100,8 +101,9 @@ Task<> SelfUpdater::runSession(UpdateCheck check, std::stop_token stop) {
   const Outcome outcome = co_await findAndFetch(check, stop);
   if (!outcome) {
     if (outcome.error() == UpdateTrouble::NoUpdate) {
-      tell(check, u"Vemo is up to date"_s,
-           u"Vemo %1 is the newest version."_s.arg(m_with.system.applicationVersion));
+      tell(check, QCoreApplication::translate("Updates", "Vemo is up to date"),
+           QCoreApplication::translate("Updates", "Vemo %1 is the newest version.")
+               .arg(m_with.system.applicationVersion));
     } else {
       tellOfTrouble(check);
     }
@@ -124,8 +126,9 @@ Task<SelfUpdater::Outcome> SelfUpdater::findAndFetch(UpdateCheck check, std::sto
                            .architecture = m_with.system.processorArchitecture,
                            .refusedBuild = m_with.copy ? m_with.copy->refusedBuild() : 0});
   if (!item && m_ready) {
-    tell(check, u"Update ready"_s,
-         u"Vemo %1 is downloaded and ready to install."_s.arg(m_ready->shown.displayVersion));
+    tell(check, QCoreApplication::translate("Updates", "Update ready"),
+         QCoreApplication::translate("Updates", "Vemo %1 is downloaded and ready to install.")
+             .arg(m_ready->shown.displayVersion));
     co_return Outcome();
   }
   if (!item) co_return std::unexpected(UpdateTrouble::NoUpdate);
@@ -141,11 +144,18 @@ Task<SelfUpdater::Outcome> SelfUpdater::findAndFetch(UpdateCheck check, std::sto
   }
   if (check == UpdateCheck::UserInitiated) m_userDriver.didReceiveUserAttention(item->shown);
   if (m_with.copy && !isFetched && item->shown.isCritical)
-    m_with.announce(u"Vemo %1 is available"_s.arg(item->shown.displayVersion),
-                    u"It is an important update. Please check for updates to get it."_s);
+    m_with.announce(
+        QCoreApplication::translate("Updates", "Vemo %1 is available")
+            .arg(item->shown.displayVersion),
+        QCoreApplication::translate(
+            "Updates", "It is an important update. Please check for updates to get it."));
   if (!m_with.copy) {
-    m_with.announce(u"Vemo %1 is available"_s.arg(item->shown.displayVersion),
-                    u"Install it the way you installed Vemo, such as with your package manager."_s);
+    m_with.announce(
+        QCoreApplication::translate("Updates", "Vemo %1 is available")
+            .arg(item->shown.displayVersion),
+        QCoreApplication::translate(
+            "Updates",
+            "Install it the way you installed Vemo, such as with your package manager."));
     co_return Outcome();
   }
   if (!isFetched) co_return Outcome();
@@ -279,7 +289,8 @@ void SelfUpdater::tell(UpdateCheck check, const QString& title, const QString& t
 }
 
 void SelfUpdater::tellOfTrouble(UpdateCheck check) const {
-  tell(check, u"The update didn't work"_s, u"Please try again later."_s);
+  tell(check, QCoreApplication::translate("Updates", "The update didn't work"),
+       QCoreApplication::translate("Updates", "Please try again later."));
 }
 
 std::unexpected<UpdateTrouble> SelfUpdater::refuse(UpdateTrouble trouble,

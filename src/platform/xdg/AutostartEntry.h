@@ -4,9 +4,8 @@
 // An entry of the same name that the system brings is overridden by the user's: registering writes
 // an entry that starts this program, unregistering one that is hidden where the system has one, and
 // removes the user's where it hasn't. What the user or a settings program has changed in an entry
-// is replaced. An entry counts as registered unless it is
-// hidden, or switched off as desktops do. Source of the rules: the Desktop Application Autostart
-// Specification, version 0.5.
+// is replaced. An entry counts as registered unless it is hidden, or switched off as desktops do.
+// Source of the rules: the Desktop Application Autostart Specification, version 0.5.
 #pragma once
 
 #include <QStringList>

@@ -9,6 +9,7 @@
 #include <QScreen>
 #include <QWindow>
 
+#include "ScenesFixture.h"
 #include "fakes/QtTestLoop.h"
 #include "platform/qt/QtTaskBar.h"
 #include "windows/offline/MainWindowOnFakes.h"
@@ -20,18 +21,8 @@ using namespace Qt::Literals::StringLiterals;
 using testing::HasSubstr;
 using testing::Not;
 
-class QuickScenesTest : public testing::Test {
+class QuickScenesTest : public ScenesFixture {
  protected:
-  /// Before anything that starts threads: Qt takes the first thread that it meets for the main one,
-  /// and wakes the event loop of that one when X events come.
-  static void SetUpTestSuite() {
-    static int argumentCount = 1;
-    static char name[] = "test";
-    static char* arguments[] = {name, nullptr};
-    if (!QGuiApplication::instance()) new QGuiApplication(argumentCount, arguments);
-    QGuiApplication::setQuitOnLastWindowClosed(false);
-  }
-
   QuickScenesTest() {
     scenes.modelOf = [this](Scene) -> QObject& { return offline.model(); };
     scenes.applyPolicy = applyTaskBarPolicy;

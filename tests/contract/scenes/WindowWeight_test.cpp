@@ -9,6 +9,7 @@
 #include <QWindow>
 #include <algorithm>
 
+#include "ScenesFixture.h"
 #include "fakes/QtTestLoop.h"
 #include "platform/quick/QuickScenes.h"
 #include "windows/offline/MainWindowOnFakes.h"
@@ -57,17 +58,8 @@ std::vector<QByteArray> threadNames() {
 
 const QByteArray engineThread = "QQmlThread";
 
-class WindowWeightTest : public testing::Test {
+class WindowWeightTest : public ScenesFixture {
  protected:
-  /// Before anything that starts threads: Qt takes the first thread that it meets for the main one.
-  static void SetUpTestSuite() {
-    static int argumentCount = 1;
-    static char name[] = "test";
-    static char* arguments[] = {name, nullptr};
-    new QGuiApplication(argumentCount, arguments);
-    QGuiApplication::setQuitOnLastWindowClosed(false);
-  }
-
   WindowWeightTest() {
     scenes.modelOf = [this](Scene scene) -> QObject& {
       return scene == Scene::Main ? m_main.viewModel() : m_settings.viewModel();

@@ -4,51 +4,14 @@
 
 #include <QVariantMap>
 
-#include "desktop/HotkeyFixture.h"
-#include "fakes/FakeLocalKeyMonitor.h"
+#include "ShortcutRecorderFixture.h"
 
 namespace vemo {
 namespace {
 
 using namespace std::chrono_literals;
-using Handling = LocalKeyMonitor::Handling;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-constexpr std::int64_t kF8 = 100;
-
-class ShortcutRecorderTest : public HotkeyFixture {
- protected:
-  Handling flagsInWindow(std::int64_t keyCode, ModifierFlags held) {
-    return keys.strike({KeyEvent::Type::FlagsChanged, keyCode, held});
-  }
-  Handling keyDownInWindow(std::int64_t keyCode, ModifierFlags held = 0) {
-    return keys.strike({KeyEvent::Type::KeyDown, keyCode, held});
-  }
-  Handling keyUpInWindow(std::int64_t keyCode, ModifierFlags held = 0) {
-    return keys.strike({KeyEvent::Type::KeyUp, keyCode, held});
-  }
-
-  void expectClosed() {
-    EXPECT_FALSE(recorder.isOpen());
-    EXPECT_FALSE(keys.isStarted());
-    EXPECT_FALSE(hotkey.isSilent());
-    EXPECT_FALSE(recorder.hasRecorded());
-    EXPECT_EQ(recorder.recordedName(), QString());
-  }
-
-  QString pushToTalk() { return storage.settings.get(keys::pushToTalkHotkeyChoice, QString()); }
-  QString toggle() { return storage.settings.get(keys::toggleHotkeyChoice, QString()); }
-
-  FakeLocalKeyMonitor keys;
-  QStringList toasts;
-  ShortcutRecorder recorder{{.mainThread = mainThread,
-                             .clock = clock,
-                             .settings = storage.settings,
-                             .hotkey = hotkey,
-                             .keys = keys,
-                             .showToast = [this](const QString& text) { toasts.append(text); }}};
-};
 
 // Opening and closing
 
@@ -332,80 +295,6 @@ TEST_F(ShortcutRecorderTest, AModifierThatComesUpIsNotHeld) {
   EXPECT_TRUE(recorder.isHeld());
   flagsInWindow(kFnKey, 0);
   EXPECT_FALSE(recorder.isHeld());
-}
-
-// The buttons by keyboard
-
-TEST_F(ShortcutRecorderTest, TabLetGoLeadsToTheButtonsAndStaysRecorded) {
-  recorder.openForPushToTalk();
-  EXPECT_EQ(keyDownInWindow(kTab), Handling::Swallow);
-  EXPECT_FALSE(recorder.isAtButtons());
-  keyUpInWindow(kTab);
-  EXPECT_TRUE(recorder.isAtButtons());
-  EXPECT_EQ(recorder.recordedName(), u"Tab"_s);
-}
-
-TEST_F(ShortcutRecorderTest, TabIsSavedByHoldingItLikeAnyKey) {
-  recorder.openForPushToTalk();
-  keyDownInWindow(kTab);
-  clock.advance(2s);
-  expectClosed();
-  EXPECT_EQ(pushToTalk(), u"custom"_s);
-}
-
-TEST_F(ShortcutRecorderTest, NoOtherKeyLeadsToTheButtons) {
-  recorder.openForPushToTalk();
-  keyDownInWindow(kF8);
-  keyUpInWindow(kF8);
-  keyDownInWindow(kTab, ControlFlag);
-  keyUpInWindow(kTab, ControlFlag);
-  keyUpInWindow(kTab);
-  EXPECT_FALSE(recorder.isAtButtons());
-}
-
-TEST_F(ShortcutRecorderTest, AtTheButtonsTheirKeysGoToTheWindow) {
-  recorder.openForPushToTalk();
-  keyDownInWindow(kTab);
-  keyUpInWindow(kTab);
-  for (const auto key : {kTab, kSpace, kReturn, kKeypadEnter}) {
-    EXPECT_EQ(keyDownInWindow(key), Handling::PassOn) << key;
-    EXPECT_EQ(keyUpInWindow(key), Handling::PassOn) << key;
-  }
-  EXPECT_EQ(flagsInWindow(kLeftShift, ShiftFlag), Handling::PassOn);
-  EXPECT_EQ(keyDownInWindow(kTab, ShiftFlag), Handling::PassOn);
-  EXPECT_EQ(flagsInWindow(kLeftShift, 0), Handling::PassOn);
-  EXPECT_TRUE(recorder.isAtButtons());
-  EXPECT_EQ(recorder.recordedName(), u"Tab"_s);
-}
-
-TEST_F(ShortcutRecorderTest, AnyOtherKeyAtTheButtonsIsRecorded) {
-  recorder.openForPushToTalk();
-  for (const auto modifiers : {ModifierFlags{}, ModifierFlags{ControlFlag}}) {
-    keyDownInWindow(kTab);
-    keyUpInWindow(kTab);
-    ASSERT_TRUE(recorder.isAtButtons());
-    EXPECT_EQ(keyDownInWindow(modifiers ? kSpace : kF8, modifiers), Handling::Swallow);
-    EXPECT_FALSE(recorder.isAtButtons());
-  }
-  EXPECT_EQ(recorder.recordedName(), u"Control + Space (⌃␣)"_s);
-}
-
-TEST_F(ShortcutRecorderTest, EscAtTheButtonsCancels) {
-  recorder.openForPushToTalk();
-  keyDownInWindow(kTab);
-  keyUpInWindow(kTab);
-  EXPECT_EQ(keyDownInWindow(kEscape), Handling::Swallow);
-  expectClosed();
-  EXPECT_FALSE(recorder.isAtButtons());
-}
-
-TEST_F(ShortcutRecorderTest, TheWindowGivesTheKeyboardBackToTheRecording) {
-  recorder.openForPushToTalk();
-  keyDownInWindow(kTab);
-  keyUpInWindow(kTab);
-  recorder.leaveButtons();
-  EXPECT_EQ(keyDownInWindow(kSpace), Handling::Swallow);
-  EXPECT_EQ(recorder.recordedName(), u"Space"_s);
 }
 
 TEST_F(ShortcutRecorderTest, AHoldEndsWithTheSheet) {
