@@ -2,7 +2,6 @@
 
 #include <QCoreApplication>
 #include <array>
-#include <utility>
 
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11KeySymbols.h"
@@ -37,6 +36,14 @@ class X11LocalKeyMonitor::Layout {
                          hasFnKey ? FnKey::Reported : FnKey::StoodFor);
   }
 
+  /// By the server's word, which may be ahead of its events.
+  bool isDown(xcb_keycode_t code) {
+    if (!m_symbols) return false;
+    const auto keys = m_connection->reply<xcb_query_keymap_reply_t>(
+        xcb_query_keymap(m_connection->xcb()).sequence);
+    return keys && keys->keys[code / 8] >> code % 8 & 1;
+  }
+
   ModifierFlags flags(std::uint16_t state) const {
     ModifierFlags flags = 0;
     for (std::size_t i = 0; i < modifierCount; ++i) {
@@ -63,11 +70,7 @@ class X11LocalKeyMonitor::Layout {
   std::array<ModifierFlags, modifierCount> m_flags{};
 };
 
-X11LocalKeyMonitor::X11LocalKeyMonitor() {
-  m_releaseTimer.setSingleShot(true);
-  m_releaseTimer.setInterval(0);
-  QObject::connect(&m_releaseTimer, &QTimer::timeout, &m_releaseTimer, [this] { finishRelease(); });
-}
+X11LocalKeyMonitor::X11LocalKeyMonitor() = default;
 
 X11LocalKeyMonitor::~X11LocalKeyMonitor() {
   if (m_isInstalled && QCoreApplication::instance())
@@ -83,7 +86,7 @@ void X11LocalKeyMonitor::start(Handler handler) {
 
 void X11LocalKeyMonitor::stop() {
   m_handler = nullptr;
-  m_layout.reset();
+  if (m_held.empty()) m_layout.reset();
 }
 
 bool X11LocalKeyMonitor::nativeEventFilter(const QByteArray& eventType, void* message, qintptr*) {
@@ -102,11 +105,6 @@ bool X11LocalKeyMonitor::nativeEventFilter(const QByteArray& eventType, void* me
 }
 
 bool X11LocalKeyMonitor::keyWentDown(const xcb_key_press_event_t& event) {
-  if (m_release && m_release->code == event.detail && m_release->time == event.time) {
-    m_release.reset();
-    m_releaseTimer.stop();
-  }
-  finishRelease();
   if (m_held.contains(event.detail)) return m_swallowed.contains(event.detail);
   if (!m_handler) return false;
 
@@ -119,31 +117,25 @@ bool X11LocalKeyMonitor::keyWentDown(const xcb_key_press_event_t& event) {
 }
 
 bool X11LocalKeyMonitor::keyWentUp(const xcb_key_release_event_t& event) {
-  finishRelease();
   if (!m_held.contains(event.detail)) return false;
-  m_release = {event.detail, event.time, event.state};
-  m_releaseTimer.start();
-  return m_swallowed.contains(event.detail);
+  const bool isSwallowed = m_swallowed.contains(event.detail);
+  // The other half of a repetition may come at any time later.
+  if (!m_layout->isDown(event.detail)) letGo(event.detail, event.state);
+  return isSwallowed;
 }
 
-void X11LocalKeyMonitor::finishRelease() {
-  const auto release = std::exchange(m_release, std::nullopt);
-  if (!release) return;
-  m_releaseTimer.stop();
-  const auto held = m_held.extract(release->code);
-  m_swallowed.erase(release->code);
-  if (held.empty() || !m_handler) return;
-  const X11VirtualKey& key = held.mapped();
-  const auto type = key.isModifier ? KeyEvent::Type::FlagsChanged : KeyEvent::Type::KeyUp;
-  tell({type, key.code, (m_layout->flags(release->state) & ~key.flag) | heldFlags()});
+void X11LocalKeyMonitor::letGo(xcb_keycode_t code, std::uint16_t state) {
+  const X11VirtualKey key = m_held.extract(code).mapped();
+  m_swallowed.erase(code);
+  if (m_handler) {
+    const auto type = key.isModifier ? KeyEvent::Type::FlagsChanged : KeyEvent::Type::KeyUp;
+    tell({type, key.code, (m_layout->flags(state) & ~key.flag) | heldFlags()});
+  }
+  if (!m_handler && m_held.empty()) m_layout.reset();
 }
 
 void X11LocalKeyMonitor::letGoOfAll() {
-  finishRelease();
-  while (!m_held.empty()) {
-    m_release = {m_held.begin()->first, XCB_CURRENT_TIME, 0};
-    finishRelease();
-  }
+  while (!m_held.empty()) letGo(m_held.begin()->first, 0);
 }
 
 ModifierFlags X11LocalKeyMonitor::heldFlags() const {

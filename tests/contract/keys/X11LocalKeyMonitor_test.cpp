@@ -19,6 +19,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using Handling = LocalKeyMonitor::Handling;
 
+constexpr xcb_keycode_t aPlace = 38;
 constexpr xcb_keycode_t rightAltPlace = 108;
 
 class NotingWindow : public QRasterWindow {
@@ -205,6 +206,41 @@ TEST_F(X11LocalKeyMonitorTest, AHeldKeyThatRepeatsIsToldOnceAndStaysSwallowed) {
   EXPECT_THAT(takeEvents(2), ElementsAre(keyDown(0), keyUp(0)));
   EXPECT_THAT(window.pressed, IsEmpty());
   EXPECT_THAT(window.released, IsEmpty());
+}
+
+TEST_F(X11LocalKeyMonitorTest, TheHalvesOfARepetitionMayComeApart) {
+  start();
+  user.press(XKB_KEY_a);
+  takeEvents(1);
+  xcb_key_release_event_t half{};
+  half.response_type = XCB_KEY_RELEASE;
+  half.detail = aPlace;
+  EXPECT_TRUE(monitor.nativeEventFilter("xcb_generic_event_t", &half, nullptr));
+  EXPECT_THAT(takeEvents(0), IsEmpty());
+  half.response_type = XCB_KEY_PRESS;
+  EXPECT_TRUE(monitor.nativeEventFilter("xcb_generic_event_t", &half, nullptr));
+  EXPECT_THAT(takeEvents(0), IsEmpty());
+  user.release(XKB_KEY_a);
+  EXPECT_THAT(takeEvents(1), ElementsAre(keyUp(0)));
+  EXPECT_THAT(window.pressed, IsEmpty());
+}
+
+TEST_F(X11LocalKeyMonitorTest, AKeyThatIsHeldBeyondTheMonitoringStaysSwallowedWhileItRepeats) {
+  start();
+  user.press(XKB_KEY_a);
+  takeEvents(1);
+  monitor.stop();
+  xcb_key_release_event_t half{};
+  half.detail = aPlace;
+  for (const std::uint8_t type : {XCB_KEY_RELEASE, XCB_KEY_PRESS}) {
+    half.response_type = type;
+    EXPECT_TRUE(monitor.nativeEventFilter("xcb_generic_event_t", &half, nullptr));
+  }
+  user.release(XKB_KEY_a);
+  user.press(XKB_KEY_b);
+  EXPECT_TRUE(QtTestLoop::runUntil([&] { return !window.pressed.empty(); }));
+  EXPECT_THAT(window.pressed, ElementsAre(Qt::Key_B));
+  user.release(XKB_KEY_b);
 }
 
 TEST_F(X11LocalKeyMonitorTest, AHandlerMayEndTheMonitoringAndItsKeyStaysSwallowed) {
