@@ -19,6 +19,9 @@ from virtual_desktop import wait_until  # noqa: E402
 
 Role, State = Atspi.Role, Atspi.StateType
 WHEEL = {"up": "4", "down": "5"}
+# What may scroll, and so hide what is in it under what is around it.
+VIEWS = {Role.FRAME, Role.PANEL, Role.LIST, Role.POPUP_MENU}
+MARGIN = 4
 
 
 @dataclasses.dataclass
@@ -31,6 +34,7 @@ class Item:
     states: frozenset
     place: tuple  # x, y, width, height on the screen
     depth: int
+    view: tuple  # left, top, right, bottom of what shows it: the window, or a page in it that scrolls
 
     @property
     def middle(self):
@@ -40,6 +44,12 @@ class Item:
     @property
     def is_showing(self):
         return State.SHOWING in self.states
+
+    @property
+    def is_in_view(self):
+        """Whether a click on its middle would be one on it."""
+        (x, y), (left, top, right, bottom) = self.middle, self.view
+        return self.is_showing and left <= x < right and top + MARGIN <= y < bottom - MARGIN
 
     @property
     def has_focus(self):
@@ -75,18 +85,32 @@ def accessibles_below(accessible, depth=0):
             yield from accessibles_below(child, depth + 1)
 
 
-def item(accessible, depth):
+def item(accessible, depth, view=()):
     place = Atspi.Component.get_extents(accessible, Atspi.CoordType.SCREEN)
     role, name = accessible.get_role(), accessible.get_name()
     if role == Role.PASSWORD_TEXT:
         # Qt withholds the name of what is secret.
         name = name or accessible.get_description()
     return Item(accessible, role, name, frozenset(accessible.get_state_set().get_states()),
-                (place.x, place.y, place.width, place.height), depth)
+                (place.x, place.y, place.width, place.height), depth, view)
 
 
 def items_below(accessible):
-    return [item(*found) for found in accessibles_below(accessible)]
+    items, views = [], []
+    for found, depth in accessibles_below(accessible):
+        view = views[depth - 1] if depth else ()
+        below = item(found, depth, view)
+        items.append(below)
+        views[depth:] = [part_in_view(below) if below.role in VIEWS else view]
+    return items
+
+
+def part_in_view(item):
+    x, y, width, height = item.place
+    if not item.view:
+        return x, y, x + width, y + height
+    left, top, right, bottom = item.view
+    return max(x, left), max(y, top), min(x + width, right), min(y + height, bottom)
 
 
 class Window:
@@ -197,32 +221,22 @@ class Window:
         subprocess.run(["xdotool", "click", "1"], check=True)
 
     def _settled(self, name, role):
-        """Where to click: what has only just come may still be moving, or be below the edge of the window."""
-        seen = []
+        """Where to click: what has only just come may still be moving, or have to be scrolled into view."""
+        seen, enough = [], 2
 
         def stands_still():
+            nonlocal enough
             item = self.find(name, role)
             if not item or not self.is_in_front():
                 return None
-            if self._turns_the_wheel_for(item) or not item.is_showing:
+            if not item.is_in_view:
+                turn_the_wheel_for(item)
+                # A page rolls out, and a press that stops it is none on what it shows.
+                enough = 5
                 return None
             seen.append(item.place)
-            return item.middle if seen[-2:] == [item.place] * 2 else None
+            return item.middle if seen[-enough:] == [item.place] * enough else None
         return self.await_that(stands_still, f"to show “{name}” at rest")
-
-    def _turns_the_wheel_for(self, item):
-        """Over the page, when the item isn't wholly in the window."""
-        x, y, width, height = self.place()
-        top, bottom = item.place[1], item.place[1] + item.place[3]
-        if bottom > y + height:
-            way = "down"
-        elif top < y or not item.is_showing:
-            way = "up"
-        else:
-            return False
-        point_at(x + width * 2 // 3, y + height // 2)
-        subprocess.run(["xdotool", "click", WHEEL[way]], check=True)
-        return True
 
     def fill(self, name, text):
         """Clicks into a field and types."""
@@ -237,6 +251,13 @@ class Window:
 
 def point_at(x, y):
     subprocess.run(["xdotool", "mousemove", str(x), str(y)], check=True)
+
+
+def turn_the_wheel_for(item):
+    left, top, right, bottom = item.view
+    point_at((left + 2 * right) // 3, (top + bottom) // 2)
+    way = "down" if item.middle[1] >= bottom - MARGIN else "up"
+    subprocess.run(["xdotool", "click", WHEEL[way]], check=True)
 
 
 def main_window(vemo):

@@ -14,6 +14,7 @@ Flickable {
     contentHeight: column.implicitHeight + 2 * margin
     boundsBehavior: Flickable.StopAtBounds
     clip: true
+    Accessible.role: Accessible.Pane
 
     ScrollBar.vertical: PointerScrollBar {}
 
