@@ -14,6 +14,14 @@ Face::Face(Foundation& foundation, Desktop& desktop, Program& program)
     : m_foundation(foundation),
       m_desktop(desktop),
       m_program(program),
+      m_missingPanel(
+          {.mainThread = foundation.mainThread,
+           .clock = foundation.clock,
+           .item = desktop.statusItem,
+           .scenes = desktop.scenes,
+           .log = [&foundation](const QString& line) { foundation.debugLog(line); },
+           .showToast =
+               [&program](const QString& text) { program.mainWindow.toast()->show(text); }}),
       m_tasks(foundation.mainThread) {
   connectWindows();
   connectStatusItem();
@@ -35,6 +43,7 @@ void Face::connectWindows() {
     return m_program.mainWindow;
   };
   scenes.onChanged = [this] {
+    m_missingPanel.windowsChanged();
     m_tasks.start([this](std::stop_token stop) { return lookWhereTheFocusWent(std::move(stop)); });
   };
   scenes.applyPolicy = applyTaskBarPolicy;
@@ -54,7 +63,7 @@ Task<> Face::lookWhereTheFocusWent(std::stop_token stop) {
 
 void Face::connectStatusItem() {
   m_desktop.statusItem.onActivated = [this] { m_desktop.scenes.open(Scene::Main); };
-  m_desktop.statusItem.onHostKnown = [this] { sayThatNoPanelIsThere(); };
+  m_desktop.statusItem.onHostKnown = [this] { m_missingPanel.hostKnown(); };
   m_observations.push_back(m_program.menu.changed.observe([this] { showMenu(); }));
   showMenu();
 }
@@ -71,15 +80,6 @@ void Face::showLook() {
   m_desktop.scenes.setLook({.isDark = told ? *told == u"dark" : isPaletteDark,
                             .hasReducedMotion = m_desktop.appearance.hasReducedMotion(),
                             .accent = m_desktop.appearance.accent()});
-}
-
-void Face::sayThatNoPanelIsThere() {
-  if (m_desktop.statusItem.hasHost() || m_hasSaidThatNoPanelIsThere) return;
-  m_hasSaidThatNoPanelIsThere = true;
-  m_foundation.debugLog(
-      u"tray: no panel shows status items here; the menu is in the main window"_s);
-  m_program.mainWindow.toast()->show(QGuiApplication::translate(
-      "Face", "Your panel doesn't show Vemo's icon. Its menu is in this window."));
 }
 
 }  // namespace vemo

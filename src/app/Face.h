@@ -8,6 +8,7 @@
 
 #include "base/Notifier.h"
 #include "base/TaskScope.h"
+#include "ui/models/MissingPanelNotice.h"
 
 namespace vemo {
 
@@ -26,12 +27,11 @@ class Face {
   Task<> lookWhereTheFocusWent(std::stop_token stop);
   void showMenu();
   void showLook();
-  void sayThatNoPanelIsThere();
 
   Foundation& m_foundation;
   Desktop& m_desktop;
   Program& m_program;
-  bool m_hasSaidThatNoPanelIsThere = false;
+  MissingPanelNotice m_missingPanel;
   std::vector<Observation> m_observations;
   TaskScope m_tasks;
 };

@@ -17,7 +17,8 @@ Rectangle {
     visible: opacity > 0
     z: 1
     Accessible.role: Accessible.AlertMessage
-    Accessible.name: isShown ? model.message : ""
+    Accessible.name: model.message
+    Accessible.ignored: !isShown
 
     Text {
         id: words
