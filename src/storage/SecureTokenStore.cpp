@@ -36,10 +36,16 @@ std::optional<QString> usableText(const std::expected<QByteArray, SecretError>& 
   return QString::fromUtf8(*secret);
 }
 
-SecureTokenStore::Standing standingAfter(const std::expected<QByteArray, SecretError>& secret) {
-  if (secret || secret.error() == SecretError::NotFound) return SecureTokenStore::Standing::Settled;
-  return secret.error() == SecretError::Unavailable ? SecureTokenStore::Standing::NoStore
-                                                    : SecureTokenStore::Standing::Open;
+SecureTokenStore::Standing standingAfter(SecretError error) {
+  switch (error) {
+    case SecretError::NotFound:
+      return SecureTokenStore::Standing::Settled;
+    case SecretError::Unavailable:
+      return SecureTokenStore::Standing::NoStore;
+    case SecretError::Failed:
+      break;
+  }
+  return SecureTokenStore::Standing::Open;
 }
 
 bool isWithoutIt(const std::expected<void, SecretError>& removed) {
@@ -59,7 +65,9 @@ std::optional<QString> SecureTokenStore::read(const QString& account) {
     if (const auto known = m_memory.find(account); known != m_memory.end())
       return known->second.value;
   }
-  const Found found = lookUp(account, m_backends);
+  Found found = lookUp(account, m_backends);
+  if (found.place && found.place != m_backends.front())
+    found.standing = promote(account, found, *m_backends.front());
   // What a write or a removal has put there meanwhile is newer than what was found.
   const std::lock_guard lock(m_mutex);
   m_memory.try_emplace(account, Memory{.value = found.value, .standing = found.standing});
@@ -69,42 +77,46 @@ std::optional<QString> SecureTokenStore::read(const QString& account) {
 SecureTokenStore::Found SecureTokenStore::lookUp(const QString& account, const Backends& backends) {
   Found found;
   for (SecretBackend* backend : backends) {
-    const bool isFirst = backend == backends.front();
     const auto secret = backend->find(service(), account);
-    if (isFirst) found.standing = standingAfter(secret);
+    if (backend == backends.front() && !secret) found.standing = standingAfter(secret.error());
     found.value = usableText(secret);
     if (!found.value) continue;
-    found.standing = Standing::Settled;
-    if (!isFirst) found.isPromoted = promote(account, *secret, *backends.front(), *backend);
+    found.place = backend;
     break;
   }
   return found;
 }
 
-bool SecureTokenStore::promote(const QString& account, const QByteArray& secret, SecretBackend& to,
-                               SecretBackend& from) {
-  const auto added = to.add(service(), account, secret);
+/// How the first backend stands to the secret then.
+SecureTokenStore::Standing SecureTokenStore::promote(const QString& account, const Found& found,
+                                                     SecretBackend& to) {
+  const auto added = to.add(service(), account, found.value->toUtf8());
   if (added) {
-    from.remove(service(), account);
+    found.place->remove(service(), account);
     m_debugLog(u"keychain: moved item into the data protection keychain"_s);
-  } else if (added.error() != SecretError::Unavailable) {
-    m_debugLog(u"keychain: promotion failed (OSStatus %1)"_s.arg(osStatus(added.error())));
+    return Standing::Settled;
   }
-  return added.has_value();
+  if (added.error() != SecretError::Unavailable)
+    m_debugLog(u"keychain: promotion failed (OSStatus %1)"_s.arg(osStatus(added.error())));
+  return standingAfter(added.error());
 }
 
 bool SecureTokenStore::write(const QString& value, const QString& account) {
   if (!value.isValidUtf16()) return false;
   remove(account);
   SecretError lastError = SecretError::Failed;
+  bool isFirstLeftOpen = false;
   for (SecretBackend* backend : m_backends) {
+    const bool isFirst = backend == m_backends.front();
     const auto added = backend->add(service(), account, value.toUtf8());
     if (!added) {
       lastError = added.error();
+      isFirstLeftOpen |= isFirst && lastError == SecretError::Failed;
       continue;
     }
     remember(account, value);
-    if (backend == m_backends.front()) settleRemoval(account, added);
+    if (isFirst) settleRemoval(account, added);
+    if (isFirstLeftOpen) leaveOpen(account);
     return true;
   }
   m_debugLog(u"keychain: write failed for both backends (OSStatus %1)"_s.arg(osStatus(lastError)));
@@ -139,10 +151,16 @@ SecureTokenStore::Standing SecureTokenStore::standing(const QString& account) co
 bool SecureTokenStore::refresh(const QString& account, const Backends& backends) {
   const Memory before = memoryOf(account);
   if (before.isRemovalOpen) {
-    finishRemoval(account, *backends.front(), before.changeCount);
-    return false;
+    const bool isDone = finishRemoval(account, *backends.front(), before.changeCount);
+    if (!isDone || !before.value) return false;
   }
-  const Found found = lookUp(account, backends);
+  Found found = lookUp(account, backends);
+  bool isPromoted = false;
+  // One that is locked or silent would take nothing.
+  if (found.standing == Standing::Settled && found.place && found.place != backends.front()) {
+    found.standing = promote(account, found, *backends.front());
+    isPromoted = found.standing == Standing::Settled;
+  }
   bool isNews = false;
   bool isOvertaken = false;
   {
@@ -156,11 +174,12 @@ bool SecureTokenStore::refresh(const QString& account, const Backends& backends)
       if (found.value) memory.value = found.value;
     }
   }
-  if (isOvertaken && found.isPromoted) bringInLine(account, *backends.front());
+  if (isOvertaken && isPromoted) bringInLine(account, *backends.front());
   return isNews;
 }
 
-void SecureTokenStore::finishRemoval(const QString& account, SecretBackend& backend,
+/// Whether it's finished, and nothing has come in between.
+bool SecureTokenStore::finishRemoval(const QString& account, SecretBackend& backend,
                                      unsigned changeCount) {
   const auto removed = backend.remove(service(), account);
   bool isOvertaken = false;
@@ -172,6 +191,7 @@ void SecureTokenStore::finishRemoval(const QString& account, SecretBackend& back
     bringInLine(account, backend);
   else
     settleRemoval(account, removed);
+  return !isOvertaken && isWithoutIt(removed);
 }
 
 /// What was done here may have undone what a write or a removal did at the same time.
@@ -202,6 +222,11 @@ void SecureTokenStore::settleRemoval(const QString& account,
   Memory& memory = m_memory[account];
   memory.isRemovalOpen = !outcome && outcome.error() == SecretError::Failed;
   memory.standing = memory.isRemovalOpen ? Standing::Open : Standing::Settled;
+}
+
+void SecureTokenStore::leaveOpen(const QString& account) {
+  const std::lock_guard lock(m_mutex);
+  m_memory[account].standing = Standing::Open;
 }
 
 }  // namespace vemo

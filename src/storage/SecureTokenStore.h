@@ -48,14 +48,15 @@ class SecureTokenStore {
   enum class Standing {
     Settled,
     NoStore,  ///< there was no such store on this desktop
-    Open,     ///< locked or silent: it may hold a secret that nobody knows, or one that was removed
+    Open,     ///< locked or silent: it may hold a secret that nobody knows, or one that was
+              ///< removed, or has still to take one that went elsewhere
   };
   Standing standing(const QString& account) const;
 
-  /// Asks these backends, in their order, whatever is in memory, or removes what a removal has left
-  /// behind. Takes as long as they take, so it is for a thread that may wait. Writes and removals
-  /// meanwhile count more than the answer. True when read() answers for the first time, or
-  /// differently.
+  /// Removes what a removal has left behind, and asks these backends, in their order, whatever is
+  /// in memory. A first one that answers takes what a later one has. Takes as long as they take, so
+  /// it is for a thread that may wait. Writes and removals meanwhile count more than the answer.
+  /// True when read() answers for the first time, or differently.
   bool refresh(const QString& account, const std::vector<SecretBackend*>& backends);
 
  private:
@@ -71,16 +72,16 @@ class SecureTokenStore {
 
   struct Found {
     std::optional<QString> value;
-    Standing standing = Standing::Settled;
-    bool isPromoted = false;
+    SecretBackend* place = nullptr;          ///< that has it
+    Standing standing = Standing::Settled;  ///< of the first
   };
 
   Found lookUp(const QString& account, const Backends& backends);
-  bool promote(const QString& account, const QByteArray& secret, SecretBackend& to,
-               SecretBackend& from);
-  void finishRemoval(const QString& account, SecretBackend& backend, unsigned changeCount);
+  Standing promote(const QString& account, const Found& found, SecretBackend& to);
+  bool finishRemoval(const QString& account, SecretBackend& backend, unsigned changeCount);
   void bringInLine(const QString& account, SecretBackend& backend);
   void settleRemoval(const QString& account, const std::expected<void, SecretError>& outcome);
+  void leaveOpen(const QString& account);
   Memory memoryOf(const QString& account) const;
   void remember(const QString& account, std::optional<QString> value);
 

@@ -10,8 +10,10 @@ namespace vemo {
 namespace {
 
 using namespace std::chrono_literals;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::Not;
 using testing::SizeIs;
 using Standing = SecureTokenStore::Standing;
 
@@ -180,6 +182,48 @@ TEST_F(TokenReaderTest, ASealedTokenCountsWhileTheKeyringIsLocked) {
   EXPECT_EQ(tokens.read(account), u"token"_s);
 }
 
+TEST_F(TokenReaderTest, ALockedKeyringIsOfferedNoSealedTokenAndGetsItOnceItIsUnlocked) {
+  sealed.items[item] = "token";
+  keyring.failEverythingWith(SecretError::Failed);
+  startAndSettle();
+  advance(1s);
+  EXPECT_THAT(keyring.calls, Not(Contains(u"add brelmox.Vemo authToken"_s)));
+  EXPECT_EQ(sealed.items.at(item), "token");
+  keyring.failEverythingWith({});
+  reader->keyringChanged();
+  settle();
+  EXPECT_EQ(keyring.items.at(item), "token");
+  EXPECT_THAT(sealed.items, IsEmpty());
+  EXPECT_EQ(tokens.standing(account), Standing::Settled);
+  EXPECT_THAT(news, IsEmpty());
+}
+
+TEST_F(TokenReaderTest, ATokenThatASilentKeyringDidNotTakeMovesThereOnceItAnswers) {
+  startAndSettle();
+  keyring.addFailure = SecretError::Failed;
+  EXPECT_TRUE(tokens.write(u"token"_s, account));
+  reader->secretsChanged();
+  settle();
+  EXPECT_EQ(sealed.items.at(item), "token");
+  keyring.addFailure.reset();
+  advance(1s);
+  EXPECT_EQ(keyring.items.at(item), "token");
+  EXPECT_THAT(sealed.items, IsEmpty());
+  EXPECT_EQ(tokens.read(account), u"token"_s);
+  EXPECT_THAT(news, IsEmpty());
+}
+
+TEST_F(TokenReaderTest, ATokenThatAMissingKeyringDidNotTakeIsLeftAlone) {
+  keyring.failEverythingWith(SecretError::Unavailable);
+  startAndSettle();
+  EXPECT_TRUE(tokens.write(u"token"_s, account));
+  reader->secretsChanged();
+  keyring.calls.clear();
+  advance(10min);
+  EXPECT_THAT(keyring.calls, IsEmpty());
+  EXPECT_EQ(sealed.items.at(item), "token");
+}
+
 TEST_F(TokenReaderTest, ASignInMeanwhileCountsMoreThanTheAnswer) {
   keyring.items[item] = "old";
   keyring.onFound = [this] {
@@ -218,7 +262,7 @@ TEST_F(TokenReaderTest, ASignOutThatALockedKeyringRefusedIsDoneOnceItIsUnlocked)
   EXPECT_EQ(tokens.standing(account), Standing::Settled);
 }
 
-TEST_F(TokenReaderTest, AnOldTokenThatALockedKeyringKeptGoesAndTheSealedNewOneStays) {
+TEST_F(TokenReaderTest, AnOldTokenThatALockedKeyringKeptGoesAndTheSealedNewOneTakesItsPlace) {
   keyring.items[item] = "old";
   startAndSettle();
   keyring.failEverythingWith(SecretError::Failed);
@@ -229,9 +273,23 @@ TEST_F(TokenReaderTest, AnOldTokenThatALockedKeyringKeptGoesAndTheSealedNewOneSt
   keyring.failEverythingWith({});
   reader->keyringChanged();
   settle();
-  EXPECT_EQ(keyring.items.count(item), 0);
+  EXPECT_EQ(keyring.items.at(item), "new");
+  EXPECT_THAT(sealed.items, IsEmpty());
   EXPECT_EQ(tokens.read(account), u"new"_s);
   EXPECT_EQ(SecureTokenStore({&keyring, &sealed}, debugLog).read(account), u"new"_s);
+}
+
+TEST_F(TokenReaderTest, ATokenThatIsStillSealedDoesNotSignInAgainAfterARepeatedRemoval) {
+  keyring.items[item] = "token";
+  startAndSettle();
+  sealed.items[item] = "token";
+  keyring.removeFailure = sealed.removeFailure = SecretError::Failed;
+  EXPECT_FALSE(tokens.remove(account));
+  keyring.removeFailure.reset();
+  reader->secretsChanged();
+  settle();
+  EXPECT_EQ(tokens.read(account), std::nullopt);
+  EXPECT_THAT(keyring.items, IsEmpty());
 }
 
 TEST_F(TokenReaderTest, ASignInDuringTheRepeatedRemovalIsPutBack) {
