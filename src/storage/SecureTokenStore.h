@@ -72,7 +72,7 @@ class SecureTokenStore {
 
   struct Found {
     std::optional<QString> value;
-    SecretBackend* place = nullptr;          ///< that has it
+    SecretBackend* place = nullptr;         ///< that has it
     Standing standing = Standing::Settled;  ///< of the first
   };
 
