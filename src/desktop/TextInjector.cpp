@@ -18,7 +18,6 @@ namespace {
 
 constexpr auto modifierPollInterval = 5ms;
 constexpr int mostModifierPolls = 60;
-constexpr auto pasteKeyGap = 20ms;
 /// What the target gets to read the clipboard after the keystroke.
 constexpr auto restoreDelay = 900ms;
 

@@ -3,6 +3,7 @@
 // Main thread only.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 
@@ -20,9 +21,13 @@ using ModifierFlags = std::uint32_t;
 inline constexpr ModifierFlags allModifierFlags =
     ShiftFlag | ControlFlag | OptionFlag | CommandFlag;
 
+/// How long the paste's key stays down.
+inline constexpr std::chrono::milliseconds pasteKeyGap{20};
+
 /// One paste keystroke, ready to go. The target sees the paste chord and no other modifier,
 /// whatever the user holds meanwhile; after release() (or destruction, which releases) the
-/// keyboard's logical state is the physical one again.
+/// keyboard's logical state is the physical one again. release() is due pasteKeyGap after press().
+/// However late it comes, the key has gone down once.
 class PasteKeystroke {
  public:
   virtual ~PasteKeystroke() = default;

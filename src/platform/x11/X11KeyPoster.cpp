@@ -16,12 +16,12 @@ class X11PasteKeystroke : public PasteKeystroke {
 
   void press() override {
     if (std::exchange(m_isDown, true)) return;
-    m_keyboard->pressChord(m_chord);
+    m_keyboard->strikeChord(m_chord);
   }
 
   void release() override {
     if (!std::exchange(m_isDown, false)) return;
-    m_keyboard->releaseChord(m_chord);
+    m_keyboard->giveModifiersBack();
   }
 
  private:

@@ -67,19 +67,20 @@ X11Keyboard::Locks X11Keyboard::locks() {
   return {state->lockedGroup, state->lockedMods};
 }
 
-void X11Keyboard::pressChord(const KeyChord& chord) {
+void X11Keyboard::strikeChord(const KeyChord& chord) {
   m_connection->processEvents();
   const Locks before = locks();
   const bool hasGroups = m_keymap->groupCount() > 1;
   watchUsersKeys(true);
   m_usersKeys = pressedKeys();
   m_onBehalf.clear();
-  m_isChordDown = true;
+  m_isStriking = true;
 
   for (std::size_t i = 0; i < m_usersKeys.size(); ++i) {
     const auto code = static_cast<xcb_keycode_t>(i);
     if (m_usersKeys[i] && m_keymap->isHeldModifier(code)) m_lifted.insert(code);
   }
+  if (!m_lifted.empty()) postMeaninglessKey();
   // A key that counts as down already can't be pressed, and another program may have left the
   // virtual keyboard's own that way.
   m_lifted.insert(chord.modifiers.begin(), chord.modifiers.end());
@@ -96,22 +97,24 @@ void X11Keyboard::pressChord(const KeyChord& chord) {
   if (hasGroups) lock(chord.key.group, lacking, lacking);
   post(Strike::Press, chord.key.code);
   if (hasGroups) lock(before.group, lacking, 0);
+  post(Strike::Release, chord.key.code, pasteKeyGap);
+  for (const xcb_keycode_t code : chord.modifiers | std::views::reverse)
+    post(Strike::Release, code);
   m_connection->flush();
 }
 
-void X11Keyboard::releaseChord(const KeyChord& chord) {
-  post(Strike::Release, chord.key.code);
-  for (const xcb_keycode_t code : chord.modifiers | std::views::reverse)
-    post(Strike::Release, code);
+void X11Keyboard::giveModifiersBack() {
+  // The answer comes once the chord is up.
   m_connection->synchronize();
   m_connection->processEvents();
 
-  m_isChordDown = false;
+  m_isStriking = false;
   for (const xcb_keycode_t code : std::exchange(m_lifted, {})) {
     if (!m_usersKeys[code] || !m_keymap->isHeldModifier(code)) continue;
     post(Strike::Press, code);
     m_onBehalf.insert(code);
   }
+  if (!m_onBehalf.empty()) postMeaninglessKey();
   // The user may have let go of one just before it was pressed again.
   m_connection->synchronize();
   m_connection->processEvents();
@@ -120,18 +123,23 @@ void X11Keyboard::releaseChord(const KeyChord& chord) {
 
 void X11Keyboard::strikeMeaninglessKey() {
   m_connection->processEvents();
-  const auto code = m_keymap->meaninglessKey();
-  if (!code) return;
-  post(Strike::Press, *code);
-  post(Strike::Release, *code);
+  postMeaninglessKey();
   if (!m_isWatching) m_posted.clear();
   m_connection->flush();
 }
 
-void X11Keyboard::post(Strike strike, xcb_keycode_t code) {
+void X11Keyboard::postMeaninglessKey() {
+  const auto code = m_keymap->meaninglessKey();
+  if (!code) return;
+  post(Strike::Press, *code);
+  post(Strike::Release, *code);
+}
+
+void X11Keyboard::post(Strike strike, xcb_keycode_t code, std::chrono::milliseconds delay) {
   const std::uint8_t event = strike == Strike::Press ? XCB_KEY_PRESS : XCB_KEY_RELEASE;
   X11OwnKeys::announce(*m_connection, strike, code);
-  m_posted.insert(xcb_test_fake_input(m_connection->xcb(), event, code, XCB_CURRENT_TIME,
+  m_posted.insert(xcb_test_fake_input(m_connection->xcb(), event, code,
+                                      static_cast<std::uint32_t>(delay.count()),
                                       m_connection->root(), 0, 0, 0)
                       .sequence);
   // Moves the sequence on, too, so that no event of the user carries the number of one of ours.
@@ -160,13 +168,13 @@ void X11Keyboard::handleEvent(const xcb_generic_event_t& event) {
 
 void X11Keyboard::handleUsersKey(Strike strike, xcb_keycode_t code) {
   m_usersKeys[code] = strike == Strike::Press;
-  if (m_isChordDown || strike == Strike::Press || m_onBehalf.erase(code) == 0) return;
+  if (m_isStriking || strike == Strike::Press || m_onBehalf.erase(code) == 0) return;
   post(Strike::Release, code);
   stopWatchingWhenIdle();
 }
 
 void X11Keyboard::stopWatchingWhenIdle() {
-  if (m_isChordDown || !m_onBehalf.empty() || !m_isWatching) return;
+  if (m_isStriking || !m_onBehalf.empty() || !m_isWatching) return;
   watchUsersKeys(false);
   m_posted.clear();
   m_connection->flush();

@@ -6,8 +6,17 @@
 // listens to what the user's keys really do; it listens to nothing at any other time. Every posted
 // key is announced (X11OwnKeys) at the connection's window. When the server goes, the calls do
 // nothing.
+//
+// A whole chord is sent at once, and the server itself sees to the time that its key is down: a
+// program that is kept from running meanwhile would let the server repeat the key, and leave
+// Control held for what the user types next. What else is sent waits until the chord is up.
+//
+// Many programs take an Alt or Super that goes down and comes up alone for a wish, and put the
+// focus into their menu bar; input methods may take a Shift so. The target sees the held modifiers
+// come up and go down again, so they get a meaningless key's company both times.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <set>
@@ -45,10 +54,10 @@ class X11Keyboard {
   };
   Locks locks();
 
-  /// Lifts the modifiers that are down and presses the chord.
-  void pressChord(const KeyChord& chord);
-  /// Lifts the chord, and presses the modifiers again that the user still holds.
-  void releaseChord(const KeyChord& chord);
+  /// Lifts the modifiers that are down and strikes the chord.
+  void strikeChord(const KeyChord& chord);
+  /// Once the chord is up, presses the modifiers again that the user still holds.
+  void giveModifiersBack();
 
   /// Presses and releases a key that has no symbol; none when every key has one.
   void strikeMeaninglessKey();
@@ -58,7 +67,8 @@ class X11Keyboard {
               X11RawInput input);
 
   X11Keys pressedKeys();
-  void post(Strike strike, xcb_keycode_t code);
+  void post(Strike strike, xcb_keycode_t code, std::chrono::milliseconds delay = {});
+  void postMeaninglessKey();
   void lock(X11Keymap::Group group, std::uint8_t affectedModifiers, std::uint8_t modifiers);
   void watchUsersKeys(bool isWatching);
   void handleEvent(const xcb_generic_event_t& event);
@@ -68,7 +78,7 @@ class X11Keyboard {
   std::unique_ptr<X11Connection> m_connection;
   std::unique_ptr<X11Keymap> m_keymap;
   X11RawInput m_input;
-  bool m_isChordDown = false;
+  bool m_isStriking = false;
   bool m_isWatching = false;
   X11Keys m_usersKeys;                 ///< what the user holds, kept while watching
   std::uint32_t m_readAt = 0;          ///< sequence of the request that m_usersKeys began with

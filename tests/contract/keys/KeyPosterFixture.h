@@ -53,6 +53,12 @@ class KeyPosterFixture : public testing::Test {
     });
     return found == events.end() ? std::nullopt : std::optional(*found);
   }
+  /// How many times the target saw the key go down.
+  std::ptrdiff_t pasteCount() const {
+    return std::ranges::count_if(target->keyEvents(), [](const auto& event) {
+      return event.isPress && event.symbol == XKB_KEY_v;
+    });
+  }
   /// The modifiers with which the target saw the key go down.
   unsigned int pasteModifiers() const {
     const auto event = find(true);

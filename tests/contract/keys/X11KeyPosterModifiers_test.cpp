@@ -5,11 +5,27 @@
 namespace vemo {
 namespace {
 
+using std::chrono::milliseconds;
+using testing::ElementsAre;
 using testing::IsEmpty;
 
 class X11KeyPosterModifiersTest : public KeyPosterFixture {
  protected:
   X11KeyPosterModifiersTest() { openTarget(); }
+
+  /// Whether the target saw the key go up right after it went down.
+  bool cameUpAlone(xcb_keycode_t code) const {
+    const auto& events = target->keyEvents();
+    return std::ranges::adjacent_find(events, [code](const auto& event, const auto& next) {
+             return event.code == code && event.isPress && next.code == code && !next.isPress;
+           }) != events.end();
+  }
+  /// How many times the target saw the key go up.
+  std::ptrdiff_t releases(xcb_keycode_t code) const {
+    return std::ranges::count_if(target->keyEvents(), [code](const auto& event) {
+      return event.code == code && !event.isPress;
+    });
+  }
 };
 
 TEST_F(X11KeyPosterModifiersTest, APasteIsControlVAndLeavesNoKeyDown) {
@@ -23,6 +39,47 @@ TEST_F(X11KeyPosterModifiersTest, TheTargetSeesTheKeyUpWithControlStillDown) {
   paste();
   ASSERT_TRUE(find(false));
   EXPECT_EQ(find(false)->modifiers, controlMask);
+}
+
+TEST_F(X11KeyPosterModifiersTest, TheKeyStaysDownForItsTime) {
+  paste();
+  ASSERT_TRUE(find(false));
+  EXPECT_GE(milliseconds(find(false)->time - find(true)->time), pasteKeyGap);
+}
+
+TEST_F(X11KeyPosterModifiersTest, AProgramThatIsKeptFromReleasingHasPressedTheKeyOnce) {
+  const auto keystroke = poster->makePaste();
+  ASSERT_TRUE(keystroke);
+  keystroke->press();
+  // A key that stays down comes up here, too: it repeats.
+  ASSERT_TRUE(EventLoop::runUntil([this] { return find(false) || pasteCount() > 1; }));
+  EXPECT_EQ(pasteCount(), 1);
+  EXPECT_TRUE(EventLoop::runUntil([this] { return user.keysDown().empty(); }));
+  keystroke->release();
+  EXPECT_THAT(user.keysDown(), IsEmpty());
+}
+
+TEST_F(X11KeyPosterModifiersTest, AHeldModifierHasCompanyEachTimeThatTheTargetSeesIt) {
+  for (const xkb_keysym_t key : {XKB_KEY_Alt_L, XKB_KEY_Super_L, XKB_KEY_Shift_L}) {
+    openTarget();
+    user.press(key);
+    paste();
+    user.release(key);
+    const xcb_keycode_t code = user.codeOf(key);
+    ASSERT_TRUE(EventLoop::runUntil([&] { return releases(code) == 2; })) << key;
+    EXPECT_FALSE(cameUpAlone(code)) << key;
+    EXPECT_EQ(pasteModifiers(), controlMask) << key;
+  }
+}
+
+TEST_F(X11KeyPosterModifiersTest, APasteWithNoModifierHeldHasNoCompany) {
+  paste();
+  ASSERT_TRUE(EventLoop::runUntil([this] { return target->keyEvents().size() >= 4; }));
+  std::vector<xcb_keycode_t> codes;
+  for (const auto& event : target->keyEvents()) codes.push_back(event.code);
+  const xcb_keycode_t control = user.codeOf(XKB_KEY_Control_L);
+  const xcb_keycode_t v = user.codeOf(XKB_KEY_v);
+  EXPECT_THAT(codes, ElementsAre(control, v, v, control));
 }
 
 TEST_F(X11KeyPosterModifiersTest, HeldModifiersDoNotReachTheTargetAndAreHeldAfterwards) {

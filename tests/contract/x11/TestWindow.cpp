@@ -53,7 +53,8 @@ void TestWindow::handleEvent(const xcb_generic_event_t& event) {
     case XCB_KEY_RELEASE: {
       const auto& key = reinterpret_cast<const xcb_key_press_event_t&>(event);
       m_keyEvents.push_back({(event.response_type & 0x7F) == XCB_KEY_PRESS, key.detail,
-                             static_cast<uint16_t>(key.state & realModifiers), symbolOf(key)});
+                             static_cast<uint16_t>(key.state & realModifiers), symbolOf(key),
+                             key.time});
       break;
     }
     default:

@@ -22,6 +22,7 @@ class TestWindow {
     xcb_keycode_t code;
     uint16_t modifiers;   ///< the real modifiers in force before the event
     xkb_keysym_t symbol;  ///< in the group and the keymap in force at the event's time, unshifted
+    xcb_timestamp_t time;
   };
   const std::vector<KeyEvent>& keyEvents() const { return m_keyEvents; }
   bool hasFocus() const { return m_hasFocus; }
