@@ -33,8 +33,8 @@ def contents():
     return [(name, read_format(name)) for name in formats()]
 
 
-class ClipboardOwner:
-    """A program that has copied something: `with ClipboardOwner([("UTF8_STRING", b"…")]):`"""
+class Copier:
+    """A program that is ready to copy something: `with Copier([("UTF8_STRING", b"…")]) as copier: copier.copy()`"""
 
     def __init__(self, content):
         self._content = [(name, base64.b64encode(data).decode()) for name, data in content]
@@ -45,20 +45,37 @@ class ClipboardOwner:
         self._said = []
         self._reader = threading.Thread(target=self._listen, daemon=True)
         self._reader.start()
-        self._process.stdin.write(json.dumps(self._content) + "\n")
-        self._process.stdin.close()
-        wait_until(lambda: "owner" in self._said, "the clipboard to have its owner")
+        self._send(json.dumps(self._content))
+        wait_until(lambda: "ready" in self._said, "the program to be ready to copy")
         return self
 
     def __exit__(self, *_):
         self._process.terminate()
         self._process.wait()
         self._reader.join()
+        self._process.stdin.close()
         self._process.stdout.close()
+
+    def copy(self):
+        self._send("copy")
+        wait_until(lambda: "owner" in self._said, "the clipboard to have its owner")
 
     def has_lost_it(self):
         return "lost" in self._said
 
+    def _send(self, line):
+        self._process.stdin.write(line + "\n")
+        self._process.stdin.flush()
+
     def _listen(self):
         for line in self._process.stdout:
             self._said.append(line.strip())
+
+
+class ClipboardOwner(Copier):
+    """A program that has copied something: `with ClipboardOwner([("UTF8_STRING", b"…")]):`"""
+
+    def __enter__(self):
+        super().__enter__()
+        self.copy()
+        return self

@@ -1,8 +1,8 @@
 #!/usr/bin/python3
 """Owns the clipboard as an application would, with any formats: the other side of clipboard.py.
 
-Reads one JSON line, a list of [format, bytes in base64]; prints "owner" once the clipboard is its own,
-"lost" when another has taken it, and serves until then.
+Reads one JSON line, a list of [format, bytes in base64], and prints "ready". At the next line it takes the
+clipboard; prints "owner" once that is its own, "lost" when another has taken it, and serves until then.
 """
 
 import base64
@@ -39,6 +39,9 @@ def main():
     window.connect("selection-clear-event", lost)
     for number, (name, _) in enumerate(formats):
         Gtk.selection_add_target(window, clipboard, Gdk.Atom.intern(name, False), number)
+    say("ready")
+    if not sys.stdin.readline():
+        return
     if not Gtk.selection_owner_set(window, clipboard, Gdk.CURRENT_TIME):
         sys.exit("the clipboard could not be had")
     GLib.idle_add(say, "owner")

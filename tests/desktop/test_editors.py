@@ -6,12 +6,13 @@ import unittest
 
 import editors
 import keyboard
-from clipboard import ClipboardOwner, contents
+from clipboard import ClipboardOwner, Copier, contents
 from dictation_server import DictationServer, transcription
-from vemo_program import Vemo, store_token, with_settings
+from vemo_program import Vemo, say, store_token, with_settings
 from virtual_desktop import DesktopError, wait_until
 
 SENTENCE = "A sentence for the clipboard to give way to."
+MOST_COPIES = 5
 PNG_HEADER = b"\x89PNG\r\n\x1a\n"
 
 
@@ -115,12 +116,30 @@ class IntoAnEditor:
 
     def test_a_copy_made_within_the_wait_survives(self):
         editor = self.open_editor()
-        with ClipboardOwner([("UTF8_STRING", b"copied before")]):
-            self.dictate(editor, SENTENCE)
-            with ClipboardOwner([("UTF8_STRING", b"copied meanwhile")]):
-                self.vemo.await_logged("inject: pasteboard changed since our write")
-                self.assertEqual(contents(), [("UTF8_STRING", b"copied meanwhile")])
-        self.assertEqual(editor.text(), SENTENCE)
+        # On a machine that stalls, a copy may miss the wait; it then tells nothing, and the next may not.
+        for attempt in range(1, MOST_COPIES + 1):
+            if self.copy_after_dictating(editor, SENTENCE * attempt):
+                break
+        else:
+            self.fail(f"none of {MOST_COPIES} copies came within the wait")
+        self.assertEqual(editor.text(), SENTENCE * attempt)
+
+    def copy_after_dictating(self, editor, text):
+        """Copies as soon as the sentence completes the text; whether Vemo's wait wasn't over by then."""
+        in_time, too_late = "inject: pasteboard changed since our write", "inject: restored original pasteboard"
+        times_in_time, times_too_late = self.vemo.logged(in_time), self.vemo.logged(too_late)
+        copied = [("UTF8_STRING", b"copied meanwhile")]
+        with ClipboardOwner([("UTF8_STRING", b"copied before")]), Copier(copied) as copier:
+            self.server.answers = [transcription(SENTENCE)]
+            self.vemo.start()
+            say(self.vemo.tone)
+            self.vemo.call("stop")
+            wait_until(lambda: editor.text() == text, "the text to arrive")
+            copier.copy()
+            wait_until(lambda: self.vemo.logged(in_time) > times_in_time or self.vemo.logged(too_late) > times_too_late,
+                       lambda: f"the wait to be over; {self.vemo.story()}")
+            self.assertEqual(contents(), copied)
+        return self.vemo.logged(in_time) > times_in_time
 
     # Keys that are down
 
@@ -132,6 +151,7 @@ class IntoAnEditor:
                 self.dictate(editor, SENTENCE)
                 self.vemo.await_logged("inject: modifiers cleared cleanly=false")
                 wait_until(lambda: keys.keys_down() == {keys.code(key)}, "the held key, and no other, to count again")
+                self.assertTrue(editor.has_focus(), "the held key has taken the focus from the text")
             finally:
                 keyboard.release(key)
             wait_until(lambda: keys.keys_down() == set(), "every key to be up")
