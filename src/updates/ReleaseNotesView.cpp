@@ -3,6 +3,7 @@
 #include <md4c.h>
 
 #include <QUrl>
+#include <optional>
 
 namespace vemo {
 
@@ -45,6 +46,9 @@ struct Markup {
   QByteArray html;
   bool isGuardTaken = false;
   std::vector<bool> linkIsWritten;
+  std::vector<InlineLink> links;
+
+  bool isInLink() const { return !linkIsWritten.empty() && linkIsWritten.back(); }
 };
 
 bool isPage(const QByteArray& address) {
@@ -56,12 +60,13 @@ bool isPage(const QByteArray& address) {
 void openLink(Markup& markup, const MD_ATTRIBUTE& target) {
   const QByteArray address(target.text, target.size);
   markup.linkIsWritten.push_back(isPage(address));
-  if (markup.linkIsWritten.back())
-    markup.html += "<a href=\"" + QString::fromUtf8(address).toHtmlEscaped().toUtf8() + "\">";
+  if (!markup.isInLink()) return;
+  markup.links.push_back({.words = {}, .address = QString::fromUtf8(address)});
+  markup.html += "<a href=\"" + QString::fromUtf8(address).toHtmlEscaped().toUtf8() + "\">";
 }
 
 void closeLink(Markup& markup) {
-  if (markup.linkIsWritten.back()) markup.html += "</a>";
+  if (markup.isInLink()) markup.html += "</a>";
   markup.linkIsWritten.pop_back();
 }
 
@@ -101,6 +106,7 @@ int addText(MD_TEXTTYPE type, const MD_CHAR* text, MD_SIZE size, void* user) {
     bytes = bytes.sliced(1);
     markup.isGuardTaken = true;
   }
+  if (markup.isInLink()) markup.links.back().words += QString::fromUtf8(bytes);
   if (type == MD_TEXT_ENTITY) {
     markup.html.append(bytes);
   } else if (type == MD_TEXT_NULLCHAR) {
@@ -115,6 +121,24 @@ int passBlock(MD_BLOCKTYPE, void*, void*) {
   return 0;
 }
 
+/// Nothing where it can't be read.
+std::optional<Markup> read(const QString& text) {
+  Markup markup;
+  const QByteArray guarded = guard + text.toUtf8();
+  const MD_PARSER parser{.abi_version = 0,
+                         .flags = MD_FLAG_NOHTML | MD_FLAG_STRIKETHROUGH,
+                         .enter_block = passBlock,
+                         .leave_block = passBlock,
+                         .enter_span = enterSpan,
+                         .leave_span = leaveSpan,
+                         .text = addText,
+                         .debug_log = nullptr,
+                         .syntax = nullptr};
+  const auto size = static_cast<MD_SIZE>(guarded.size());
+  if (md_parse(guarded.constData(), size, &parser, &markup) != 0) return std::nullopt;
+  return markup;
+}
+
 }  // namespace
 
 ReleaseNotesView::ReleaseNotesView(const QString& markdown) {
@@ -127,21 +151,14 @@ ReleaseNotesView::ReleaseNotesView(const QString& markdown) {
 }
 
 QString inlineMarkup(const QString& text) {
-  Markup markup;
-  const QByteArray guarded = guard + text.toUtf8();
-  const MD_PARSER parser{.abi_version = 0,
-                         .flags = MD_FLAG_NOHTML | MD_FLAG_STRIKETHROUGH,
-                         .enter_block = passBlock,
-                         .leave_block = passBlock,
-                         .enter_span = enterSpan,
-                         .leave_span = leaveSpan,
-                         .text = addText,
-                         .debug_log = nullptr,
-                         .syntax = nullptr};
-  const bool isRead =
-      md_parse(guarded.constData(), static_cast<MD_SIZE>(guarded.size()), &parser, &markup) == 0;
-  const QString html = isRead ? QString::fromUtf8(markup.html) : text.toHtmlEscaped();
+  const auto markup = read(text);
+  const QString html = markup ? QString::fromUtf8(markup->html) : text.toHtmlEscaped();
   return u"<span style=\"white-space: pre-wrap\">"_s + html + u"</span>"_s;
+}
+
+std::vector<InlineLink> inlineLinks(const QString& text) {
+  const auto markup = read(text);
+  return markup ? markup->links : std::vector<InlineLink>();
 }
 
 }  // namespace vemo

@@ -38,4 +38,14 @@ class ReleaseNotesView {
 /// is.
 QString inlineMarkup(const QString& text);
 
+struct InlineLink {
+  QString words;  ///< as they are read
+  QString address;
+
+  friend bool operator==(const InlineLink&, const InlineLink&) = default;
+};
+
+/// The links of that rich text, in its order.
+std::vector<InlineLink> inlineLinks(const QString& text);
+
 }  // namespace vemo

@@ -73,6 +73,10 @@ class AccountService:
         return self
 
     def __exit__(self, *_):
+        self.stop()
+
+    def stop(self):
+        """From now on nobody answers."""
         self._process.terminate()
         self._process.wait(30)
         self._process.stdout.close()

@@ -8,10 +8,18 @@ import subprocess
 import tempfile
 import unittest
 
+from accessibility import Walks
 from companion_service import CompanionService
 from vemo_program import Vemo, program
 from virtual_desktop import wait_until
 from windows import Role, main_window
+
+NOTES = """# Quicker
+- The window opens at once
+- Reads [more languages](https://languages.example/all)
+
+Thanks to all who wrote.
+"""
 
 
 def release(*arguments):
@@ -37,7 +45,8 @@ class UpdatingCopy:
         feed.mkdir()
         self.key = release("new-key", folder / "key")
         lay_out(folder / "next", "vemo-next-build")
-        release("add", folder / "key", feed, folder / "next", "9.9.9", 99)
+        (folder / "notes").write_text(NOTES)
+        release("add", "--notes", folder / "notes", folder / "key", feed, folder / "next", "9.9.9", 99)
         release("check", self.key, feed)
         service = self.enterContext(CompanionService(folder, f"[updates]\nfolder = {feed}\n"))
         self.copy = folder / "vemo"
@@ -67,13 +76,28 @@ class UpdatingCopy:
         self.assertEqual(told.strip(), "Vemo 9.9.9 (99)")
 
 
-class CardTest(UpdatingCopy, unittest.TestCase):
+class CardTest(Walks, UpdatingCopy, unittest.TestCase):
     def test_the_cards_button_starts_the_next_build_in_place_of_the_running_one(self):
-        main_window(self.vemo).click("Restart to Update", Role.PUSH_BUTTON)
+        main = main_window(self.vemo)
+        main.await_item("Restart to Update", Role.PUSH_BUTTON)
+        self.assert_page_usable(main)
+        self.assert_notes_usable(main)
+        main.click("Restart to Update", Role.PUSH_BUTTON)
         wait_until(self.runs_the_next_build, lambda: f"the next build to start; {self.vemo.log.read_text()}")
         wait_until(self.vemo.is_idle, lambda: f"the next build to be idle; {self.vemo.story()}")
         self.assertEqual(self.vemo.logged("updates: restarting to install 9.9.9"), 1)
         self.assert_that_the_next_build_has_come()
+
+    def assert_notes_usable(self, main):
+        main.click("What's new")
+        self.await_sheet(main, "What's new")
+        self.assertEqual([(item.role, item.name) for item in main.sheet()],
+                         [(Role.DOCUMENT_FRAME, "What's new"), (Role.HEADING, "Quicker"),
+                          (Role.LABEL, "The window opens at once"), (Role.LABEL, "Reads more languages"),
+                          (Role.LINK, "more languages"), (Role.LABEL, "Thanks to all who wrote.")])
+        self.assert_usable(main, main.sheet)
+        self.leave(main, "What's new", "What's new")
+        self.assertEqual(main.focused().role, Role.PUSH_BUTTON)
 
 
 class QuitTest(UpdatingCopy, unittest.TestCase):

@@ -15,6 +15,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     QString markup = inlineMarkup(block.text);
     markup.remove(allowed);
     require(!markup.contains(QChar(u'<')) && !markup.contains(QChar(u'>')));
+    for (const auto& link : inlineLinks(block.text))
+      require(link.address.startsWith(QStringLiteral("http"), Qt::CaseInsensitive));
   }
   return 0;
 }

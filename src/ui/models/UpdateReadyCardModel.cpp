@@ -24,6 +24,13 @@ QString nameOf(ReleaseNotesView::Block::Kind kind) {
   return {};
 }
 
+QVariantList linksOf(const QString& text) {
+  QVariantList links;
+  for (const auto& [words, address] : inlineLinks(text))
+    links.append(QVariantMap{{u"words"_s, words}, {u"address"_s, address}});
+  return links;
+}
+
 }  // namespace
 
 UpdateReadyCardModel::UpdateReadyCardModel(UpdateManager& updates, AppState& appState)
@@ -48,8 +55,9 @@ QVariantList UpdateReadyCardModel::notes() const {
   QVariantList rows;
   if (!hasNotes()) return rows;
   for (const auto& block : ReleaseNotesView(*m_updates.readyUpdate()->notes).rows())
-    rows.append(
-        QVariantMap{{u"kind"_s, nameOf(block.kind)}, {u"markup"_s, inlineMarkup(block.text)}});
+    rows.append(QVariantMap{{u"kind"_s, nameOf(block.kind)},
+                            {u"markup"_s, inlineMarkup(block.text)},
+                            {u"links"_s, linksOf(block.text)}});
   return rows;
 }
 

@@ -25,7 +25,8 @@ class UpdateReadyCardModel : public QObject {
   Q_PROPERTY(QString tooltip READ tooltip NOTIFY changed)
   Q_PROPERTY(bool hasNotes READ hasNotes NOTIFY changed)
   Q_PROPERTY(bool showNotes READ showNotes NOTIFY changed)
-  /// Rows with `kind` ("heading", "bullet", "paragraph") and `markup`, in Qt's rich text.
+  /// Rows with `kind` ("heading", "bullet", "paragraph"), `markup`, in Qt's rich text, and its
+  /// `links`, with `words` and `address`.
   Q_PROPERTY(QVariantList notes READ notes NOTIFY changed)
 
  public:

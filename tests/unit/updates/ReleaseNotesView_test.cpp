@@ -79,6 +79,15 @@ TEST(ReleaseNotesTest, EmphasisCodeAndLinksAreMarkedUp) {
             u"<a href=\"https://example.com/a?b=1&amp;c=2\">notes</a>"_s);
 }
 
+TEST(ReleaseNotesTest, LinksAreNamedAsTheyAreReadAndInTheirOrder) {
+  EXPECT_THAT(inlineLinks(u"See [the *notes*](https://e.com/a?b=1&c=2) or [all](http://e.com)"_s),
+              ElementsAre(InlineLink{u"the notes"_s, u"https://e.com/a?b=1&c=2"_s},
+                          InlineLink{u"all"_s, u"http://e.com"_s}));
+  EXPECT_THAT(inlineLinks(u"[![seen](https://e.com/x.png)](https://e.com)"_s),
+              ElementsAre(InlineLink{u"seen"_s, u"https://e.com"_s}));
+  EXPECT_THAT(inlineLinks(u"[a](file:///etc/passwd) [notes](https://exa mple"_s), IsEmpty());
+}
+
 TEST(ReleaseNotesTest, BlanksAreKept) {
   EXPECT_EQ(markupOf(u"a   b"_s), u"a   b"_s);
 }

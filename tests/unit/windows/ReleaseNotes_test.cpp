@@ -48,9 +48,14 @@ class NotesModel : public QObject {
 
  public:
   explicit NotesModel(const QString& markdown) {
-    for (const auto& block : ReleaseNotesView(markdown).rows())
-      notes.append(
-          QVariantMap{{u"kind"_s, u"paragraph"_s}, {u"markup"_s, inlineMarkup(block.text)}});
+    for (const auto& block : ReleaseNotesView(markdown).rows()) {
+      QVariantList links;
+      for (const auto& [words, address] : inlineLinks(block.text))
+        links.append(QVariantMap{{u"words"_s, words}, {u"address"_s, address}});
+      notes.append(QVariantMap{{u"kind"_s, u"paragraph"_s},
+                               {u"markup"_s, inlineMarkup(block.text)},
+                               {u"links"_s, links}});
+    }
   }
 
   bool canRestart = false;
@@ -125,6 +130,15 @@ TEST_F(ReleaseNotesViewTest, NoImageIsFetchedAndNoMarkupIsDrawnAsSuch) {
   EXPECT_EQ(connectionsSoFar(), 0);
   EXPECT_THAT(desktop.opened, IsEmpty());
   EXPECT_THAT(window->complaints(), IsEmpty());
+}
+
+TEST_F(ReleaseNotesViewTest, ALinkIsOpenedByTheKeyboard) {
+  const QString page = address(u"page"_s);
+  show(u"First\nSee [the notes](%1) and [more](%1)"_s.arg(page));
+  QTest::keyClick(&window->window(), Qt::Key_Tab);
+  EXPECT_THAT(desktop.opened, IsEmpty());
+  QTest::keyClick(&window->window(), Qt::Key_Return);
+  EXPECT_THAT(desktop.opened, ElementsAre(page));
 }
 
 TEST_F(ReleaseNotesViewTest, ALinkIsOpenedByAClickAndByNothingElse) {

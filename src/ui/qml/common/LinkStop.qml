@@ -6,7 +6,8 @@ Item {
 
     required property string words
     required property string address
-    required property Text within
+    /// A Text or a TextEdit.
+    required property Item within
     readonly property bool visualFocus: activeFocus
 
     activeFocusOnTab: true

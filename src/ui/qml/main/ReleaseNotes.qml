@@ -1,37 +1,32 @@
 // What is new in an update: headings, bullets and paragraphs, which can be selected and copied.
-// Blocks have `kind` ("heading", "bullet" or "paragraph") and `markup`.
+// Blocks have `kind` ("heading", "bullet" or "paragraph"), `markup`, and its `links`.
 import QtQuick
 import QtQuick.Controls.Basic
+import QtQuick.Layouts
 import "../common"
 
-ScrollView {
+TabPage {
     id: notes
 
     required property var blocks
 
     implicitWidth: 340
-    implicitHeight: Math.min(rows.implicitHeight + 32, 420)
-    contentWidth: availableWidth
-    contentHeight: rows.implicitHeight + 32
+    implicitHeight: Math.min(contentHeight, 420)
     focus: true
     activeFocusOnTab: true
+    LayoutMirroring.enabled: Theme.isRightToLeft
+    LayoutMirroring.childrenInherit: true
     Accessible.role: Accessible.Document
     Accessible.name: qsTr("What's new")
+    Accessible.focusable: true
     Keys.onDownPressed: ScrollBar.vertical.increase()
     Keys.onUpPressed: ScrollBar.vertical.decrease()
-    ScrollBar.vertical.policy: ScrollBar.AsNeeded
-    ScrollBar.horizontal.policy: ScrollBar.AlwaysOff
-    Component.onCompleted: ScrollBar.vertical.Accessible.ignored = true
 
     Column {
         id: rows
 
-        x: 16
-        y: 16
-        width: notes.availableWidth - 32
+        Layout.fillWidth: true
         spacing: 6
-        LayoutMirroring.enabled: Theme.isRightToLeft
-        LayoutMirroring.childrenInherit: true
 
         Repeater {
             model: notes.blocks
@@ -55,6 +50,8 @@ ScrollView {
                     Accessible.ignored: true
                 }
                 TextEdit {
+                    id: block
+
                     width: row.width - (bullet.visible ? bullet.width + row.spacing : 0)
                     text: row.modelData.markup
                     textFormat: TextEdit.RichText
@@ -70,6 +67,18 @@ ScrollView {
                     wrapMode: TextEdit.Wrap
                     Accessible.role: row.isHeading ? Accessible.Heading : Accessible.StaticText
                     Accessible.name: getText(0, length)
+
+                    Repeater {
+                        model: row.modelData.links
+
+                        LinkStop {
+                            required property var modelData
+
+                            words: modelData.words
+                            address: modelData.address
+                            within: block
+                        }
+                    }
                 }
             }
         }

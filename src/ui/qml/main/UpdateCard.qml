@@ -90,11 +90,17 @@ Card {
         closePolicy: Popup.CloseOnEscape | Popup.CloseOnPressOutsideParent
         focus: true
 
+        readonly property FocusReturn focusReturn: FocusReturn {}
         readonly property PopupName popupName: PopupName {
             popup: notes
             value: qsTr("What's new")
         }
-        onClosed: if (card.model.showNotes) card.model.toggleNotes()
+        onAboutToShow: focusReturn.remember(card)
+        onClosed: {
+            focusReturn.giveBack()
+            if (card.model.showNotes)
+                card.model.toggleNotes()
+        }
 
         background: Rectangle {
             radius: Theme.radius

@@ -69,7 +69,7 @@ TEST_F(UpdateReadyCardTest, TheButtonWorksAgainWhenTheDictationHasEnded) {
 }
 
 TEST_F(UpdateReadyCardTest, NotesAreReadFromTheirMarkdownAndShownOnRequest) {
-  beReady(u"# New\n- *this*"_s);
+  beReady(u"# New\n- *this* and [that](https://vemo.example/that)"_s);
   EXPECT_TRUE(card->hasNotes());
   EXPECT_FALSE(card->showNotes());
   card->toggleNotes();
@@ -79,6 +79,11 @@ TEST_F(UpdateReadyCardTest, NotesAreReadFromTheirMarkdownAndShownOnRequest) {
   EXPECT_EQ(rows[0].toMap()[u"kind"_s], u"heading"_s);
   EXPECT_EQ(rows[1].toMap()[u"kind"_s], u"bullet"_s);
   EXPECT_TRUE(rows[1].toMap()[u"markup"_s].toString().contains(u"<i>this</i>"_s));
+  EXPECT_TRUE(rows[0].toMap()[u"links"_s].toList().isEmpty());
+  const QVariantList links = rows[1].toMap()[u"links"_s].toList();
+  ASSERT_EQ(links.size(), 1);
+  EXPECT_EQ(links[0].toMap()[u"words"_s], u"that"_s);
+  EXPECT_EQ(links[0].toMap()[u"address"_s], u"https://vemo.example/that"_s);
 }
 
 TEST_F(UpdateReadyCardTest, BlankNotesKeepTheButtonAndShowNothingEmptyOnesHaveNone) {
