@@ -33,7 +33,7 @@ def challenge_of(verifier):
 
 def request(address, method, path, body=None, headers=None):
     """Status, headers and body of the answer."""
-    connection = http.client.HTTPConnection(address.removeprefix("http://").rstrip("/"), timeout=60)
+    connection = http.client.HTTPConnection(address.removeprefix("http://").rstrip("/"), timeout=120)
     try:
         connection.request(method, path, body, headers or {})
         response = connection.getresponse()
@@ -78,7 +78,7 @@ class AccountService:
     def stop(self):
         """From now on nobody answers."""
         self._process.terminate()
-        self._process.wait(30)
+        self._process.wait(120)
         self._process.stdout.close()
 
     def revoke_tokens(self):

@@ -44,5 +44,5 @@ class CompanionService:
 
     def __exit__(self, *_):
         self._process.terminate()
-        self._process.wait(30)
+        self._process.wait(120)
         self._process.stdout.close()

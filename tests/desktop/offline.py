@@ -23,7 +23,7 @@ class Offline:
 
     def __exit__(self, *_):
         self.process.terminate()
-        self.process.wait(30)
+        self.process.wait(120)
 
     def story(self):
         return f"vemo-offline runs as {self.process.pid}, ended: {self.process.poll()}"

@@ -10,19 +10,19 @@ PANEL_WIDTH, PANEL_HEIGHT = 460, 160
 
 
 def output(*command):
-    result = subprocess.run(command, capture_output=True, stdin=subprocess.DEVNULL, timeout=60, check=False)
+    result = subprocess.run(command, capture_output=True, stdin=subprocess.DEVNULL, timeout=120, check=False)
     return result.stdout.decode(errors="replace").strip() if result.returncode == 0 else ""
 
 
 def screenshot(path, x, y, width, height):
     subprocess.run(["import", "-silent", "-window", "root", "-crop", f"{width}x{height}+{x}+{y}", "+repage",
-                    str(path)], check=True, timeout=60)
+                    str(path)], check=True, timeout=120)
 
 
 def differing_pixels(picture, other, tolerance_percent):
     """How many pixels of two pictures of one size differ by more than that part of full scale."""
     result = subprocess.run(["compare", "-metric", "AE", "-fuzz", f"{tolerance_percent}%", str(picture), str(other),
-                             "null:"], capture_output=True, timeout=60, check=False)
+                             "null:"], capture_output=True, timeout=120, check=False)
     if result.returncode not in (0, 1):
         raise AssertionError(result.stderr.decode(errors="replace"))
     return float(result.stderr.decode().split()[0])
@@ -79,7 +79,7 @@ class Pill:
         # Not its round corners and its edge, where the ground shows.
         x, y, width, height = x + height // 2, y + 2, width - height, height - 4
         subprocess.run(["mogrify", "-background", "#808080", "-flatten", "-crop", f"{width}x{height}+{x}+{y}",
-                        "+repage", str(picture)], check=True, timeout=60)
+                        "+repage", str(picture)], check=True, timeout=120)
         return picture, (x, y, width, height)
 
     def shows_waveform(self):

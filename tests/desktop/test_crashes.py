@@ -67,7 +67,7 @@ class CrashTest(unittest.TestCase):
         told = len(self.server.events())
         status = self.vemo.status()
         self.vemo.command("quit")
-        self.assertEqual(self.vemo.process.wait(60), 0)
+        self.assertEqual(self.vemo.process.wait(120), 0)
         crashes = [event["props"] for event in self.server.events()[told:] if event["name"] == "app_crashed"]
         self.assertEqual([(crash["signal"], crash["appVersion"]) for crash in crashes], [(int(number), self.build())],
                          f"the status was “{status}”; {self.vemo.output.read_text()[-2000:]}")

@@ -51,7 +51,7 @@ class FirstStartTest(StartTest):
         self.assertFalse(window.shows("Home"))
 
         self.vemo.command("quit")
-        self.assertEqual(self.vemo.process.wait(60), 0)
+        self.assertEqual(self.vemo.process.wait(120), 0)
         store_token("token-of-the-desktop-tests")
         self.vemo.launch()
         window = main_window(self.vemo)
@@ -66,7 +66,7 @@ class FirstStartTest(StartTest):
 class SecondLaunchTest(StartTest):
     def launch_again(self):
         command = subprocess.run([self.vemo.program], env=self.vemo.environment, stdin=subprocess.DEVNULL,
-                                 capture_output=True, timeout=60, check=False)
+                                 capture_output=True, timeout=120, check=False)
         self.assertEqual((command.returncode, command.stdout, command.stderr), (0, b"", b""))
 
     def test_a_second_launch_raises_the_window_of_the_first_and_ends(self):
@@ -115,7 +115,7 @@ class LoginTest(StartTest):
         self.assertTrue(self.switch_is_on(settings))
 
         self.vemo.command("quit")
-        self.assertEqual(self.vemo.process.wait(60), 0)
+        self.assertEqual(self.vemo.process.wait(120), 0)
         told, command = GLib.shell_parse_argv(Gio.DesktopAppInfo.new_from_filename(str(entry)).get_commandline())
         self.assertTrue(told)
         self.assertEqual(pathlib.Path(command[0]).resolve(), pathlib.Path(self.vemo.program).resolve())
@@ -164,7 +164,7 @@ class RefusedPlaceTest(StartTest):
         for library in ("libQt6Qml", "libQt6Quick"):
             self.assertFalse(has_loaded(vemo.process, library), library)
         wait_until(lambda: vemo.alert_item("Quit"), "the button").act("Press")
-        self.assertEqual(vemo.process.wait(60), 0)
+        self.assertEqual(vemo.process.wait(120), 0)
 
     def test_from_a_removable_medium_each_start_shows_the_alert_and_ends(self):
         vemo = self.start(VemoOnAStick)

@@ -32,7 +32,7 @@ def lock_keyring():
 
 
 def unlock_keyring():
-    subprocess.run([UNLOCK], input=PASSWORD, check=True, timeout=60)
+    subprocess.run([UNLOCK], input=PASSWORD, check=True, timeout=120)
 
 
 @contextlib.contextmanager

@@ -41,7 +41,7 @@ COLORS = ("dark", "teal", "light")
 
 
 def set_background():
-    subprocess.run(["xsetroot", "-solid", "#808080"], check=True, timeout=60)
+    subprocess.run(["xsetroot", "-solid", "#808080"], check=True, timeout=120)
 
 
 class Stage:
@@ -54,7 +54,7 @@ class Stage:
 
     def __exit__(self, *_):
         self.process.stdin.close()
-        self.process.wait(30)
+        self.process.wait(120)
         self.process.stdout.close()
 
     def tell(self, command):
@@ -75,7 +75,7 @@ class Compositor:
 
     def __exit__(self, *_):
         self.process.terminate()
-        self.process.wait(30)
+        self.process.wait(120)
         wait_until(lambda: not is_composited(), "picom to be gone")
 
 
@@ -144,7 +144,7 @@ class PillTest(unittest.TestCase):
 
         wait_until(is_still, "the pill to stand still")
         subprocess.run(["convert", str(shot), "-strip", "-define", "png:exclude-chunks=date,time", str(path)],
-                       check=True, timeout=60)
+                       check=True, timeout=120)
 
     def compare_all(self, ground):
         for color in COLORS:
@@ -216,7 +216,7 @@ class OnTheDesktopTest(PillTest):
         self.show()
         x, y = self.pill.place()
         x, y = x + PANEL_WIDTH // 2, y + 29
-        subprocess.run(["xdotool", "mousemove", str(x), str(y), "click", "1"], check=True, timeout=60)
+        subprocess.run(["xdotool", "mousemove", str(x), str(y), "click", "1"], check=True, timeout=120)
         wait_until(lambda: pump() and window.clicks, "the click")
         self.assertEqual(set(window.clicks), {(x, y)})
 
@@ -230,10 +230,10 @@ class OnTheDesktopTest(PillTest):
 
     def test_it_is_on_every_virtual_desktop(self):
         self.addCleanup(subprocess.run, ["xdotool", "set_num_desktops", "1"], check=True)
-        subprocess.run(["xdotool", "set_num_desktops", "2"], check=True, timeout=60)
+        subprocess.run(["xdotool", "set_num_desktops", "2"], check=True, timeout=120)
         wait_until(lambda: output("xdotool", "get_num_desktops") == "2", "two desktops")
         self.show()
-        subprocess.run(["xdotool", "set_desktop", "1"], check=True, timeout=60)
+        subprocess.run(["xdotool", "set_desktop", "1"], check=True, timeout=120)
         wait_until(lambda: output("xdotool", "get_desktop") == "1", "the other desktop")
         self.assertTrue(self.pill.shows_waveform())
 
@@ -249,7 +249,7 @@ class OnTheDesktopTest(PillTest):
             for command in ("recording 0.5", "transcribing", "error No microphone available", "hide", "recording 0",
                             "hide-now"):
                 self.stage.tell(command)
-                subprocess.run(["xdotool", "key", "x"], check=True, timeout=60)
+                subprocess.run(["xdotool", "key", "x"], check=True, timeout=120)
                 typed += "x"
                 wait_until(lambda: editor.text() == typed, f"the letter typed after “{command}”")
                 self.assertEqual(active_window(), editor.window)
@@ -258,7 +258,7 @@ class OnTheDesktopTest(PillTest):
 
 def randr(*arguments):
     """Its exit status tells little on a virtual display; tests look at what comes of it."""
-    subprocess.run(["xrandr", *arguments], capture_output=True, check=False, timeout=60)
+    subprocess.run(["xrandr", *arguments], capture_output=True, check=False, timeout=120)
 
 
 class ScreensTest(PillTest):
@@ -303,7 +303,7 @@ class ScreensTest(PillTest):
         self.addCleanup(lambda: (panel.destroy(), pump()))
         wait_until(lambda: pump() and panel.get_window(), "the panel")
         subprocess.run(["xprop", "-id", str(panel.get_window().get_xid()), "-f", "_NET_WM_STRUT_PARTIAL", "32c", "-set",
-                        "_NET_WM_STRUT_PARTIAL", "0, 0, 30, 0, 0, 0, 0, 0, 0, 1279, 0, 0"], check=True, timeout=60)
+                        "_NET_WM_STRUT_PARTIAL", "0, 0, 30, 0, 0, 0, 0, 0, 0, 1279, 0, 0"], check=True, timeout=120)
         wait_until(lambda: "= 0, 30, 1280, 770" in output("xprop", "-root", "_NET_WORKAREA"), "the work area")
 
         def clears_strip():

@@ -54,7 +54,7 @@ class SignInCase(unittest.TestCase):
 
     def open(self, address):
         """As the desktop does with an address of a scheme that Vemo has claimed."""
-        subprocess.run([program("vemo"), "open", address], env=self.vemo.environment, check=True, timeout=60)
+        subprocess.run([program("vemo"), "open", address], env=self.vemo.environment, check=True, timeout=120)
 
     def open_redirect(self, **query):
         self.open(REDIRECT + "?" + "&".join(f"{name}={value}" for name, value in query.items()))
@@ -83,7 +83,7 @@ class SignInCase(unittest.TestCase):
         """What was written anywhere but in the keyring, and by the time that Vemo has ended."""
         output = self.vemo.output
         self.vemo.command("quit")
-        self.vemo.process.wait(30)
+        self.vemo.process.wait(120)
         paths = files_below(self.vemo.home, self.folder)
         self.assertIn(output, paths)
         self.assertIn(self.vemo.log, paths)
@@ -259,7 +259,7 @@ class HostileRedirectTest(SignInCase):
 class AddressOfVemoTest(SignInCase):
     def test_an_address_starts_vemo_where_it_is_not_running_and_brings_its_window_back_where_it_is(self):
         self.vemo.command("quit")
-        self.vemo.process.wait(30)
+        self.vemo.process.wait(120)
         self.vemo.arguments = ["open", "vemo://welcome"]
         self.vemo.launch()
         self.vemo.await_logged("app: onOpenURL vemo://welcome")

@@ -32,7 +32,7 @@ class TelemetryTest(unittest.TestCase):
         """Returns how many seconds the program took to end."""
         begin = time.monotonic()
         self.vemo.command("quit")
-        self.assertEqual(self.vemo.process.wait(60), 0)
+        self.assertEqual(self.vemo.process.wait(120), 0)
         return time.monotonic() - begin
 
     def dictate(self, text, expected=None):

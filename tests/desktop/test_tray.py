@@ -45,7 +45,7 @@ class Panel:
     def __exit__(self, *_):
         for process in reversed(self.processes):
             process.terminate()
-            process.wait(30)
+            process.wait(120)
         self.folder.cleanup()
 
     def items(self):
@@ -135,7 +135,7 @@ class PanelTest(TrayTest):
         wait_until(lambda: "Sign In with Google" in self.menu.labels(), "nobody to be signed in")
 
         self.menu.press("Quit Vemo")
-        self.assertEqual(self.vemo.process.wait(60), 0)
+        self.assertEqual(self.vemo.process.wait(120), 0)
         wait_until(lambda: not self.panel.items(), "the item to be gone")
 
     def test_the_image_follows_the_dictation_and_the_last_text_is_offered(self):

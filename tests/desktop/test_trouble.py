@@ -146,7 +146,7 @@ class AddressTest(TroubleTest):
             configuration.mkdir()
             (configuration / "vemo.conf").write_text("apiBaseURL=not an address\n")
             result = subprocess.run([program("vemo")], env=os.environ | {"XDG_CONFIG_HOME": home, "HOME": home},
-                                    capture_output=True, timeout=60, check=False)
+                                    capture_output=True, timeout=120, check=False)
         self.assertNotEqual(result.returncode, 0)
         lines = result.stderr.decode().strip().splitlines()
         self.assertEqual(len(lines), 1, lines)
@@ -246,7 +246,7 @@ class ControlTest(TroubleTest):
         self.start_vemo()
         settings = (self.vemo.configuration / "settings.json").read_bytes()
         result = subprocess.run([program("vemo")], env=self.vemo.environment, capture_output=True,
-                                stdin=subprocess.DEVNULL, timeout=60, check=False)
+                                stdin=subprocess.DEVNULL, timeout=120, check=False)
         self.assertEqual((result.returncode, result.stdout + result.stderr), (0, b""))
         self.assertEqual((self.vemo.configuration / "settings.json").read_bytes(), settings)
         self.assertIsNone(self.vemo.process.poll(), result.stderr)
@@ -260,7 +260,7 @@ class ControlTest(TroubleTest):
 
     def test_commands_without_a_running_program_say_so(self):
         for command in ("status", "start", "stop", "toggle", "quit"):
-            result = subprocess.run([program("vemo"), command], capture_output=True, timeout=60, check=False)
+            result = subprocess.run([program("vemo"), command], capture_output=True, timeout=120, check=False)
             self.assertNotEqual(result.returncode, 0, command)
             self.assertTrue(result.stderr.strip(), command)
 
@@ -278,7 +278,7 @@ class ControlTest(TroubleTest):
         self.vemo.start()
         self.vemo.process.terminate()
         with contextlib.suppress(subprocess.TimeoutExpired):
-            self.vemo.process.wait(30)
+            self.vemo.process.wait(120)
         self.assertEqual(self.vemo.process.returncode, 0)
 
 

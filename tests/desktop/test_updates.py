@@ -103,7 +103,7 @@ class CardTest(Walks, UpdatingCopy, unittest.TestCase):
 class QuitTest(UpdatingCopy, unittest.TestCase):
     def test_the_next_build_starts_after_the_quit(self):
         self.vemo.command("quit")
-        self.assertEqual(self.vemo.process.wait(60), 0)
+        self.assertEqual(self.vemo.process.wait(120), 0)
         self.assert_that_the_next_build_has_come()
         self.assertTrue((self.copy / "versions/1/bin/vemo").exists(), "until the next one has run for a while")
         self.vemo.launch()

@@ -48,7 +48,7 @@ class VirtualDesktopTest(unittest.TestCase):
                                 stdout=subprocess.PIPE, text=True)
         folder = pathlib.Path(tool.stdout.readline().strip())
         tool.send_signal(signal.SIGTERM)
-        self.assertEqual(tool.wait(60), 128 + signal.SIGTERM)
+        self.assertEqual(tool.wait(120), 128 + signal.SIGTERM)
         tool.stdout.close()
         self.assertFalse(folder.exists())
         wait_until(lambda: not processes_of(folder), "every process of the desktop to end")

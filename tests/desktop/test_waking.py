@@ -60,7 +60,7 @@ class WakingTest(unittest.TestCase):
         reports = len(self.server.requests_to(DEVICE))
         self.wake()
         self.vemo.command("quit")
-        self.assertEqual(self.vemo.process.wait(60), 0)
+        self.assertEqual(self.vemo.process.wait(120), 0)
         self.assertEqual(len(self.server.requests_to(DEVICE)), reports, "nothing has changed on this day")
 
 

@@ -36,7 +36,7 @@ class AccessibilityTest(Walks, unittest.TestCase):
     def sign_in(self):
         self.vemo.command("sign-in")
         redirect = self.service.press(self.browser.page())
-        subprocess.run([program("vemo"), "open", redirect], env=self.vemo.environment, check=True, timeout=60)
+        subprocess.run([program("vemo"), "open", redirect], env=self.vemo.environment, check=True, timeout=120)
         self.main.await_item("Start Dictating Now")
 
     def settings(self):

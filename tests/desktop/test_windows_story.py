@@ -101,7 +101,7 @@ class StoryTest(unittest.TestCase):
         self.main.click("Continue with Google")
         self.main.await_item("Cancel")
         redirect = self.service.press(self.browser.page())
-        subprocess.run([program("vemo"), "open", redirect], env=self.vemo.environment, check=True, timeout=60)
+        subprocess.run([program("vemo"), "open", redirect], env=self.vemo.environment, check=True, timeout=120)
         self.main.await_item("Start Dictating Now")
         self.account = OtherClient(self.service).with_token(wait_until(stored_token, "a token in the keyring"))
 

@@ -138,7 +138,7 @@ class Vemo:
     def command(self, name):
         """What `vemo NAME` prints, without the line end."""
         result = subprocess.run([program("vemo"), name], env=self.environment, stdin=subprocess.DEVNULL,
-                                capture_output=True, timeout=60, check=False)
+                                capture_output=True, timeout=120, check=False)
         return result.stdout.decode().strip()
 
     def call(self, name):

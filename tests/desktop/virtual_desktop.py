@@ -26,7 +26,7 @@ PARTS = ("x11", "window-manager", "audio", "keyring", "accessibility")
 MARKER = "VEMO_VIRTUAL_DESKTOP"
 
 # Generous: a machine under full load starts a display in seconds rather than in tenths.
-START_LIMIT_SECONDS = 60
+LIMIT_SECONDS = 120
 END_LIMIT_SECONDS = 5
 
 # What would tie a process to the desktop of whoever starts it.
@@ -71,7 +71,7 @@ class DesktopError(Exception):
     """A part of the desktop that is missing, doesn't answer or has ended."""
 
 
-def wait_until(condition, what, limit_seconds=START_LIMIT_SECONDS):
+def wait_until(condition, what, limit_seconds=LIMIT_SECONDS):
     """Returns the first true value of condition(); fails with `what`, a text or what gives one, after the limit."""
     deadline = time.monotonic() + limit_seconds
     pause = 0.004
@@ -127,7 +127,7 @@ class VirtualDesktop:
     def output(self, *command):
         """What a helper program prints, or None when it fails."""
         result = self.run(command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
-                          stdin=subprocess.DEVNULL, timeout=START_LIMIT_SECONDS)
+                          stdin=subprocess.DEVNULL, timeout=LIMIT_SECONDS)
         return result.stdout.decode(errors="replace").strip() if result.returncode == 0 else None
 
     def close(self):
@@ -233,7 +233,7 @@ class VirtualDesktop:
         number = b""
         with os.fdopen(reader, "rb", buffering=0) as pipe:
             while not number.endswith(b"\n"):
-                if not select.select([pipe], [], [], START_LIMIT_SECONDS)[0]:
+                if not select.select([pipe], [], [], LIMIT_SECONDS)[0]:
                     raise self._part_failed("Xvfb", "gives no display number")
                 piece = pipe.read(16)
                 if not piece:
