@@ -204,6 +204,33 @@ class RevokedTest(SignInCase):
         self.assertTrue(editor.text().startswith(first))
 
 
+class WithoutKeyringTest(SignInCase):
+    def start_again(self):
+        self.vemo.command("quit")
+        self.vemo.process.wait(120)
+        self.vemo.launch()
+
+    def await_profile(self):
+        is_answered = self.service.next_logged("GET /desktop/auth/profile 200")
+        self.open("vemo://profile")
+        wait_until(is_answered, lambda: f"the service to know who asks; {self.vemo.story()}")
+
+    def test_a_sign_in_lasts_in_a_sealed_file_until_the_sign_out(self):
+        self.open(self.service.press(self.begin()))
+        wait_until(lambda: self.vemo.status() == "idle", lambda: f"Vemo to be signed in; {self.vemo.story()}")
+        folder = self.vemo.home / ".local/state/vemo/secrets"
+        self.assertEqual(folder.stat().st_mode & 0o777, 0o700)
+        self.assertEqual({path.name: path.stat().st_mode & 0o777 for path in folder.iterdir()},
+                         {"sealed": 0o600, "key": 0o600})
+        self.start_again()
+        wait_until(lambda: self.vemo.status() == "idle", lambda: f"Vemo to be signed in; {self.vemo.story()}")
+        self.await_profile()
+        self.vemo.command("sign-out")
+        self.assert_signed_out()
+        self.start_again()
+        self.assert_signed_out()
+
+
 class HostileRedirectTest(SignInCase):
     def assert_flow_fails(self, message):
         self.vemo.await_logged(f"auth: google flow FAILED — {message}")
