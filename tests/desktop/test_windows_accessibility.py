@@ -121,6 +121,8 @@ class AccessibilityTest(Walks, unittest.TestCase):
         self.assert_menu_usable(window, "English (Translit)", "Script / Output Mode", "   Mixed (Codemix)")
         self.assert_switch_tells_its_state(window, "Dictation & notification sounds", "dictationSounds")
         self.assert_one_colour_is_chosen(window)
+        self.assert_arrow_leads(window, "Left", "System", "Account")
+        self.assert_arrow_leads(window, "Right", "Account", "System")
         self.assert_recorder_usable(window, "Record a shortcut: Start / Stop mic", "Record Start / Stop Shortcut")
         self.assert_sheet_usable(window, "Choose Folder…", "Choose Folder…")
         self.assert_sheet_usable(window, "Connect…", "Connect Slack Workspace")

@@ -13,6 +13,8 @@ AbstractButton {
     focusPolicy: Qt.StrongFocus
     Accessible.role: Accessible.Button
     Accessible.name: text
+    // Qt tells every button as one that takes the keyboard.
+    Accessible.focusable: focusPolicy !== Qt.NoFocus
     Accessible.onPressAction: if (enabled) clicked()
     Keys.onReturnPressed: clicked()
     Keys.onEnterPressed: clicked()

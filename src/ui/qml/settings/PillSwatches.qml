@@ -35,8 +35,8 @@ RowLayout {
             Accessible.onPressAction: if (enabled) clicked()
             Keys.onReturnPressed: clicked()
             Keys.onEnterPressed: clicked()
-            Keys.onRightPressed: row.choose(index + 1)
-            Keys.onLeftPressed: row.choose(index - 1)
+            Keys.onRightPressed: row.choose(index + (mirrored ? -1 : 1))
+            Keys.onLeftPressed: row.choose(index + (mirrored ? 1 : -1))
             onClicked: {
                 swatches.model.dictationPillColor = modelData.value
                 checked = Qt.binding(() => isChosen)

@@ -39,8 +39,8 @@ Rectangle {
                 symbol: modelData.symbol
                 isSelected: strip.navigation.tab === modelData.name
                 onClicked: strip.navigation.tab = modelData.name
-                Keys.onRightPressed: tabs.focusTab(index + 1)
-                Keys.onLeftPressed: tabs.focusTab(index - 1)
+                Keys.onRightPressed: tabs.focusTab(index + (mirrored ? -1 : 1))
+                Keys.onLeftPressed: tabs.focusTab(index + (mirrored ? 1 : -1))
             }
 
             function focusTab(index) {
