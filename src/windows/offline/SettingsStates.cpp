@@ -102,7 +102,10 @@ std::span<const Window::State> Window::table() {
        },
        nothing},
       {u"settings-unsaved", nothing,
-       [](Window& w) { w.m_model->account()->setLastName(u"Bose"_s); }},
+       [](Window& w) {
+         w.accountHttp.answer(namePath, 200, R"({"user":{"displayName":"Asha Bose"}})");
+         w.m_model->account()->setLastName(u"Bose"_s);
+       }},
       {u"settings-saved", nothing,
        [](Window& w) {
          w.accountHttp.answer(namePath, 200, R"({"user":{"displayName":"Asha Bose"}})");

@@ -133,6 +133,22 @@ TEST_F(SettingsWindowKeyboardTest, AKeyAtThePresetsOfTheRecorderIsRecorded) {
   EXPECT_TRUE(model().recorder()->isOpen());
 }
 
+TEST_F(SettingsWindowKeyboardTest, TabGoesOnFromAButtonThatItsPressPutOutOfUse) {
+  for (const auto& [modifiers, next] :
+       {std::pair(Qt::NoModifier, u"Delete Account…"_s),
+        std::pair(Qt::ShiftModifier, u"Owner Email: asha.rao@example.org"_s)}) {
+    show(u"settings-unsaved"_s);
+    walkTo(u"Save"_s);
+    press(Qt::Key_Return);
+    ASSERT_FALSE(model().account()->canSave());
+    ASSERT_NE(focusText(), u"Save"_s);
+    press(Qt::Key_Tab, modifiers);
+    EXPECT_EQ(focusText(), next);
+    press(Qt::Key_Tab, modifiers);
+    EXPECT_NE(focusText(), next) << "and from there on as ever";
+  }
+}
+
 TEST_F(SettingsWindowKeyboardTest, ASwitchIsTurnedByTheSpaceBar) {
   show(u"settings-system"_s);
   const bool wasOn = model().system()->dictationSounds();

@@ -46,6 +46,7 @@ Rectangle {
             model: window.model
         }
     }
+    TabPlace {}
     ToastBanner {
         model: window.model.toast
     }

@@ -71,6 +71,7 @@ Rectangle {
     FolderSheet {
         model: window.model.folderChooser
     }
+    TabPlace {}
     ToastBanner {
         model: window.model.toast
     }
