@@ -116,8 +116,7 @@ class Vemo:
             raise
 
     def windows(self):
-        search = ["xdotool", "search", "--onlyvisible", "--all", "--pid", str(self.process.pid), "--name", "^Vemo$"]
-        return subprocess.run(search, capture_output=True, check=False).stdout.decode().split()
+        return window_manager.shown_windows(self.process, "Vemo")
 
     def put_window_away(self):
         """Closes the window that came up at the start, so that the focus is with whoever had it."""

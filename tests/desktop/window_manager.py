@@ -1,6 +1,9 @@
-"""What a person asks of a window by the window manager's own buttons."""
+"""Which windows there are, and what a person asks of them by the window manager's own buttons."""
 
 import ctypes
+import subprocess
+
+from virtual_desktop import wait_until
 
 
 class ClientMessage(ctypes.Structure):
@@ -11,6 +14,17 @@ class ClientMessage(ctypes.Structure):
 
 CLIENT_MESSAGE = 33
 SUBSTRUCTURE_MASKS = (1 << 19) | (1 << 20)
+
+
+def shown_windows(process, title):
+    """Their numbers, as xdotool tells them."""
+    search = ["xdotool", "search", "--onlyvisible", "--all", "--pid", str(process.pid), "--name", f"^{title}$"]
+
+    def found():
+        # Any window that goes away meanwhile, whoever's, ends the search with an X error.
+        result = subprocess.run(search, capture_output=True, check=False)
+        return None if b"X Error" in result.stderr else [result.stdout.decode().split()]
+    return wait_until(found, "a search for windows to come to its end")[0]
 
 
 def close(window):

@@ -196,9 +196,7 @@ class Window:
     # Where it is
 
     def identifier(self):
-        search = ["xdotool", "search", "--onlyvisible", "--all", "--pid", str(self.vemo.process.pid),
-                  "--name", f"^{self.title}$"]
-        found = subprocess.run(search, capture_output=True, check=False).stdout.decode().split()
+        found = window_manager.shown_windows(self.vemo.process, self.title)
         return found[0] if found else None
 
     def is_in_front(self):
