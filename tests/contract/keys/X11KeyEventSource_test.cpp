@@ -347,6 +347,17 @@ TEST_F(X11KeyEventSourceTest, AModifierLetGoDuringAPasteIsHeardToGoUp) {
               ElementsAre(flagsChanged(58, OptionFlag), flagsChanged(58, 0)));
 }
 
+TEST_F(X11KeyEventSourceTest, TheChordsOwnKeyLetGoDuringAPasteIsHeardToGoUp) {
+  user.press(XKB_KEY_v);
+  const auto keystroke = poster->makePaste();
+  ASSERT_TRUE(keystroke);
+  keystroke->press();
+  user.release(XKB_KEY_v);
+  keystroke->release();
+  EXPECT_THAT(listener.takeEvents(), ElementsAre(keyDown(9), keyUp(9)));
+  EXPECT_THAT(user.keysDown(), IsEmpty());
+}
+
 TEST_F(X11KeyEventSourceTest, TheMeaninglessKeyIsSeenByTheTargetAndNotHeard) {
   X11LoneModifier loneModifier(poster->keyboard());
   TestWindow target;
