@@ -18,7 +18,7 @@ from windows import Role, State, Window, main_window, settings_window
 RECORDING = "Press any key or combination on your keyboard…"
 
 
-class AccessibilityTest(Walks, unittest.TestCase):
+class WindowsTest(Walks, unittest.TestCase):
     def setUp(self):
         clear_token()
         self.folder = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory()))
@@ -42,8 +42,8 @@ class AccessibilityTest(Walks, unittest.TestCase):
     def settings(self):
         return json.loads((self.vemo.configuration / "settings.json").read_text())
 
-    # The walks
 
+class NobodyTest(WindowsTest):
     def test_somebody_who_is_not_signed_in(self):
         self.assert_page_usable(self.main)
         self.assertEqual([item.name for item in self.main.shown() if item.role == Role.LINK], ["Terms", "Privacy Policy"])
@@ -55,39 +55,8 @@ class AccessibilityTest(Walks, unittest.TestCase):
         self.assertFalse(window.find("Sign Out"))
         self.assertTrue(window.find("Sign In with Google", Role.PUSH_BUTTON))
 
-    def test_the_end_of_an_account(self):
-        self.sign_in()
-        window = settings_window(self.main)
-        window.click("Account", Role.PAGE_TAB)
-        self.delete_account(window)
-        self.assert_alert_usable(window, "Your account was deleted")
-        window.strike("Escape")
-        wait_until(lambda: not window.identifier(), "the settings to close")
-        self.main.await_that(self.main.is_in_front, "to be in front")
-        self.assert_page_usable(self.main)
 
-        self.sign_in()
-        window = settings_window(self.main)
-        window.click("Account", Role.PAGE_TAB)
-        self.service.stop()
-        self.delete_account(window)
-        self.assert_alert_usable(window, "Your account wasn't deleted")
-        self.leave(window, "Your account wasn't deleted", "Delete Account…")
-
-    def assert_alert_usable(self, window, title):
-        self.await_sheet(window, title)
-        self.assert_usable(window, window.sheet)
-        self.assertEqual([item.name for item in self.stops(window.sheet())], ["OK"])
-        self.assertEqual([item.role for item in window.sheet() if item.role == Role.ALERT], [Role.ALERT])
-
-    def delete_account(self, window):
-        """By the keyboard."""
-        window.click("Delete Account…")
-        self.await_sheet(window, "Delete your Vemo account?")
-        window.strike("Tab")
-        self.await_keyboard(window, "Delete Account")
-        window.strike("Return")
-
+class MainWindowTest(WindowsTest):
     def test_the_main_window(self):
         self.sign_in()
         self.assert_tabs(self.main, {"Home": "Start Dictating Now", "Stats": "Refresh", "Dictionary": "Add New",
@@ -114,6 +83,8 @@ class AccessibilityTest(Walks, unittest.TestCase):
         self.main.strike("Return")
         self.main.await_item("brelmo, written as Brelmox", Role.LIST_ITEM)
 
+
+class SettingsWindowTest(WindowsTest):
     def test_the_settings_window(self):
         self.sign_in()
         window = settings_window(self.main)
@@ -158,6 +129,43 @@ class AccessibilityTest(Walks, unittest.TestCase):
             window.await_that(lambda: (item := window.focused()) and item.name == name, f"to have the keyboard at “{name}”")
         self.assertEqual(buttons[-3:], ["Reset to Default", "Cancel", "Save"])
         self.leave(window, title, button)
+
+
+class AccountTest(WindowsTest):
+    def test_the_end_of_an_account(self):
+        self.sign_in()
+        window = settings_window(self.main)
+        window.click("Account", Role.PAGE_TAB)
+        self.delete_account(window)
+        self.assert_alert_usable(window, "Your account was deleted")
+        window.strike("Escape")
+        wait_until(lambda: not window.identifier(), "the settings to close")
+        self.main.await_that(self.main.is_in_front, "to be in front")
+        self.assert_page_usable(self.main)
+
+        self.sign_in()
+        window = settings_window(self.main)
+        window.click("Account", Role.PAGE_TAB)
+        self.service.stop()
+        self.delete_account(window)
+        self.assert_alert_usable(window, "Your account wasn't deleted")
+        self.leave(window, "Your account wasn't deleted", "Delete Account…")
+
+    def assert_alert_usable(self, window, title):
+        self.await_sheet(window, title)
+        self.assert_usable(window, window.sheet)
+        self.assertEqual([item.name for item in self.stops(window.sheet())], ["OK"])
+        self.assertEqual([item.role for item in window.sheet() if item.role == Role.ALERT], [Role.ALERT])
+
+    def delete_account(self, window):
+        """By the keyboard."""
+        window.click("Delete Account…")
+        self.await_sheet(window, "Delete your Vemo account?")
+        self.await_keyboard(window, "Cancel")
+        window.strike("Tab")
+        self.await_keyboard(window, "Delete Account")
+        window.strike("Return")
+
 
 
 if __name__ == "__main__":

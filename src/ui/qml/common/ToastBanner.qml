@@ -17,7 +17,8 @@ Rectangle {
     visible: opacity > 0
     z: 1
     Accessible.role: Accessible.AlertMessage
-    Accessible.name: model.message
+    // A name that comes with each message is read out each time.
+    Accessible.name: isShown ? model.message : ""
     Accessible.ignored: !isShown
 
     Text {
