@@ -261,8 +261,11 @@ void Telemetry::sendDeviceReport(Urgency urgency) {
   constexpr qsizetype dayLength = 10;
   const QString day = iso8601(m_with.clock.wallTime()).first(dayLength);
   const QString marker = day + QString::fromUtf8(report);
-  if (urgency == Urgency::IfDue && m_with.settings.get(keys::telemetryDeviceReport) == marker)
-    return;
+  // At a start, the token of a slow keyring is an occasion of its own.
+  const bool isDue =
+      marker != m_markerUnderWay && marker != m_with.settings.get(keys::telemetryDeviceReport);
+  if (urgency == Urgency::IfDue && !isDue) return;
+  m_markerUnderWay = marker;
   m_tasks.start([&](std::stop_token stop) {
     return deliverDeviceReport(m_requests.deviceReport(report, token), marker, std::move(stop));
   });
@@ -270,6 +273,7 @@ void Telemetry::sendDeviceReport(Urgency urgency) {
 
 Task<> Telemetry::deliverDeviceReport(HttpRequest request, QString marker, std::stop_token stop) {
   const auto answer = co_await m_with.session.send(std::move(request), std::move(stop));
+  if (m_markerUnderWay == marker) m_markerUnderWay.clear();
   if (isSuccess(answer)) m_with.settings.set(keys::telemetryDeviceReport, marker);
 }
 

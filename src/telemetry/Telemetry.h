@@ -117,6 +117,7 @@ class Telemetry {
   bool m_isFlushing = false;
   int m_accountChanges = 0;  ///< a batch of an earlier account doesn't come back
   std::optional<Clock::MonotonicTime> m_startedAt;  ///< the flush timer ticks each minute from here
+  QString m_markerUnderWay;  ///< of the device report that waits for its answer
   SettingsSnapshot m_settingsSnapshot;
   Observation m_settingsObservation;
   StartedTask m_flushTimer;

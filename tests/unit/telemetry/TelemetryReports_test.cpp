@@ -143,6 +143,29 @@ TEST_F(TelemetryReportsTest, TwoOccasionsInADayWithNoChangeSendOneReport) {
   EXPECT_EQ(deviceReportCount(), 1);
 }
 
+TEST_F(TelemetryReportsTest, AnOccasionWhileTheSameReportIsUnderWaySendsNoSecond) {
+  signIn();
+  with.http.answer(devicePath, 500, {}, 10s);
+  telemetry.sendDeviceReport(Urgency::IfDue);
+  settle();
+  telemetry.sendDeviceReport(Urgency::IfDue);
+  settle();
+  EXPECT_EQ(deviceReportCount(), 1);
+  clock.advance(10s);
+  sendDeviceReport(Urgency::IfDue);
+  EXPECT_EQ(deviceReportCount(), 2);
+}
+
+TEST_F(TelemetryReportsTest, AChangeWhileAReportIsUnderWayGoesOutAtTheNextOccasion) {
+  signIn();
+  with.http.answer(devicePath, 200, {}, 10s);
+  telemetry.sendDeviceReport(Urgency::IfDue);
+  settle();
+  with.device.facts.displayCount = 1;
+  sendDeviceReport(Urgency::IfDue);
+  EXPECT_EQ(deviceReportCount(), 2);
+}
+
 TEST_F(TelemetryReportsTest, TheNextDayAnUnchangedReportIsDueAgain) {
   signIn();
   sendDeviceReport(Urgency::IfDue);
