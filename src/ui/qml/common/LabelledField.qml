@@ -46,6 +46,7 @@ Column {
         // Qt keeps the name of a secret field to itself, and has the hint for its description.
         Accessible.onDescriptionChanged: describe()
         Component.onCompleted: describe()
+        onEnabledChanged: describe()
         // A long text is seen from its beginning until somebody writes in it.
         onTextChanged: if (!activeFocus) cursorPosition = 0
         onActiveFocusChanged: if (activeFocus && focusReason !== Qt.MouseFocusReason) cursorPosition = length
@@ -53,7 +54,8 @@ Column {
         onAccepted: labelled.accepted()
 
         function describe() {
-            const words = labelled.isSecure ? labelled.label : labelled.hint
+            const parts = [labelled.isSecure ? labelled.label : labelled.hint, enabled ? "" : qsTr("Not available now")]
+            const words = parts.filter(part => part).join(". ")
             if (Accessible.description !== words)
                 Accessible.description = words
         }

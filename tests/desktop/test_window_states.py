@@ -1,5 +1,6 @@
 #!/usr/bin/python3
-"""Both windows in a language that is read from right to left, for those who hear them read out or use no mouse."""
+"""Both windows over fakes, in states that take a while to come to and in a language that is read from right to left,
+for those who hear them read out or use no mouse."""
 
 import unittest
 
@@ -7,9 +8,34 @@ from accessibility import Reading, Walks
 from offline import Offline
 from windows import Role
 
+UNDER_WAY = ("signing-in", "home-recording", "dictionary-loading", "sheet-slack-connecting", "update-waiting",
+             "settings-signing-in", "settings-saving", "settings-deleting", "settings-refreshing",
+             "settings-project-scanning")
+FAILED = ("sign-in-failed", "sheet-slack-failed", "settings-sign-in-failed", "settings-folder-missing")
+EMPTY_OR_FULL = ("stats-empty", "dictionary-empty", "shortcuts-empty", "dictionary-5000", "sheet-word-long",
+                 "settings-long-names")
+
 PAGES = ("signed-out", "home-full", "home-permissions", "stats-full", "dictionary-full", "shortcuts-full",
          "settings-account", "settings-signed-out", "settings-system", "settings-no-permissions")
 SHEETS = ("sheet-word", "sheet-shortcut", "sheet-slack", "update-notes", "settings-folder", "settings-not-deleted")
+
+
+class StatesTest(Walks, unittest.TestCase):
+    def test_what_is_under_way_leaves_the_rest_in_reach_and_says_what_is_not(self):
+        self.assert_states_usable(UNDER_WAY)
+
+    def test_what_has_failed_is_told_and_can_be_tried_again(self):
+        self.assert_states_usable(FAILED)
+
+    def test_nothing_and_much_are_both_walked(self):
+        self.assert_states_usable(EMPTY_OR_FULL)
+
+    def assert_states_usable(self, states):
+        for state in states:
+            with self.subTest(state), Offline(state) as window:
+                items = window.await_that(window.shown, "to show something")
+                has_sheet = any(item.role == Role.DIALOG for item in items)
+                self.assert_usable(window, window.sheet if has_sheet else window.shown)
 
 
 class RightToLeftTest(Walks, unittest.TestCase):
