@@ -9,17 +9,13 @@
 #include <chrono>
 #include <functional>
 
+#include "fakes/TestApplication.h"
+
 namespace vemo {
 
 class QtTestLoop {
  public:
-  QtTestLoop() {
-    // One for the whole test program: Qt can't make a second one reliably.
-    static int argumentCount = 1;
-    static char name[] = "test";
-    static char* arguments[] = {name, nullptr};
-    if (!QCoreApplication::instance()) new QCoreApplication(argumentCount, arguments);
-  }
+  QtTestLoop() { makeTestApplication<QCoreApplication>(); }
 
   /// Whether the condition came to hold.
   static bool runUntil(const std::function<bool()>& condition,

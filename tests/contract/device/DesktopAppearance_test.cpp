@@ -9,6 +9,7 @@
 
 #include "SettingsPortal.h"
 #include "fakes/QtTestLoop.h"
+#include "fakes/TestApplication.h"
 
 namespace vemo {
 
@@ -28,15 +29,8 @@ QVariant doubles(std::initializer_list<double> parts) {
   return QVariant::fromValue(argument);
 }
 
-class DesktopAppearanceTest : public testing::Test {
+class DesktopAppearanceTest : public testing::Test, protected TestApplication<QGuiApplication> {
  protected:
-  DesktopAppearanceTest() {
-    static int argumentCount = 1;
-    static char name[] = "test";
-    static char* arguments[] = {name, nullptr};
-    if (!QCoreApplication::instance()) new QGuiApplication(argumentCount, arguments);
-  }
-
   /// Until the portal's answer to something that was asked or told after everything else is here.
   static bool tellsDark(DesktopAppearance& appearance) {
     return QtTestLoop::runUntil([&] { return appearance.name() == u"dark"_s; });

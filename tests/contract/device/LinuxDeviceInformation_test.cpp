@@ -10,6 +10,7 @@
 #include "SettingsPortal.h"
 #include "fakes/FakeInputDevice.h"
 #include "fakes/QtTestLoop.h"
+#include "fakes/TestApplication.h"
 
 namespace vemo {
 
@@ -17,15 +18,10 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-class LinuxDeviceInformationTest : public testing::Test {
+class LinuxDeviceInformationTest : public testing::Test,
+                                   protected TestApplication<QGuiApplication> {
  protected:
-  LinuxDeviceInformationTest() {
-    static int argumentCount = 1;
-    static char name[] = "test";
-    static char* arguments[] = {name, nullptr};
-    if (!QCoreApplication::instance()) new QGuiApplication(argumentCount, arguments);
-    inputDevice.setTransport(InputTransport::Bluetooth);
-  }
+  LinuxDeviceInformationTest() { inputDevice.setTransport(InputTransport::Bluetooth); }
 
   static bool comesToBe(const LinuxDeviceInformation& device, const QString& appearance) {
     return QtTestLoop::runUntil([&] { return device.read().appearance == appearance; });

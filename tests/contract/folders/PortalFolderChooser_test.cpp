@@ -16,6 +16,7 @@
 #include "base/TaskScope.h"
 #include "fakes/FakeFolderChooser.h"
 #include "fakes/QtTestLoop.h"
+#include "fakes/TestApplication.h"
 #include "platform/qt/QtMainThread.h"
 
 namespace vemo {
@@ -75,16 +76,7 @@ class ScriptedPortal : public QDBusVirtualObject {
   QDBusConnection m_bus;
 };
 
-struct GuiApplication {
-  GuiApplication() {
-    static int argumentCount = 1;
-    static char name[] = "test";
-    static char* arguments[] = {name, nullptr};
-    if (!QGuiApplication::instance()) new QGuiApplication(argumentCount, arguments);
-  }
-};
-
-class PortalFolderChooserTest : public testing::Test, protected GuiApplication {
+class PortalFolderChooserTest : public testing::Test, protected TestApplication<QGuiApplication> {
  protected:
   StartedTask ask() {
     return scope.start([this](std::stop_token stop) { return keep(std::move(stop)); });

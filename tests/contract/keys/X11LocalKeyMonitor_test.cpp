@@ -10,6 +10,7 @@
 #include "KeyListener.h"
 #include "contract/x11/VirtualUser.h"
 #include "fakes/QtTestLoop.h"
+#include "fakes/TestApplication.h"
 
 namespace vemo {
 namespace {
@@ -32,17 +33,7 @@ class NotingWindow : public QRasterWindow {
   void keyReleaseEvent(QKeyEvent* event) override { released.push_back(event->key()); }
 };
 
-/// A base, so that it is there before any window. One for the whole test program.
-struct GuiApplication {
-  GuiApplication() {
-    static int argumentCount = 1;
-    static char name[] = "test";
-    static char* arguments[] = {name, nullptr};
-    if (!QGuiApplication::instance()) new QGuiApplication(argumentCount, arguments);
-  }
-};
-
-class X11LocalKeyMonitorTest : public testing::Test, protected GuiApplication {
+class X11LocalKeyMonitorTest : public testing::Test, protected TestApplication<QGuiApplication> {
  protected:
   X11LocalKeyMonitorTest() { focus(window); }
 

@@ -6,18 +6,10 @@
 #include <QGuiApplication>
 
 #include "fakes/QtTestLoop.h"
+#include "fakes/TestApplication.h"
 
 namespace vemo {
 
-class QtGuiFixture : public testing::Test {
- protected:
-  QtGuiFixture() {
-    static int argumentCount = 1;
-    static char name[] = "test";
-    static char* arguments[] = {name, nullptr};
-    // One for the whole test program, as QtTestLoop has it.
-    if (!QCoreApplication::instance()) new QGuiApplication(argumentCount, arguments);
-  }
-};
+class QtGuiFixture : public testing::Test, protected TestApplication<QGuiApplication> {};
 
 }  // namespace vemo

@@ -5,6 +5,8 @@
 
 #include <QGuiApplication>
 
+#include "fakes/TestApplication.h"
+
 namespace vemo {
 
 class ScenesFixture : public testing::Test {
@@ -12,10 +14,7 @@ class ScenesFixture : public testing::Test {
   /// Before anything that starts threads: Qt takes the first thread that it meets for the main one,
   /// and wakes the event loop of that one when X events come.
   static void SetUpTestSuite() {
-    static int argumentCount = 1;
-    static char name[] = "test";
-    static char* arguments[] = {name, nullptr};
-    if (!QGuiApplication::instance()) new QGuiApplication(argumentCount, arguments);
+    makeTestApplication<QGuiApplication>();
     QGuiApplication::setQuitOnLastWindowClosed(false);
   }
 };

@@ -16,6 +16,7 @@
 #include "base/TaskScope.h"
 #include "fakes/FakeMainThread.h"
 #include "fakes/QtTestLoop.h"
+#include "fakes/TestApplication.h"
 #include "platform/xdg/SchemeHandler.h"
 
 namespace vemo {
@@ -34,10 +35,7 @@ class BrowserSignInTest : public testing::Test {
   }
 
   BrowserSignInTest() {
-    static int argumentCount = 1;
-    static char name[] = "test";
-    static char* arguments[] = {name, nullptr};
-    if (!QCoreApplication::instance()) new QGuiApplication(argumentCount, arguments);
+    makeTestApplication<QGuiApplication>();
     for (const auto& notes : {u"opened"_s, u"redirected"_s}) QFile::remove(folder.filePath(notes));
     qputenv("HOME", folder.path().toUtf8());
     qputenv("XDG_DATA_HOME", folder.filePath(u"data"_s).toUtf8());

@@ -5,17 +5,10 @@
 
 #include <QGuiApplication>
 
+#include "fakes/TestApplication.h"
+
 namespace vemo {
 
-class UiFixture : public testing::Test {
- protected:
-  UiFixture() {
-    static int argumentCount = 1;
-    static char name[] = "test";
-    static char* arguments[] = {name, nullptr};
-    // One for the whole test program: Qt can't make a second one reliably.
-    if (!QGuiApplication::instance()) new QGuiApplication(argumentCount, arguments);
-  }
-};
+class UiFixture : public testing::Test, protected TestApplication<QGuiApplication> {};
 
 }  // namespace vemo

@@ -5,6 +5,7 @@
 #include <QCursor>
 #include <QStyleHints>
 
+#include "fakes/TestApplication.h"
 #include "windows/AccentColors.h"
 #include "windows/SymbolImages.h"
 
@@ -28,12 +29,9 @@ void collect(QQuickItem& item, QStringList& texts) {
 
 /// Nothing of it blinks, and the pointer is on nothing.
 void ShownWindow::makeApplication() {
-  static int argumentCount = 1;
-  static char name[] = "test";
-  static char* arguments[] = {name, nullptr};
   if (QGuiApplication::instance()) return;
   QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
-  new QGuiApplication(argumentCount, arguments);
+  makeTestApplication<QGuiApplication>();
   QGuiApplication::styleHints()->setCursorFlashTime(0);
   QCursor::setPos(-100, -100);
 }
