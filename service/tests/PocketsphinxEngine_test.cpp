@@ -2,6 +2,10 @@
 
 #include <gmock/gmock.h>
 
+#include <atomic>
+#include <thread>
+#include <vector>
+
 #include "support/TemporaryFolder.h"
 #include "support/WavFile.h"
 
@@ -96,6 +100,16 @@ TEST_F(PocketsphinxEngineTest, TheLibraryPrintsNothingOfWhatItHears) {
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
   EXPECT_EQ(s_loadingOutput, "");
+}
+
+TEST(PocketsphinxModelTest, EnginesMayLoadAtOnce) {
+  std::atomic<int> loadedCount = 0;
+  {
+    std::vector<std::jthread> threads;
+    for (int i = 0; i < 6; ++i)
+      threads.emplace_back([&] { loadedCount += PocketsphinxEngine({}).load().has_value(); });
+  }
+  EXPECT_EQ(loadedCount, 6);
 }
 
 TEST(PocketsphinxModelTest, AModelThatIsNotThereIsOneClearLine) {

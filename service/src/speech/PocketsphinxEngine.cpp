@@ -13,10 +13,11 @@ namespace {
 
 void dropLogLine(void*, err_lvl_t, const char*, ...) {}
 
-/// The callback is the library's for all threads; its log file is kept thread by thread.
+/// One engine loads at a time: the library keeps its log, and more of what it sets up, in globals.
+std::mutex libraryMutex;
+
 void silenceLibrary() {
-  static std::once_flag once;
-  std::call_once(once, [] { err_set_callback(dropLogLine, nullptr); });
+  err_set_callback(dropLogLine, nullptr);
   err_set_logfp(nullptr);
 }
 
@@ -45,11 +46,11 @@ std::expected<void, std::string> PocketsphinxEngine::load() {
       return std::unexpected("the recogniser's model lacks " + path.string() +
                              " (Debian package pocketsphinx-en-us)");
   }
+  const std::lock_guard lock(libraryMutex);
   silenceLibrary();
   const std::unique_ptr<cmd_ln_t, ConfigurationDeleter> configuration(
       cmd_ln_init(nullptr, ps_args(), TRUE, "-hmm", m_model.acousticModel.c_str(), "-lm",
-                  m_model.languageModel.c_str(), "-dict", m_model.dictionary.c_str(), "-logfn",
-                  "/dev/null", nullptr));
+                  m_model.languageModel.c_str(), "-dict", m_model.dictionary.c_str(), nullptr));
   if (!configuration) return std::unexpected("the recogniser refuses its settings");
   m_decoder.reset(ps_init(configuration.get()));
   if (!m_decoder)
