@@ -26,8 +26,8 @@ inline constexpr std::chrono::milliseconds pasteKeyGap{20};
 
 /// One paste keystroke, ready to go. The target sees the paste chord and no other modifier,
 /// whatever the user holds meanwhile; after release() (or destruction, which releases) the
-/// keyboard's logical state is the physical one again. release() is due pasteKeyGap after press().
-/// However late it comes, the key has gone down once.
+/// keyboard's logical state is the physical one again. release() is due pasteKeyGap after press():
+/// a program that comes earlier waits, and however late it comes, the key has gone down once.
 class PasteKeystroke {
  public:
   virtual ~PasteKeystroke() = default;

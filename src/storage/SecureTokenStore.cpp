@@ -1,7 +1,7 @@
 #include "storage/SecureTokenStore.h"
 
 #include <cassert>
-#include <tuple>
+#include <ranges>
 #include <utility>
 
 #include "storage/DebugLog.h"
@@ -67,7 +67,7 @@ std::optional<QString> SecureTokenStore::read(const QString& account) {
   }
   Found found = lookUp(account, m_backends);
   if (found.place && found.place != m_backends.front())
-    found.standing = promote(account, found, *m_backends.front());
+    found.standing = promote(account, *found.value, m_backends);
   // What a write or a removal has put there meanwhile is newer than what was found.
   const std::lock_guard lock(m_mutex);
   m_memory.try_emplace(account, Memory{.value = found.value, .standing = found.standing});
@@ -88,35 +88,43 @@ SecureTokenStore::Found SecureTokenStore::lookUp(const QString& account, const B
 }
 
 /// How the first backend stands to the secret then.
-SecureTokenStore::Standing SecureTokenStore::promote(const QString& account, const Found& found,
-                                                     SecretBackend& to) {
-  const auto added = to.add(service(), account, found.value->toUtf8());
+SecureTokenStore::Standing SecureTokenStore::promote(const QString& account, const QString& value,
+                                                     const Backends& backends) {
+  const auto added = backends.front()->add(service(), account, value.toUtf8());
   if (added) {
-    found.place->remove(service(), account);
+    for (SecretBackend* backend : backends | std::views::drop(1))
+      backend->remove(service(), account);
     m_debugLog(u"keychain: moved item into the data protection keychain"_s);
     return Standing::Settled;
   }
-  if (added.error() != SecretError::Unavailable)
+  if (added.error() != SecretError::Unavailable && isFirstRefusal(account))
     m_debugLog(u"keychain: promotion failed (OSStatus %1)"_s.arg(osStatus(added.error())));
   return standingAfter(added.error());
+}
+
+bool SecureTokenStore::isFirstRefusal(const QString& account) {
+  const std::lock_guard lock(m_mutex);
+  return m_refusals.insert(account).second;
 }
 
 bool SecureTokenStore::write(const QString& value, const QString& account) {
   if (!value.isValidUtf16()) return false;
   remove(account);
   SecretError lastError = SecretError::Failed;
-  bool isFirstLeftOpen = false;
+  Standing standing = Standing::Settled;
   for (SecretBackend* backend : m_backends) {
     const bool isFirst = backend == m_backends.front();
     const auto added = backend->add(service(), account, value.toUtf8());
     if (!added) {
       lastError = added.error();
-      isFirstLeftOpen |= isFirst && lastError == SecretError::Failed;
+      if (isFirst) standing = standingAfter(lastError);
       continue;
     }
     remember(account, value);
-    if (isFirst) settleRemoval(account, added);
-    if (isFirstLeftOpen) leaveOpen(account);
+    if (isFirst)
+      settleRemoval(account, added);
+    else
+      setStanding(account, standing);
     return true;
   }
   m_debugLog(u"keychain: write failed for both backends (OSStatus %1)"_s.arg(osStatus(lastError)));
@@ -155,10 +163,14 @@ bool SecureTokenStore::refresh(const QString& account, const Backends& backends)
     if (!isDone || !before.value) return false;
   }
   Found found = lookUp(account, backends);
+  const bool isInFirst = found.place == backends.front();
+  // What one that was locked has kept is older than what has been in use since.
+  const bool isOutdated = isInFirst && before.value && found.value != before.value;
+  if (isOutdated) found.value = before.value;
   bool isPromoted = false;
-  // One that is locked or silent would take nothing.
-  if (found.standing == Standing::Settled && found.place && found.place != backends.front()) {
-    found.standing = promote(account, found, *backends.front());
+  // One that didn't answer would take nothing.
+  if (found.standing == Standing::Settled && found.value && (!isInFirst || isOutdated)) {
+    found.standing = promote(account, *found.value, backends);
     isPromoted = found.standing == Standing::Settled;
   }
   bool isNews = false;
@@ -196,10 +208,9 @@ bool SecureTokenStore::finishRemoval(const QString& account, SecretBackend& back
 
 /// What was done here may have undone what a write or a removal did at the same time.
 void SecureTokenStore::bringInLine(const QString& account, SecretBackend& backend) {
-  if (const auto value = memoryOf(account).value)
-    std::ignore = backend.add(service(), account, value->toUtf8());
-  else
-    std::ignore = backend.remove(service(), account);
+  const auto value = memoryOf(account).value;
+  settleRemoval(account, value ? backend.add(service(), account, value->toUtf8())
+                               : backend.remove(service(), account));
 }
 
 SecureTokenStore::Memory SecureTokenStore::memoryOf(const QString& account) const {
@@ -220,13 +231,13 @@ void SecureTokenStore::settleRemoval(const QString& account,
                                      const std::expected<void, SecretError>& outcome) {
   const std::lock_guard lock(m_mutex);
   Memory& memory = m_memory[account];
-  memory.isRemovalOpen = !outcome && outcome.error() == SecretError::Failed;
-  memory.standing = memory.isRemovalOpen ? Standing::Open : Standing::Settled;
+  memory.isRemovalOpen = !isWithoutIt(outcome);
+  memory.standing = outcome ? Standing::Settled : standingAfter(outcome.error());
 }
 
-void SecureTokenStore::leaveOpen(const QString& account) {
+void SecureTokenStore::setStanding(const QString& account, Standing standing) {
   const std::lock_guard lock(m_mutex);
-  m_memory[account].standing = Standing::Open;
+  m_memory[account].standing = standing;
 }
 
 }  // namespace vemo

@@ -13,6 +13,7 @@
 #include <map>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <vector>
 
 #include "ports/SecretBackend.h"
@@ -47,7 +48,7 @@ class SecureTokenStore {
   /// How the memory of an account stands to the first backend.
   enum class Standing {
     Settled,
-    NoStore,  ///< there was no such store on this desktop
+    NoStore,  ///< there was no such store on this desktop, and when one comes, as with Open
     Open,     ///< locked or silent: it may hold a secret that nobody knows, or one that was
               ///< removed, or has still to take one that went elsewhere
   };
@@ -77,11 +78,12 @@ class SecureTokenStore {
   };
 
   Found lookUp(const QString& account, const Backends& backends);
-  Standing promote(const QString& account, const Found& found, SecretBackend& to);
+  Standing promote(const QString& account, const QString& value, const Backends& backends);
+  bool isFirstRefusal(const QString& account);
   bool finishRemoval(const QString& account, SecretBackend& backend, unsigned changeCount);
   void bringInLine(const QString& account, SecretBackend& backend);
   void settleRemoval(const QString& account, const std::expected<void, SecretError>& outcome);
-  void leaveOpen(const QString& account);
+  void setStanding(const QString& account, Standing standing);
   Memory memoryOf(const QString& account) const;
   void remember(const QString& account, std::optional<QString> value);
 
@@ -89,6 +91,7 @@ class SecureTokenStore {
   DebugLog& m_debugLog;
   mutable std::mutex m_mutex;
   std::map<QString, Memory> m_memory;
+  std::set<QString> m_refusals;  ///< accounts whose refused promotion the log tells of
 };
 
 }  // namespace vemo

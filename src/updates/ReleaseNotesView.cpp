@@ -3,6 +3,7 @@
 #include <md4c.h>
 
 #include <QUrl>
+#include <QXmlStreamReader>
 #include <optional>
 
 namespace vemo {
@@ -66,8 +67,23 @@ void openLink(Markup& markup, const MD_ATTRIBUTE& target) {
 }
 
 void closeLink(Markup& markup) {
-  if (markup.isInLink()) markup.html += "</a>";
+  if (markup.isInLink()) {
+    markup.html += "</a>";
+    // One without words can be neither seen nor read out.
+    if (markup.links.back().words.trimmed().isEmpty()) markup.links.pop_back();
+  }
   markup.linkIsWritten.pop_back();
+}
+
+/// An entity that XML doesn't know stays as it is written.
+QString wordsOf(MD_TEXTTYPE type, QByteArrayView bytes) {
+  if (type == MD_TEXT_NULLCHAR) return QChar(QChar::ReplacementCharacter);
+  const QString text = QString::fromUtf8(bytes);
+  if (type != MD_TEXT_ENTITY) return text;
+  QXmlStreamReader reader(u"<words>"_s + text + u"</words>"_s);
+  reader.readNextStartElement();
+  const QString words = reader.readElementText();
+  return reader.hasError() ? text : words;
 }
 
 const char* tagOf(MD_SPANTYPE type) {
@@ -106,7 +122,7 @@ int addText(MD_TEXTTYPE type, const MD_CHAR* text, MD_SIZE size, void* user) {
     bytes = bytes.sliced(1);
     markup.isGuardTaken = true;
   }
-  if (markup.isInLink()) markup.links.back().words += QString::fromUtf8(bytes);
+  if (markup.isInLink()) markup.links.back().words += wordsOf(type, bytes);
   if (type == MD_TEXT_ENTITY) {
     markup.html.append(bytes);
   } else if (type == MD_TEXT_NULLCHAR) {

@@ -75,7 +75,8 @@ class SignInCase(unittest.TestCase):
         return token
 
     def assert_signed_out(self):
-        self.assertEqual(self.vemo.status(), SIGNED_OUT)
+        # Right after a start, nobody knows yet.
+        wait_until(lambda: self.vemo.status() == SIGNED_OUT, lambda: f"Vemo to be signed out; {self.vemo.story()}")
         # A keyring that was slow to answer is told once more.
         wait_until(lambda: not stored_token(), "the token to be gone from the keyring")
 
@@ -227,6 +228,7 @@ class WithoutKeyringTest(SignInCase):
         self.await_profile()
         self.vemo.command("sign-out")
         self.assert_signed_out()
+        self.assertFalse((folder / "sealed").exists())
         self.start_again()
         self.assert_signed_out()
 

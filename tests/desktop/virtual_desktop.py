@@ -25,7 +25,8 @@ PARTS = ("x11", "window-manager", "audio", "keyring", "accessibility")
 # The variable that every process of a desktop carries; its value, the desktop's folder, tells whose it is.
 MARKER = "VEMO_VIRTUAL_DESKTOP"
 
-# Generous: a machine under full load starts a display in seconds rather than in tenths.
+# For whatever is waited for. Generous: a machine under full load, or whose disk stands still, takes a minute for what
+# is done in tenths of a second otherwise.
 LIMIT_SECONDS = 120
 END_LIMIT_SECONDS = 5
 

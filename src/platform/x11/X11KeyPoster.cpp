@@ -15,19 +15,19 @@ class X11PasteKeystroke : public PasteKeystroke {
   ~X11PasteKeystroke() override { X11PasteKeystroke::release(); }
 
   void press() override {
-    if (std::exchange(m_isDown, true)) return;
+    if (std::exchange(m_isStruck, true)) return;
     m_keyboard->strikeChord(m_chord);
   }
 
   void release() override {
-    if (!std::exchange(m_isDown, false)) return;
+    if (!std::exchange(m_isStruck, false)) return;
     m_keyboard->giveModifiersBack();
   }
 
  private:
   std::shared_ptr<X11Keyboard> m_keyboard;
   const KeyChord m_chord;
-  bool m_isDown = false;
+  bool m_isStruck = false;  ///< and the user's modifiers haven't been given back
 };
 
 bool isTerminalInFront(X11Connection& connection) {

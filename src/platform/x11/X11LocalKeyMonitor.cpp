@@ -106,6 +106,10 @@ bool X11LocalKeyMonitor::nativeEventFilter(const QByteArray& eventType, void* me
 
 bool X11LocalKeyMonitor::keyWentDown(const xcb_key_press_event_t& event) {
   if (m_held.contains(event.detail)) return m_swallowed.contains(event.detail);
+  // Of a repetition that is handled after the key is up, both halves are in the past.
+  if (m_lastUp && m_lastUp->code == event.detail && m_lastUp->time == event.time)
+    return m_lastUp->wasSwallowed;
+  m_lastUp.reset();
   if (!m_handler) return false;
 
   const X11VirtualKey key = m_layout->key(event.detail);
@@ -117,10 +121,13 @@ bool X11LocalKeyMonitor::keyWentDown(const xcb_key_press_event_t& event) {
 }
 
 bool X11LocalKeyMonitor::keyWentUp(const xcb_key_release_event_t& event) {
-  if (!m_held.contains(event.detail)) return false;
+  if (!m_held.contains(event.detail))
+    return m_lastUp && m_lastUp->code == event.detail && m_lastUp->wasSwallowed;
   const bool isSwallowed = m_swallowed.contains(event.detail);
   // The other half of a repetition may come at any time later.
-  if (!m_layout->isDown(event.detail)) letGo(event.detail, event.state);
+  if (m_layout->isDown(event.detail)) return isSwallowed;
+  m_lastUp = {event.detail, event.time, isSwallowed};
+  letGo(event.detail, event.state);
   return isSwallowed;
 }
 

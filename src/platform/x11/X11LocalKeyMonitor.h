@@ -13,6 +13,7 @@
 #include <QAbstractNativeEventFilter>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 
 #include "platform/x11/X11VirtualKeys.h"
@@ -32,6 +33,11 @@ class X11LocalKeyMonitor : public LocalKeyMonitor, public QAbstractNativeEventFi
 
  private:
   class Layout;
+  struct KeyUp {
+    xcb_keycode_t code;
+    xcb_timestamp_t time;
+    bool wasSwallowed;
+  };
 
   bool keyWentDown(const xcb_key_press_event_t& event);
   bool keyWentUp(const xcb_key_release_event_t& event);
@@ -45,6 +51,7 @@ class X11LocalKeyMonitor : public LocalKeyMonitor, public QAbstractNativeEventFi
   bool m_isInstalled = false;
   std::map<xcb_keycode_t, X11VirtualKey> m_held;
   std::set<xcb_keycode_t> m_swallowed;
+  std::optional<KeyUp> m_lastUp;  ///< until another key goes down
 };
 
 }  // namespace vemo

@@ -14,7 +14,12 @@ MissingPanelNotice::MissingPanelNotice(With with)
 
 void MissingPanelNotice::hostKnown() {
   m_waiting.cancel();
-  if (m_with.item.hasHost() || m_isKnownMissing) return;
+  if (m_with.item.hasHost()) {
+    // Who wasn't told yet is to have the grace time when this panel goes, too.
+    if (std::exchange(m_isToBeTold, false)) m_isKnownMissing = false;
+    return;
+  }
+  if (m_isKnownMissing) return;
   m_waiting = m_tasks.start([this](std::stop_token stop) { return waitForPanel(std::move(stop)); });
 }
 

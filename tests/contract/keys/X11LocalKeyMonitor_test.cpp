@@ -216,6 +216,27 @@ TEST_F(X11LocalKeyMonitorTest, TheHalvesOfARepetitionMayComeApart) {
   EXPECT_THAT(window.pressed, IsEmpty());
 }
 
+TEST_F(X11LocalKeyMonitorTest, ARepetitionThatIsHandledAfterTheKeyIsUpIsNoSecondStroke) {
+  start();
+  user.press(XKB_KEY_a);
+  takeEvents(1);
+  // The server's word is ahead of the events that are on their way.
+  user.release(XKB_KEY_a);
+  xcb_key_release_event_t half{};
+  half.detail = aPlace;
+  half.time = 7;
+  for (const std::uint8_t type : {XCB_KEY_RELEASE, XCB_KEY_PRESS}) {
+    half.response_type = type;
+    EXPECT_TRUE(monitor.nativeEventFilter("xcb_generic_event_t", &half, nullptr));
+  }
+  EXPECT_THAT(takeEvents(1), ElementsAre(keyUp(0)));
+  EXPECT_THAT(window.pressed, IsEmpty());
+  EXPECT_THAT(window.released, IsEmpty());
+  user.press(XKB_KEY_a);
+  user.release(XKB_KEY_a);
+  EXPECT_THAT(takeEvents(2), ElementsAre(keyDown(0), keyUp(0)));
+}
+
 TEST_F(X11LocalKeyMonitorTest, AKeyThatIsHeldBeyondTheMonitoringStaysSwallowedWhileItRepeats) {
   start();
   user.press(XKB_KEY_a);

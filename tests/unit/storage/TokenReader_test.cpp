@@ -47,6 +47,11 @@ class TokenReaderTest : public StorageTest {
     news.clear();
     keyring.calls.clear();
   }
+  void unlock() {
+    keyring.failEverythingWith({});
+    reader->keyringChanged();
+    settle();
+  }
   void advance(Clock::Duration duration) {
     clock.advance(duration);
     settle();
@@ -112,9 +117,7 @@ TEST_F(TokenReaderTest, AKeyringUnlockedLaterBringsTheToken) {
   startAndSettle();
   EXPECT_FALSE(tokens.isExpected(account));
   EXPECT_EQ(tokens.read(account), std::nullopt);
-  keyring.failEverythingWith({});
-  reader->keyringChanged();
-  settle();
+  unlock();
   EXPECT_EQ(tokens.read(account), u"token"_s);
   EXPECT_THAT(news, ElementsAre(account));
 }
@@ -189,9 +192,7 @@ TEST_F(TokenReaderTest, ALockedKeyringIsOfferedNoSealedTokenAndGetsItOnceItIsUnl
   advance(1s);
   EXPECT_THAT(keyring.calls, Not(Contains(u"add brelmox.Vemo authToken"_s)));
   EXPECT_EQ(sealed.items.at(item), "token");
-  keyring.failEverythingWith({});
-  reader->keyringChanged();
-  settle();
+  unlock();
   EXPECT_EQ(keyring.items.at(item), "token");
   EXPECT_THAT(sealed.items, IsEmpty());
   EXPECT_EQ(tokens.standing(account), Standing::Settled);
@@ -213,7 +214,7 @@ TEST_F(TokenReaderTest, ATokenThatASilentKeyringDidNotTakeMovesThereOnceItAnswer
   EXPECT_THAT(news, IsEmpty());
 }
 
-TEST_F(TokenReaderTest, ATokenThatAMissingKeyringDidNotTakeIsLeftAlone) {
+TEST_F(TokenReaderTest, ATokenThatAMissingKeyringDidNotTakeMovesWhenOneComesAndNothingAsksBefore) {
   keyring.failEverythingWith(SecretError::Unavailable);
   startAndSettle();
   EXPECT_TRUE(tokens.write(u"token"_s, account));
@@ -222,6 +223,42 @@ TEST_F(TokenReaderTest, ATokenThatAMissingKeyringDidNotTakeIsLeftAlone) {
   advance(10min);
   EXPECT_THAT(keyring.calls, IsEmpty());
   EXPECT_EQ(sealed.items.at(item), "token");
+  unlock();
+  EXPECT_EQ(keyring.items.at(item), "token");
+  EXPECT_THAT(sealed.items, IsEmpty());
+}
+
+TEST_F(TokenReaderTest, ASignOutWhileTheKeyringIsGoneIsDoneWhenItIsBack) {
+  keyring.items[item] = "token";
+  startAndSettle();
+  keyring.failEverythingWith(SecretError::Unavailable);
+  tokens.remove(account);
+  unlock();
+  EXPECT_THAT(keyring.items, IsEmpty());
+  EXPECT_EQ(tokens.standing(account), Standing::Settled);
+}
+
+TEST_F(TokenReaderTest, AnOldTokenOfAKeyringUnlockedLaterGivesWayToTheOneInUse) {
+  keyring.items[item] = "old";
+  sealed.items[item] = "new";
+  keyring.failEverythingWith(SecretError::Failed);
+  startAndSettle();
+  EXPECT_EQ(tokens.read(account), u"new"_s);
+  unlock();
+  EXPECT_EQ(tokens.read(account), u"new"_s);
+  EXPECT_EQ(keyring.items.at(item), "new");
+  EXPECT_THAT(sealed.items, IsEmpty());
+  EXPECT_THAT(news, IsEmpty());
+}
+
+TEST_F(TokenReaderTest, AKeyringThatRefusesAgainAndAgainIsLoggedOnce) {
+  sealed.items[item] = "token";
+  keyring.addFailure = SecretError::Failed;
+  startAndSettle();
+  advance(1s);
+  advance(2s);
+  EXPECT_GT(keyring.calls.size(), 2U);
+  EXPECT_THAT(logged(), ElementsAre(u"keychain: promotion failed (OSStatus -25291)"_s));
 }
 
 TEST_F(TokenReaderTest, ASignInMeanwhileCountsMoreThanTheAnswer) {
@@ -270,9 +307,7 @@ TEST_F(TokenReaderTest, AnOldTokenThatALockedKeyringKeptGoesAndTheSealedNewOneTa
   EXPECT_EQ(sealed.items.at(item), "new");
   reader->secretsChanged();
   settle();
-  keyring.failEverythingWith({});
-  reader->keyringChanged();
-  settle();
+  unlock();
   EXPECT_EQ(keyring.items.at(item), "new");
   EXPECT_THAT(sealed.items, IsEmpty());
   EXPECT_EQ(tokens.read(account), u"new"_s);

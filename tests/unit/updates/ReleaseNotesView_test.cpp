@@ -85,6 +85,10 @@ TEST(ReleaseNotesTest, LinksAreNamedAsTheyAreReadAndInTheirOrder) {
                           InlineLink{u"all"_s, u"http://e.com"_s}));
   EXPECT_THAT(inlineLinks(u"[![seen](https://e.com/x.png)](https://e.com)"_s),
               ElementsAre(InlineLink{u"seen"_s, u"https://e.com"_s}));
+  EXPECT_THAT(inlineLinks(u"[Terms &amp; &#8364; &nope; more](https://e.com)"_s),
+              ElementsAre(InlineLink{u"Terms & € &nope; more"_s, u"https://e.com"_s}));
+  EXPECT_THAT(inlineLinks(u"[](https://e.com) [ ](https://e.com) [b](https://e.com)"_s),
+              ElementsAre(InlineLink{u"b"_s, u"https://e.com"_s}));
   EXPECT_THAT(inlineLinks(u"[a](file:///etc/passwd) [notes](https://exa mple"_s), IsEmpty());
 }
 

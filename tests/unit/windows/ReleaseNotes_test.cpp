@@ -134,11 +134,15 @@ TEST_F(ReleaseNotesViewTest, NoImageIsFetchedAndNoMarkupIsDrawnAsSuch) {
 
 TEST_F(ReleaseNotesViewTest, ALinkIsOpenedByTheKeyboard) {
   const QString page = address(u"page"_s);
-  show(u"First\nSee [the notes](%1) and [more](%1)"_s.arg(page));
+  const QString other = address(u"other"_s);
+  show(u"First\nSee [the notes](%1) and [more](%2)"_s.arg(page, other));
   QTest::keyClick(&window->window(), Qt::Key_Tab);
   EXPECT_THAT(desktop.opened, IsEmpty());
   QTest::keyClick(&window->window(), Qt::Key_Return);
   EXPECT_THAT(desktop.opened, ElementsAre(page));
+  QTest::keyClick(&window->window(), Qt::Key_Tab);
+  QTest::keyClick(&window->window(), Qt::Key_Return);
+  EXPECT_THAT(desktop.opened, ElementsAre(page, other));
 }
 
 TEST_F(ReleaseNotesViewTest, ALinkIsOpenedByAClickAndByNothingElse) {

@@ -136,6 +136,18 @@ TEST_F(MissingPanelNoticeTest, WhoHasGotAPanelBeforeTheWindowOpensIsNotTold) {
   EXPECT_TRUE(told.isEmpty());
 }
 
+TEST_F(MissingPanelNoticeTest, APanelThatCameLateAndIsStartedAnewHasTheGraceTime) {
+  closeWindow();
+  item.setHost(false);
+  clock.advance(10s);
+  item.setHost(true);
+  item.setHost(false);
+  openWindow();
+  EXPECT_TRUE(told.isEmpty());
+  clock.advance(10s);
+  EXPECT_EQ(told, menuIsHere);
+}
+
 TEST_F(MissingPanelNoticeTest, TheSettingsWindowIsNotWhereTheMenuIs) {
   closeWindow();
   scenes.open(Scene::Settings);
