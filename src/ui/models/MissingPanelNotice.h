@@ -1,8 +1,9 @@
 // Tells a person whose desktop has no panel for Vemo's icon that the menu is in the main window.
 //
-// Main thread only; owned by what brings together the panel's item and the windows. Told once a
-// run: the log at once, the person as soon as the main window is open to say it in. Nothing else
-// waits for a panel: the windows, the hotkeys and the menu in the window are there without one.
+// Main thread only; owned by what brings together the panel's item and the windows. The log is told
+// when the grace time is over, the person, once a run, as soon as the main window is open to say it
+// in. Nothing else waits for a panel: the windows, the hotkeys and the menu in the window are there
+// without one.
 #pragma once
 
 #include <QCoreApplication>
