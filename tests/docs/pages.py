@@ -51,8 +51,8 @@ def programs_of_the_build():
             for name in re.findall(declared, file.read_text(), re.MULTILINE)}
 
 
-def columns(page):
-    """Of each cell of a table with a span of code: the column's heading and the cell."""
+def rows(page):
+    """Each row of the page's tables, from the columns' headings to the cells."""
     heading = None
     for line in prose(page).splitlines():
         if not line.startswith("|"):
@@ -61,7 +61,14 @@ def columns(page):
         cells = [cell.strip() for cell in line.strip("|").split("|")]
         if heading is None:
             heading = cells
-        yield from zip(heading, cells)
+        elif not re.fullmatch(r"[-:]+", cells[0]):
+            yield dict(zip(heading, cells))
+
+
+def columns(page):
+    """The column's heading and the content of each cell of the page's tables."""
+    for row in rows(page):
+        yield from row.items()
 
 
 def commands_in_the_text(page):

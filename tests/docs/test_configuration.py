@@ -1,28 +1,47 @@
 #!/usr/bin/python3
-"""The page on self-hosting shows every key that vemo-service reads, and none besides."""
+"""The pages show every key of both configuration files, with its default, and none besides."""
 
-import pathlib
 import re
 import unittest
 
-SOURCE = pathlib.Path(__file__).resolve().parents[2]
+from pages import SOURCE, SPAN, blocks, rows
+
+
+def source_of(path):
+    return (SOURCE / path).read_text()
 
 
 def documented_keys():
-    page = (SOURCE / "docs/self-hosting.md").read_text()
-    for block in re.findall(r"^```ini\n(.*?)^```$", page, re.MULTILINE | re.DOTALL):
+    for mark, block in blocks(SOURCE / "docs/self-hosting.md"):
         section = None
-        for line in block.splitlines():
+        for line in block.splitlines() if mark == "ini" else []:
             if heading := re.fullmatch(r"\[(.+)\]", line):
                 section = heading[1]
             elif section and (entry := re.match(r"([a-z-]+) = ", line)):
                 yield f"{section}.{entry[1]}"
 
 
-class ConfigurationTest(unittest.TestCase):
+class ServiceConfigurationTest(unittest.TestCase):
     def test_the_page_has_each_key_and_no_other(self):
-        source = (SOURCE / "service/src/setup/Configuration.cpp").read_text()
+        source = source_of("service/src/setup/Configuration.cpp")
         self.assertEqual(set(re.findall(r'\{"([a-z-]+\.[a-z-]+)"', source)), set(documented_keys()))
+
+
+class DeploymentConfigurationTest(unittest.TestCase):
+    def setUp(self):
+        self.source = source_of("src/storage/DeploymentConfiguration.cpp")
+        table = [row for row in rows(SOURCE / "docs/configuration.md") if "key" in row]
+        self.values = {SPAN.findall(row["key"])[0]: row["value if not named"].strip("`") for row in table}
+
+    def test_the_table_has_each_key_and_no_other(self):
+        keys = re.findall(r"\b(?:Address|Text)Key\{u\"(\w+)\"", self.source)
+        self.assertGreater(len(keys), 5)
+        self.assertEqual(sorted(keys), sorted(self.values))
+
+    def test_the_table_has_the_value_of_each_key_that_is_not_named(self):
+        built_in = {key: address or "empty" for key, address in
+                    re.findall(r"^      \.(\w+) = (?:QUrl\(u\"(.*?)\"_s\)|\{\}),$", self.source, re.MULTILINE)}
+        self.assertEqual(built_in, self.values)
 
 
 if __name__ == "__main__":

@@ -10,3 +10,4 @@ until [[ -s page ]]; do kill -0 %2; done
 curl -sf "$(cat page)"          #=> …<button…
 vemo cancel-sign-in
 vemo quit
+wait %2
