@@ -22,6 +22,7 @@ EXCEPTIONS = [NotRun(*row) for row in [
     ("cmake --preset release", LONG, "test"),
     ("cmake --build --preset release", LONG, "test"),
     ("tools/install-dependencies", AS_ROOT, "test"),
+    ("tools/install-dependencies package", AS_ROOT, "packaging_dependencies"),
     ("tools/check", "is a part of the tests of its own", "test"),
     ("tools/virtual-desktop", "is what desktop tests run in", "desktop_itself"),
     ("window_pictures --write-references", PICTURES, "window_pictures"),
