@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""The pages show every key of both configuration files, with its default, and none besides."""
+"""The pages show every key of both configuration files, with its default, and none besides; and every choice of keys."""
 
 import re
 import unittest
@@ -42,6 +42,17 @@ class DeploymentConfigurationTest(unittest.TestCase):
         built_in = {key: address or "empty" for key, address in
                     re.findall(r"^      \.(\w+) = (?:QUrl\(u\"(.*?)\"_s\)|\{\}),$", self.source, re.MULTILINE)}
         self.assertEqual(built_in, self.values)
+
+
+class KeyChoicesTest(unittest.TestCase):
+    def test_the_table_has_the_choices_of_the_settings_window_and_no_other(self):
+        presets = re.findall(r'\{(?:modifier|chord)\(u"(\w+)"_s.*?\)?\),\s*QT_TRANSLATE_NOOP\("Keys", "(.*?)"\)',
+                             source_of("src/desktop/HotkeyChoices.cpp"))
+        self.assertGreater(len(presets), 5)
+        table = [row for row in rows(SOURCE / "docs/keys.md") if "in the settings window" in row]
+        choices = {row["choice"].strip("`"): row["in the settings window"] for row in table}
+        self.assertIn("custom", choices)
+        self.assertEqual(presets, [choice for choice in choices.items() if choice[0] != "custom"])
 
 
 if __name__ == "__main__":
