@@ -45,7 +45,8 @@ Task<> Application::quitWithoutLoss() {
 }
 
 std::expected<std::unique_ptr<Application>, QString> Application::create(
-    DeploymentConfiguration configuration, const QString& address) {
+    DeploymentConfiguration configuration, std::optional<SelfContainedCopy> copy,
+    const QString& address) {
   // The name comes before everything that another instance may be writing to.
   auto bus = BusRemoteControl::create();
   if (!bus && bus.error() == BusNameError::NoBus)
@@ -58,21 +59,22 @@ std::expected<std::unique_ptr<Application>, QString> Application::create(
   }
   std::unique_ptr<Application> application(new Application(std::move(configuration)));
   application->m_bus = *std::move(bus);
-  if (auto error = application->start(address)) return std::unexpected(*std::move(error));
+  if (auto error = application->start(std::move(copy), address))
+    return std::unexpected(*std::move(error));
   return application;
 }
 
-std::optional<QString> Application::start(const QString& address) {
-  const auto copy = beginStartOfOwnCopy();
-  m_foundation = std::make_unique<Foundation>([this] { quit(); });
+std::optional<QString> Application::start(std::optional<SelfContainedCopy> copy,
+                                          const QString& address) {
+  m_foundation = std::make_unique<Foundation>(std::move(copy), [this] { quit(); });
   m_desktop = Desktop::create(m_foundation->mainThread);
   if (!m_desktop) return u"Vemo needs an X server with XFixes, XTest, XInput 2 and RandR 1.5."_s;
   makeDelegate();
   m_delegate->applicationWillFinishLaunching(QCoreApplication::arguments());
   m_delegate->applicationDidFinishLaunching();
   if (!m_program) return std::nullopt;
-  m_program->tasks.start([this, &copy](std::stop_token stop) {
-    return keepOwnCopyWhenStartedWell(copy, m_foundation->clock, std::move(stop));
+  m_program->tasks.start([this](std::stop_token stop) {
+    return keepOwnCopyWhenStartedWell(*m_foundation, m_program->diskReader, std::move(stop));
   });
   if (!address.isEmpty()) open(address);
   return std::nullopt;

@@ -11,6 +11,7 @@
 #include <optional>
 
 #include "base/Task.h"
+#include "platform/updater/SelfContainedCopy.h"
 #include "storage/DeploymentConfiguration.h"
 
 namespace vemo {
@@ -27,14 +28,15 @@ class Application {
   /// Null when another instance runs, which has come forward instead, or has taken the address. An
   /// empty address is none. The error is one line for the person who starts the program.
   static std::expected<std::unique_ptr<Application>, QString> create(
-      DeploymentConfiguration configuration, const QString& address);
+      DeploymentConfiguration configuration, std::optional<SelfContainedCopy> copy,
+      const QString& address);
   ~Application();
 
  private:
   explicit Application(DeploymentConfiguration configuration);
 
   /// Makes the desktop and launches the program; the error is that of create().
-  std::optional<QString> start(const QString& address);
+  std::optional<QString> start(std::optional<SelfContainedCopy> copy, const QString& address);
 
   void quit();
   void makeDelegate();

@@ -24,7 +24,8 @@ const QString usage =
     u"  sign-out        forget the account on this machine\n\n"
     u"Options:\n"
     u"  --help     show this text\n"
-    u"  --version  show the version\n"_s;
+    u"  --version  show the version\n"
+    u"  --check    show the version where it can run here, without starting it\n"_s;
 
 /// What is typed, and the operation of RemoteControl that it means.
 const std::map<QString, QString> remoteCommands{{u"toggle"_s, u"toggle"_s},
@@ -36,6 +37,11 @@ const std::map<QString, QString> remoteCommands{{u"toggle"_s, u"toggle"_s},
                                                 {u"cancel-sign-in"_s, u"cancelSignIn"_s},
                                                 {u"sign-out"_s, u"signOut"_s}};
 
+QString versionLine() {
+  const auto information = readSystemInformation();
+  return u"Vemo %1 (%2)\n"_s.arg(information.applicationVersion, information.applicationBuild);
+}
+
 }  // namespace
 
 std::expected<CommandLine, QString> parseCommandLine(const QStringList& arguments) {
@@ -46,11 +52,8 @@ std::expected<CommandLine, QString> parseCommandLine(const QStringList& argument
     if (const auto command = remoteCommands.find(first); command != remoteCommands.end())
       return RemoteCommand{command->second, {}};
     if (first == u"--help" || first == u"-h") return PrintCommand{usage};
-    if (first == u"--version") {
-      const auto information = readSystemInformation();
-      return PrintCommand{
-          u"Vemo %1 (%2)\n"_s.arg(information.applicationVersion, information.applicationBuild)};
-    }
+    if (first == u"--version") return PrintCommand{versionLine()};
+    if (first == u"--check") return CheckCommand{versionLine()};
   }
   // For the desktop, which starts it with the address that a browser was sent to.
   if (arguments.size() == 2 && first == u"open") return RunCommand{.address = arguments[1]};

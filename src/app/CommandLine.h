@@ -24,7 +24,13 @@ struct PrintCommand {
   QString text;
 };
 
-using CommandLine = std::variant<RunCommand, RemoteCommand, PrintCommand>;
+/// See whether this version runs here, without running it: how it is told from the command line
+/// and by the version that would install it. Prints the text where it does.
+struct CheckCommand {
+  QString text;
+};
+
+using CommandLine = std::variant<RunCommand, RemoteCommand, PrintCommand, CheckCommand>;
 
 /// The error is what to tell the person at the terminal.
 std::expected<CommandLine, QString> parseCommandLine(const QStringList& arguments);

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <utility>
 
 #include "app/TerminationSignals.h"
@@ -11,6 +12,7 @@
 #include "platform/qt/QtClock.h"
 #include "platform/qt/QtMainThread.h"
 #include "platform/qt/QtSystemInformation.h"
+#include "platform/updater/SelfContainedCopy.h"
 #include "storage/DebugLog.h"
 #include "storage/Settings.h"
 #include "storage/StandardPlaces.h"
@@ -21,8 +23,11 @@ namespace vemo {
 QString crashFileInItsFolder();
 
 struct Foundation {
-  explicit Foundation(std::function<void()> quit) : terminationSignals(std::move(quit)) {}
+  Foundation(std::optional<SelfContainedCopy> ownCopy, std::function<void()> quit)
+      : copy(std::move(ownCopy)), terminationSignals(std::move(quit)) {}
 
+  /// That the program runs from, where its files are the user's own.
+  const std::optional<SelfContainedCopy> copy;
   TerminationSignals terminationSignals;
   SystemInformation information = readSystemInformation();
   SignalCrashRecorder crashes{crashFileInItsFolder(), information.applicationBuild.toUtf8()};

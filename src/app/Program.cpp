@@ -1,6 +1,5 @@
 #include "app/Program.h"
 
-#include <QCoreApplication>
 #include <QSysInfo>
 
 #include "app/Updating.h"
@@ -38,7 +37,7 @@ Program::Program(Foundation& foundation, Desktop& desktop,
                  .system = foundation.information,
                  .device = desktop.deviceInformation,
                  .crashes = foundation.crashes}),
-      browserSignIn(foundation.mainThread, QCoreApplication::applicationFilePath()),
+      browserSignIn(foundation.mainThread, programToStart(foundation)),
       googleSignIn({.browser = browserSignIn,
                     .session = sharedSession,
                     .random = random,
@@ -152,7 +151,7 @@ Program::Program(Foundation& foundation, Desktop& desktop,
                   .openSettings = [&desktop] { desktop.scenes.open(Scene::Settings); },
                   .menu = [this] { return menu.items(); },
                   .update = &updateCard}),
-      loginItem(AutostartEntry::standard(QCoreApplication::applicationFilePath())),
+      loginItem(AutostartEntry::standard(programToStart(foundation))),
       settingsWindow({.mainThread = foundation.mainThread,
                       .clock = foundation.clock,
                       .settings = foundation.settings,

@@ -7,7 +7,12 @@
 #include <QDBusMessage>
 #include <QFile>
 #include <QFileInfo>
+#include <QStorageInfo>
 #include <QVariantMap>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <utility>
 
 #include "platform/updater/SelfUpdater.h"
 #include "storage/StandardPlaces.h"
@@ -26,14 +31,15 @@ QString memoryFile() {
   return QFileInfo(places::crashFile()).path() + u"/updates.json"_s;
 }
 
-std::optional<SelfContainedCopy> ownCopy() {
-  return SelfContainedCopy::around(QCoreApplication::applicationFilePath());
+qint64 freeSpace(const QString& folder) {
+  return QStorageInfo(folder).bytesAvailable();
 }
 
-void become(const QString& program) {
-  const QByteArray path = QFile::encodeName(program);
-  const char* arguments[] = {path.constData(), nullptr};
-  ::execv(path.constData(), const_cast<char**>(arguments));
+/// Returns where that can't be.
+void become(const QString& program, char** arguments) {
+  ::execv(QFile::encodeName(program).constData(), arguments);
+  std::fprintf(stderr, "Vemo: %s doesn't start: %s\n", qUtf8Printable(program),
+               std::strerror(errno));
 }
 
 /// A note of the desktop's own; where nobody shows such notes, the menu still tells of the update.
@@ -48,13 +54,23 @@ void announce(const QString& title, const QString& text) {
 
 }  // namespace
 
+std::optional<SelfContainedCopy> beginStartOfOwnCopy(char** arguments) {
+  auto copy = SelfContainedCopy::around(u"/proc/self/exe"_s);
+  if (copy && copy->beginStart() == SelfContainedCopy::Start::RolledBack)
+    become(copy->program(), arguments);
+  return copy;
+}
+
+QString programToStart(const Foundation& foundation) {
+  return foundation.copy ? foundation.copy->program() : QCoreApplication::applicationFilePath();
+}
+
 MakeUpdater makeUpdaterOver(HttpSession& session, Foundation& foundation,
                             const DeploymentConfiguration& configuration,
                             std::function<void()> quit) {
   return [&session, &foundation, &configuration, quit](UpdaterDelegate& delegate,
                                                        UpdateUserDriverDelegate& userDriver) {
-    auto copy = ownCopy();
-    const auto relaunch = [quit, program = copy ? copy->program() : QString()] {
+    const auto relaunch = [quit, program = programToStart(foundation)] {
       QCoreApplication::instance()->setProperty(nextProgram, program);
       quit();
     };
@@ -64,8 +80,9 @@ MakeUpdater makeUpdaterOver(HttpSession& session, Foundation& foundation,
                           .session = session,
                           .publicKey = configuration.updateFeedPublicKey.toUtf8(),
                           .system = foundation.information,
-                          .copy = std::move(copy),
+                          .copy = foundation.copy,
                           .memoryFile = memoryFile(),
+                          .freeSpace = freeSpace,
                           .log = [&foundation](const QString& line) { foundation.debugLog(line); },
                           .announce = announce,
                           .relaunch = relaunch},
@@ -77,21 +94,19 @@ MakeUpdater makeUpdaterOver(HttpSession& session, Foundation& foundation,
   };
 }
 
-std::optional<SelfContainedCopy> beginStartOfOwnCopy() {
-  auto copy = ownCopy();
-  if (copy && copy->beginStart() == SelfContainedCopy::Start::RolledBack) become(copy->program());
-  return copy;
-}
-
-Task<> keepOwnCopyWhenStartedWell(std::optional<SelfContainedCopy> copy, Clock& clock,
+Task<> keepOwnCopyWhenStartedWell(Foundation& foundation, SerialQueue& queue,
                                   std::stop_token stop) {
-  if (!copy) co_return;
-  if (co_await clock.sleep(provenAfter, stop) == SleepEnd::Elapsed) copy->startedWell();
+  if (!foundation.copy) co_return;
+  if (co_await foundation.clock.sleep(provenAfter, stop) == SleepEnd::Elapsed)
+    queue.post([&copy = *foundation.copy] { copy.startedWell(); });
 }
 
 void becomeUpdatedProgram() {
   const QString program = QCoreApplication::instance()->property(nextProgram).toString();
-  if (!program.isEmpty()) become(program);
+  if (program.isEmpty()) return;
+  QByteArray name = QFile::encodeName(program);
+  char* arguments[] = {name.data(), nullptr};
+  become(program, arguments);
 }
 
 }  // namespace vemo

@@ -7,6 +7,7 @@
 #include <functional>
 
 #include "app/Foundation.h"
+#include "base/SerialQueue.h"
 #include "base/TaskScope.h"
 #include "platform/updater/SelfContainedCopy.h"
 #include "ports/HttpSession.h"
@@ -19,18 +20,21 @@ namespace vemo {
 inline constexpr HttpSessionLimits updateLimits{.requestTimeout = std::chrono::seconds(20),
                                                 .resourceTimeout = std::chrono::seconds(128)};
 
+/// The first thing of a start, as whatever comes after may be what doesn't work in a new version:
+/// one that has twice neither run well nor ended regularly gives way, and the one before takes this
+/// process over with its arguments.
+std::optional<SelfContainedCopy> beginStartOfOwnCopy(char** arguments);
+
+/// What the desktop starts, at login or for an address: stays right when a version is replaced.
+QString programToStart(const Foundation& foundation);
+
 /// What is ready is installed when the program ends; `quit` ends it before.
 MakeUpdater makeUpdaterOver(HttpSession& session, Foundation& foundation,
                             const DeploymentConfiguration& configuration,
                             std::function<void()> quit);
 
-/// The copy that this program runs from, where it is the user's own. A version that has twice ended
-/// soon after its start gives way here: the one before takes this process over.
-std::optional<SelfContainedCopy> beginStartOfOwnCopy();
-
-/// Lets go of the version before, once this one has run for a while.
-Task<> keepOwnCopyWhenStartedWell(std::optional<SelfContainedCopy> copy, Clock& clock,
-                                  std::stop_token stop);
+/// Lets go of the versions before, on that queue, once this one has run for a while.
+Task<> keepOwnCopyWhenStartedWell(Foundation& foundation, SerialQueue& queue, std::stop_token stop);
 
 /// At the very end of the program, when nothing holds its name any more: becomes the program that
 /// an update has put in place, or returns where there is none.

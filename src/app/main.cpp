@@ -13,6 +13,7 @@
 
 #include "app/Application.h"
 #include "app/CommandLine.h"
+#include "app/Desktop.h"
 #include "app/TerminationSignals.h"
 #include "app/Updating.h"
 #include "platform/xdg/BusRemoteControl.h"
@@ -61,27 +62,48 @@ void limitTheWaitForThreads() {
   alarm(seconds);
 }
 
+/// The start of a version on trial, which counts until the program ends as it should.
+std::optional<SelfContainedCopy> ownCopy;
+
+void takeBackStart() {
+  if (ownCopy) ownCopy->takeBackStart();
+}
+
 int runResident(int argc, char** argv, const RunCommand& command) {
   forbidCoreFiles();
   returnLargeMemory();
+  ownCopy = beginStartOfOwnCopy(argv);
   TerminationSignals::block();
   auto configuration = DeploymentConfiguration::load(places::deploymentConfigurationCandidates());
   if (!configuration) return complain(configuration.error(), usageError);
-  if (qEnvironmentVariableIsEmpty("DISPLAY"))
+  if (qEnvironmentVariableIsEmpty("DISPLAY")) {
+    takeBackStart();
     return complain(u"Vemo needs an X display; DISPLAY isn't set."_s, failure);
+  }
   qputenv("QT_QPA_PLATFORM", "xcb");
 
   QGuiApplication qtApplication(argc, argv);
   QGuiApplication::setQuitOnLastWindowClosed(false);
   QGuiApplication::setDesktopFileName(u"brelmox.Vemo"_s);
-  auto application = Application::create(*std::move(configuration), command.address);
+  auto application = Application::create(*std::move(configuration), ownCopy, command.address);
   if (!application) return complain(application.error(), failure);
+  // Also where Qt ends the program because its display has gone.
+  std::atexit(takeBackStart);
   if (!*application) return EXIT_SUCCESS;
   const int status = QGuiApplication::exec();
   application->reset();
   becomeUpdatedProgram();
   limitTheWaitForThreads();
   return status;
+}
+
+int runCheck(int argc, char** argv, const CheckCommand& command) {
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  const QGuiApplication qtApplication(argc, argv);
+  QuickScenes scenes(windowPlaces());
+  if (!scenes.load()) return failure;
+  std::fputs(qUtf8Printable(command.text), stdout);
+  return EXIT_SUCCESS;
 }
 
 /// Ends the program at once: Qt's thread for the bus would complain of types that the usual end has
@@ -109,5 +131,7 @@ int main(int argc, char** argv) {
   }
   if (const auto* remote = std::get_if<RemoteCommand>(&*commandLine))
     runRemote(argc, argv, *remote);
+  if (const auto* check = std::get_if<CheckCommand>(&*commandLine))
+    return runCheck(argc, argv, *check);
   return runResident(argc, argv, std::get<RunCommand>(*commandLine));
 }

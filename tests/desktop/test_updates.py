@@ -4,15 +4,18 @@ the build before that lives in a folder of the user's own."""
 
 import pathlib
 import shutil
+import signal
 import subprocess
 import tempfile
 import unittest
+
+from gi.repository import Gio, GLib
 
 from accessibility import Walks
 from companion_service import CompanionService
 from vemo_program import Vemo, program
 from virtual_desktop import wait_until
-from windows import Role, main_window
+from windows import Role, main_window, settings_window
 
 NOTES = """# Quicker
 - The window opens at once
@@ -36,8 +39,21 @@ def lay_out(version, name):
     shutil.copytree(program("../share/vemo"), version / "share/vemo")
 
 
+def make_unable_to_show_anything(version):
+    """It answers when it is asked for a check, which shows nothing, and aborts at each start."""
+    plugins = version / "plugins/platforms"
+    plugins.mkdir(parents=True)
+    folder = subprocess.run(["qtpaths6", "--query", "QT_INSTALL_PLUGINS"], capture_output=True, text=True, check=True)
+    shutil.copy(pathlib.Path(folder.stdout.strip(), "platforms/libqoffscreen.so"), plugins)
+    (version / "bin/qt.conf").write_text("[Paths]\nPlugins = ../plugins\n")
+
+
 class UpdatingCopy:
     """A running copy that has fetched the next build."""
+
+    @staticmethod
+    def spoil(version):
+        """What a test does to the next build before it is released."""
 
     def setUp(self):
         folder = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory()))
@@ -45,6 +61,7 @@ class UpdatingCopy:
         feed.mkdir()
         self.key = release("new-key", folder / "key")
         lay_out(folder / "next", "vemo-next-build")
+        self.spoil(folder / "next")
         (folder / "notes").write_text(NOTES)
         release("add", "--notes", folder / "notes", folder / "key", feed, folder / "next", "9.9.9", 99)
         release("check", self.key, feed)
@@ -66,9 +83,16 @@ class UpdatingCopy:
     def current(self):
         return (self.copy / "current").readlink()
 
-    def runs_the_next_build(self):
+    def runs(self, build):
         running = pathlib.Path(f"/proc/{self.vemo.process.pid}/exe").resolve()
-        return running == self.copy.resolve() / "versions/99/bin/vemo"
+        return running == self.copy.resolve() / f"versions/{build}/bin/vemo"
+
+    def runs_the_next_build(self):
+        return self.runs(99)
+
+    def quit(self):
+        self.vemo.command("quit")
+        self.assertEqual(self.vemo.process.wait(120), 0)
 
     def assert_that_the_next_build_has_come(self):
         self.assertEqual(self.current(), pathlib.Path("versions/99"))
@@ -101,13 +125,42 @@ class CardTest(Walks, UpdatingCopy, unittest.TestCase):
 
 
 class QuitTest(UpdatingCopy, unittest.TestCase):
-    def test_the_next_build_starts_after_the_quit(self):
-        self.vemo.command("quit")
-        self.assertEqual(self.vemo.process.wait(120), 0)
+    def test_the_next_build_starts_after_the_quit_also_at_login_and_stays(self):
+        settings = settings_window(main_window(self.vemo))
+        settings.click("System")
+        settings.click("Launch app at login")
+        entry = self.vemo.home / ".config/autostart/brelmox.Vemo.desktop"
+        wait_until(entry.is_file, "the entry to be written")
+        self.quit()
         self.assert_that_the_next_build_has_come()
         self.assertTrue((self.copy / "versions/1/bin/vemo").exists(), "until the next one has run for a while")
+        _, command = GLib.shell_parse_argv(Gio.DesktopAppInfo.new_from_filename(str(entry)).get_commandline())
+        self.vemo.program, *self.vemo.arguments = command
+        for _ in range(3):  # soon after one another, as by somebody who logs in and out
+            self.vemo.launch()
+            self.assertTrue(self.runs_the_next_build())
+            self.quit()
         self.vemo.launch()
+        wait_until(lambda: not (self.copy / "versions/1").exists(), "the version before to go")
         self.assertTrue(self.runs_the_next_build())
+
+
+class BadBuildTest(UpdatingCopy, unittest.TestCase):
+    @staticmethod
+    def spoil(version):
+        make_unable_to_show_anything(version)
+
+    def test_a_build_that_aborts_at_its_start_gives_way_to_the_one_before(self):
+        self.quit()
+        self.assertEqual(self.current(), pathlib.Path("versions/99"))
+        for _ in range(2):
+            ended = subprocess.run([self.vemo.program], env=self.vemo.environment, stdin=subprocess.DEVNULL,
+                                   capture_output=True, timeout=120, check=False)
+            self.assertEqual(ended.returncode, -signal.SIGABRT, ended.stderr)
+        self.vemo.launch()
+        self.assertTrue(self.runs(1))
+        self.assertEqual(self.current(), pathlib.Path("versions/1"))
+        self.vemo.await_logged("updates: build 99 didn't start well here")
 
 
 if __name__ == "__main__":

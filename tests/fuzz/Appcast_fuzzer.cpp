@@ -38,11 +38,10 @@ void readSignatures(const QByteArray& bytes) {
   require(!verifiedFeed(bytes, keys().publicKey));
   require(!verifiedFeed(bytes, bytes.left(32)) || bytes.contains("vemo-signature"));
   require(verifiedFeed(signedFeed(bytes, keys().secretKey), keys().publicKey) == bytes);
-  const TrustedKey trusted{.number = 0, .key = keys().publicKey};
-  require(latestKey(bytes, trusted) == trusted);
-  require(
-      latestKey(bytes + '\n' + rotationLine(1, trusted.key, keys().secretKey), trusted).number ==
-      1);
+  static const SigningKeys next = SigningKeys::generate();
+  require(latestKey(bytes, keys().publicKey) == keys().publicKey);
+  require(latestKey(bytes + '\n' + rotationLine(next.publicKey, keys().secretKey),
+                    keys().publicKey) == next.publicKey);
   if (const auto key = publicKeyFrom(bytes)) require(key->size() == 32);
 }
 

@@ -7,12 +7,15 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
+#include <QSysInfo>
 #include <QTextStream>
 #include <algorithm>
+#include <functional>
 
 #include "platform/updater/Appcast.h"
 #include "platform/updater/UpdateArchive.h"
 #include "platform/updater/UpdateSignatures.h"
+#include "platform/updater/VersionCheck.h"
 
 namespace {
 
@@ -22,6 +25,8 @@ using namespace Qt::Literals::StringLiterals;
 using Outcome = std::expected<void, QString>;
 using Arguments = QStringList;
 
+constexpr int usualDays = 30;
+
 constexpr auto usage = R"(usage:
   vemo-release new-key KEYFILE
       makes a key, and prints the public one for updateFeedPublicKey
@@ -29,6 +34,8 @@ constexpr auto usage = R"(usage:
       packs a version and puts it into the feed
       --channel NAME  --minimum-system VERSION  --architecture NAME  --notes FILE
       --critical  --days N (until the feed expires; 30)
+  vemo-release withdraw KEYFILE FEEDFOLDER BUILD
+      takes a version out of the feed; whoever has it keeps it
   vemo-release renew KEYFILE FEEDFOLDER [--days N]
       signs the feed anew, with the next serial number and a new date of expiry
   vemo-release rotate OLDKEYFILE NEWKEYFILE FEEDFOLDER
@@ -101,6 +108,10 @@ QString takeOption(Arguments& arguments, const QString& name, const QString& abs
   return value;
 }
 
+int takeDays(Arguments& arguments) {
+  return takeOption(arguments, u"--days"_s, QString::number(usualDays)).toInt();
+}
+
 Outcome newKey(Arguments arguments) {
   if (arguments.size() != 1) return failure(QString::fromLatin1(usage));
   if (QFile::exists(arguments[0])) return failure(arguments[0] + u": is there already"_s);
@@ -113,8 +124,18 @@ Outcome newKey(Arguments arguments) {
   return {};
 }
 
+/// What calls itself by another build would be fetched for ever. A version for another kind of
+/// machine can't be asked.
+Outcome checkHere(const QString& folder, const AppcastItem& item) {
+  if (!item.architecture.isEmpty() && item.architecture != QSysInfo::currentCpuArchitecture())
+    return {};
+  const auto checked = checkVersion(folder, item.shown.displayVersion, item.build);
+  if (!checked) return failure(folder + u": "_s + checked.error());
+  return {};
+}
+
 Outcome add(Arguments arguments) {
-  const int days = takeOption(arguments, u"--days"_s, u"30"_s).toInt();
+  const int days = takeDays(arguments);
   AppcastItem item;
   item.channel = takeOption(arguments, u"--channel"_s);
   item.minimumSystemVersion = takeOption(arguments, u"--minimum-system"_s);
@@ -122,6 +143,7 @@ Outcome add(Arguments arguments) {
   const QString notes = takeOption(arguments, u"--notes"_s);
   item.shown.isCritical = arguments.removeAll(u"--critical"_s) > 0;
   if (arguments.size() != 5 || days <= 0) return failure(QString::fromLatin1(usage));
+  if (item.architecture == u"aarch64") item.architecture = u"arm64"_s;  // as Qt calls it
   const QString folder = arguments[1];
   item.shown.displayVersion = arguments[3];
   item.shown.buildVersion = arguments[4];
@@ -138,6 +160,7 @@ Outcome add(Arguments arguments) {
     if (!text) return failure(text.error());
     item.shown.notes = QString::fromUtf8(*text);
   }
+  if (const auto checked = checkHere(arguments[2], item); !checked) return checked;
   item.archive = u"vemo-%1%2.tar.xz"_s.arg(
       arguments[4], item.architecture.isEmpty() ? QString() : u'-' + item.architecture);
   auto files = packUpdate(arguments[2], folder + u'/' + item.archive);
@@ -156,14 +179,31 @@ Outcome add(Arguments arguments) {
   return publish(*std::move(feed), folder, *key, days);
 }
 
-Outcome renew(Arguments arguments) {
-  const int days = takeOption(arguments, u"--days"_s, u"30"_s).toInt();
-  if (arguments.size() != 2 || days <= 0) return failure(QString::fromLatin1(usage));
-  const auto key = readKey(arguments[0]);
+/// Changes a feed that is there, and signs it anew.
+Outcome change(const QString& keyFile, const QString& folder, int days,
+               const std::function<Outcome(Appcast&)>& how) {
+  const auto key = readKey(keyFile);
   if (!key) return failure(key.error());
-  auto feed = openFeed(arguments[1], publicPart(*key));
+  auto feed = openFeed(folder, publicPart(*key));
   if (!feed) return failure(feed.error());
-  return publish(*std::move(feed), arguments[1], *key, days);
+  if (auto changed = how(*feed); !changed) return changed;
+  return publish(*std::move(feed), folder, *key, days);
+}
+
+Outcome withdraw(Arguments arguments) {
+  if (arguments.size() != 3) return failure(QString::fromLatin1(usage));
+  const quint64 build = arguments[2].toULongLong();
+  return change(arguments[0], arguments[1], usualDays, [&](Appcast& feed) -> Outcome {
+    const auto isMeant = [build](const AppcastItem& item) { return item.build == build; };
+    if (std::erase_if(feed.items, isMeant) > 0) return {};
+    return failure(u"build %1 isn't in the feed"_s.arg(arguments[2]));
+  });
+}
+
+Outcome renew(Arguments arguments) {
+  const int days = takeDays(arguments);
+  if (arguments.size() != 2 || days <= 0) return failure(QString::fromLatin1(usage));
+  return change(arguments[0], arguments[1], days, [](Appcast&) { return Outcome(); });
 }
 
 Outcome rotate(Arguments arguments) {
@@ -175,16 +215,16 @@ Outcome rotate(Arguments arguments) {
   auto feed = openFeed(folder, publicPart(*old));
   if (!feed) return failure(feed.error());
   const QString path = folder + u"/keys.txt"_s;
-  QByteArray lines = QFile::exists(path) ? readFile(path).value_or(QByteArray()) : QByteArray();
-  const auto number = static_cast<std::uint32_t>(lines.count('\n') + 1);
-  lines += rotationLine(number, publicPart(*next), *old);
+  const auto before = QFile::exists(path) ? readFile(path) : QByteArray();
+  if (!before) return failure(before.error());
+  const QByteArray lines = *before + rotationLine(publicPart(*next), *old);
   for (AppcastItem& item : feed->items) {
     QFile archive(folder + u'/' + item.archive);
     if (!archive.open(QIODevice::ReadOnly)) return failure(archive.errorString());
     item.archiveSignature = archiveSignature(archive, *next);
   }
   if (auto written = writeFile(path, lines); !written) return written;
-  return publish(*std::move(feed), folder, *next, 30);
+  return publish(*std::move(feed), folder, *next, usualDays);
 }
 
 Outcome check(Arguments arguments) {
@@ -193,15 +233,15 @@ Outcome check(Arguments arguments) {
   if (!builtIn) return failure(u"that isn't a public key"_s);
   const QString folder = arguments[1];
   const QByteArray rotations = readFile(folder + u"/keys.txt"_s).value_or(QByteArray());
-  const TrustedKey trusted = latestKey(rotations, {0, *builtIn});
-  const auto feed = openFeed(folder, trusted.key);
+  const QByteArray trusted = latestKey(rotations, *builtIn);
+  const auto feed = openFeed(folder, trusted);
   if (!feed) return failure(feed.error());
   if (feed->serial == 0) return failure(u"there is no feed"_s);
   if (feed->expires < QDateTime::currentDateTimeUtc()) return failure(u"the feed has expired"_s);
   for (const AppcastItem& item : feed->items) {
     QFile archive(folder + u'/' + item.archive);
     if (!archive.open(QIODevice::ReadOnly) || archive.size() != item.archiveSize ||
-        !isArchiveSigned(archive, item.archiveSignature, trusted.key))
+        !isArchiveSigned(archive, item.archiveSignature, trusted))
       return failure(item.archive + u": isn't what the feed says"_s);
     const QString unpacked = folder + u"/.checked"_s;
     QDir(unpacked).removeRecursively();
@@ -217,6 +257,7 @@ Outcome check(Arguments arguments) {
 Outcome run(const QString& command, const Arguments& arguments) {
   if (command == u"new-key") return newKey(arguments);
   if (command == u"add") return add(arguments);
+  if (command == u"withdraw") return withdraw(arguments);
   if (command == u"renew") return renew(arguments);
   if (command == u"rotate") return rotate(arguments);
   if (command == u"check") return check(arguments);

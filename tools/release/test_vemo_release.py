@@ -2,6 +2,7 @@
 """Makes keys and releases with vemo-release, and checks what it makes. usage: test_vemo_release.py PROGRAM"""
 import os
 import pathlib
+import platform
 import subprocess
 import sys
 import tempfile
@@ -19,9 +20,6 @@ class VemoReleaseTest(unittest.TestCase):
         self.feed.mkdir()
         self.version = self.folder / "version"
         (self.version / "bin").mkdir(parents=True)
-        program = self.version / "bin" / "vemo"
-        program.write_text("#!/bin/sh\necho Vemo 1.1.0\n")
-        program.chmod(0o755)
         self.public_key = self.succeed("new-key", self.folder / "key").strip()
 
     def run_it(self, *arguments):
@@ -37,7 +35,14 @@ class VemoReleaseTest(unittest.TestCase):
         self.assertEqual(result.returncode, 1)
         self.assertIn(text, result.stderr)
 
+    def make_program(self, told):
+        """A version that tells what `--check` is answered with."""
+        program = self.version / "bin" / "vemo"
+        program.write_text(f"#!/bin/sh\necho '{told}'\n")
+        program.chmod(0o755)
+
     def add(self, build, *options):
+        self.make_program(f"Vemo 1.1.0 ({build})")
         return self.succeed("add", self.folder / "key", self.feed, self.version, "1.1.0", build,
                             *options)
 
@@ -56,10 +61,13 @@ class VemoReleaseTest(unittest.TestCase):
     def test_the_same_version_gives_the_same_archive(self):
         self.add(57)
         first = (self.feed / "vemo-57.tar.xz").read_bytes()
-        self.add(58)
-        self.assertEqual(first, (self.feed / "vemo-58.tar.xz").read_bytes())
+        self.succeed("withdraw", self.folder / "key", self.feed, 57)
+        (self.feed / "vemo-57.tar.xz").unlink()
+        self.add(57)
+        self.assertEqual(first, (self.feed / "vemo-57.tar.xz").read_bytes())
 
     def test_folders_may_be_named_from_where_one_stands(self):
+        self.make_program("Vemo 1.1.0 (57)")
         command = [PROGRAM, "add", "key", "feed", "version", "1.1.0", "57"]
         result = subprocess.run(command, cwd=self.folder, capture_output=True, text=True)
         self.assertEqual(result.returncode, 0, result.stderr)
@@ -81,9 +89,23 @@ class VemoReleaseTest(unittest.TestCase):
         self.fail_with("isn't signed by this key", "check", self.public_key, self.feed)
 
     def test_a_version_without_a_program_is_not_published(self):
-        (self.version / "bin" / "vemo").rename(self.version / "bin" / "other")
-        self.fail_with("no program", "add", self.folder / "key", self.feed, self.version, "1", 57)
+        for architecture in ("mips64", platform.machine()):
+            self.fail_with("program" if architecture == "mips64" else "doesn't start here", "add",
+                           self.folder / "key", self.feed, self.version, "1", 57, "--architecture", architecture)
         self.assertFalse((self.feed / "appcast.xml").exists())
+
+    def test_a_version_that_calls_itself_another_is_not_published(self):
+        for told in ("Vemo 1.1.0 (5)", "Vemo 11.1.0 (57)", "Vemo 1.1.0"):
+            self.make_program(told)
+            self.fail_with("calls itself another one", "add", self.folder / "key", self.feed, self.version,
+                           "1.1.0", 57)
+
+    def test_a_withdrawn_version_is_in_the_feed_no_more(self):
+        self.add(57)
+        self.add(58)
+        self.succeed("withdraw", self.folder / "key", self.feed, 58)
+        self.assertIn("good: 1 versions, serial 3", self.succeed("check", self.public_key, self.feed))
+        self.fail_with("isn't in the feed", "withdraw", self.folder / "key", self.feed, 58)
 
     def test_a_rotated_key_signs_what_is_there_and_what_comes(self):
         self.add(57)
@@ -92,6 +114,21 @@ class VemoReleaseTest(unittest.TestCase):
         self.assertIn("good: 1 versions", self.succeed("check", self.public_key, self.feed))
         self.fail_with("isn't signed by this key", "renew", self.folder / "key", self.feed)
         self.succeed("renew", self.folder / "next", self.feed)
+
+    def test_keys_follow_one_another_for_whoever_begins_with_any_of_them(self):
+        self.add(57)
+        second = self.succeed("new-key", self.folder / "second").strip()
+        third = self.succeed("new-key", self.folder / "third").strip()
+        self.succeed("rotate", self.folder / "key", self.folder / "second", self.feed)
+        self.succeed("rotate", self.folder / "second", self.folder / "third", self.feed)
+        for key in (self.public_key, second, third):
+            self.assertIn("good: 1 versions", self.succeed("check", key, self.feed))
+
+    def test_a_chain_of_keys_that_cannot_be_read_is_not_begun_anew(self):
+        self.add(57)
+        self.succeed("new-key", self.folder / "next")
+        (self.feed / "keys.txt").mkdir()
+        self.fail_with("keys.txt", "rotate", self.folder / "key", self.folder / "next", self.feed)
 
     def test_what_is_not_understood_is_told(self):
         self.fail_with("usage", "publish")

@@ -36,6 +36,9 @@ class QuickScenes : public Scenes {
   /// Called whenever a window was opened by the user's wish or has closed.
   std::function<void()> onChanged;
 
+  /// Loads the shared object, where that hasn't been done. False where it can't be.
+  bool load();
+
   void open(Scene scene) override;
   void close(Scene scene) override;
   bool isOpen(Scene scene) const override;
@@ -47,7 +50,6 @@ class QuickScenes : public Scenes {
   void setActivationPolicy(ActivationPolicy policy);
 
  private:
-  bool load();
   void applyPolicyToAll() const;
   void freed();
 

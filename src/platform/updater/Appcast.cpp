@@ -16,17 +16,15 @@ constexpr std::size_t mostItems = 100;
 constexpr std::size_t mostFiles = 10'000;
 constexpr qsizetype longestText = 64 * 1024;
 
-/// Elements lie at most this deep: rss, channel, item, file.
+constexpr int deepest = 16;  ///< rss, channel, item, file, and what later versions may add
+
 class Reader {
  public:
   explicit Reader(const QByteArray& xml) : m_xml(xml) { m_xml.setEntityExpansionLimit(0); }
 
   std::expected<Appcast, QString> read() {
     if (next() && m_xml.name() == u"rss" && next() && m_xml.name() == u"channel") readChannel();
-    while (!m_xml.atEnd() && !m_xml.hasError()) {
-      m_xml.readNext();
-      if (m_xml.isDTD()) fail(u"a document type isn't allowed"_s);
-    }
+    while (!m_xml.atEnd()) advance();
     if (!m_xml.hasError() && m_appcast.serial == 0) fail(u"it has no serial number"_s);
     if (!m_xml.hasError() && !m_appcast.expires.isValid()) fail(u"it has no date of expiry"_s);
     if (m_xml.hasError())
@@ -38,19 +36,31 @@ class Reader {
  private:
   void fail(const QString& why) { m_xml.raiseError(why); }
 
+  void advance() {
+    m_xml.readNext();
+    if (m_xml.isDTD()) fail(u"a document type isn't allowed"_s);
+    if (m_xml.isStartElement() && ++m_depth > deepest) fail(u"it is nested too deeply"_s);
+    if (m_xml.isEndElement()) --m_depth;
+  }
+
   /// The next element's start, below the present one.
   bool next() {
     while (!m_xml.atEnd()) {
-      m_xml.readNext();
-      if (m_xml.isDTD()) fail(u"a document type isn't allowed"_s);
+      advance();
       if (m_xml.isStartElement()) return true;
       if (m_xml.isEndElement()) return false;
     }
     return false;
   }
 
+  /// To the end of the present element.
+  void skip() {
+    for (const int outside = m_depth - 1; m_depth > outside && !m_xml.atEnd();) advance();
+  }
+
   QString text() {
     QString text = m_xml.readElementText(QXmlStreamReader::ErrorOnUnexpectedElement);
+    --m_depth;
     if (text.size() > longestText) fail(u"a text is too long"_s);
     return text;
   }
@@ -74,7 +84,7 @@ class Reader {
         m_appcast.items.push_back(readItem());
         if (m_appcast.items.size() > mostItems) fail(u"there are too many items"_s);
       } else {
-        m_xml.skipCurrentElement();
+        skip();
       }
     }
   }
@@ -96,7 +106,7 @@ class Reader {
         item.architecture = text();
       } else if (name == u"criticalUpdate") {
         item.shown.isCritical = true;
-        m_xml.skipCurrentElement();
+        skip();
       } else if (name == u"description") {
         item.shown.notes = text();
       } else if (name == u"enclosure") {
@@ -104,7 +114,7 @@ class Reader {
       } else if (name == u"file") {
         readFile(item);
       } else {
-        m_xml.skipCurrentElement();
+        skip();
       }
     }
     check(item);
@@ -115,7 +125,7 @@ class Reader {
     item.archive = attribute(u"url"_s);
     item.archiveSize = static_cast<qint64>(number(attribute(u"length"_s)));
     item.archiveSignature = QByteArray::fromBase64(attribute(u"edSignature"_s).toLatin1());
-    m_xml.skipCurrentElement();
+    skip();
   }
 
   void readFile(AppcastItem& item) {
@@ -124,7 +134,7 @@ class Reader {
                           .sha256 = QByteArray::fromHex(attribute(u"sha256"_s).toLatin1()),
                           .isExecutable = attribute(u"executable"_s) == u"true"});
     if (item.files.size() > mostFiles) fail(u"an item has too many files"_s);
-    m_xml.skipCurrentElement();
+    skip();
   }
 
   void check(const AppcastItem& item) {
@@ -150,6 +160,7 @@ class Reader {
   }
 
   QXmlStreamReader m_xml;
+  int m_depth = 0;
   Appcast m_appcast;
 };
 
@@ -203,14 +214,16 @@ QByteArray Appcast::write() const {
 }
 
 std::optional<AppcastItem> chooseUpdate(const Appcast& appcast, const UpdateWish& wish) {
-  const auto system = QVersionNumber::fromString(wish.systemVersion);
+  const auto system = QVersionNumber::fromString(wish.systemVersion).normalized();
   const AppcastItem* best = nullptr;
   bool isAnyCritical = false;
   for (const AppcastItem& item : appcast.items) {
-    const bool fits = item.build > wish.newerThan && item.build != wish.refusedBuild &&
-                      (item.channel.isEmpty() || wish.channels.contains(item.channel)) &&
-                      (item.architecture.isEmpty() || item.architecture == wish.architecture) &&
-                      QVersionNumber::fromString(item.minimumSystemVersion).normalized() <= system;
+    const bool fits =
+        item.build > wish.newerThan &&
+        (item.channel.isEmpty() || wish.channels.contains(item.channel)) &&
+        (item.architecture.isEmpty() || item.architecture == wish.architecture) &&
+        (system.isNull() ||
+         QVersionNumber::fromString(item.minimumSystemVersion).normalized() <= system);
     if (fits) isAnyCritical = isAnyCritical || item.shown.isCritical;
     if (fits && (!best || item.build > best->build)) best = &item;
   }

@@ -57,9 +57,8 @@ struct Appcast {
 struct UpdateWish {
   quint64 newerThan = 0;  ///< a build
   QStringList channels;   ///< beside everybody's
-  QString systemVersion;
+  QString systemVersion;  ///< "0.0.0" where the system doesn't tell: whatever is asked for fits
   QString architecture;
-  quint64 refusedBuild = 0;  ///< one that didn't start here
 };
 
 /// The newest item that fits; critical, too, where one that it passes over is.

@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
 namespace vemo {
 
@@ -39,6 +40,16 @@ QString versionName(quint64 build) {
   return u"versions/"_s + QString::number(build);
 }
 
+/// Of a link, the link alone.
+void removePath(const QString& path) {
+  const QFileInfo entry(path);
+  if (entry.isDir() && !entry.isSymLink()) {
+    QDir(path).removeRecursively();
+  } else {
+    QFile::remove(path);
+  }
+}
+
 void writeText(const QString& file, const QString& text) {
   QSaveFile saved(file);
   if (saved.open(QIODevice::WriteOnly) && saved.write(text.toLatin1()) >= 0) saved.commit();
@@ -56,7 +67,7 @@ std::optional<SelfContainedCopy> SelfContainedCopy::around(const QString& progra
   const qsizetype versions = real.lastIndexOf(u"/versions/"_s);
   if (versions <= 0 || real.startsWith(u"/usr/"_s)) return std::nullopt;
   SelfContainedCopy copy(real.first(versions));
-  if (real != copy.path(versionName(copy.currentBuild()) + u"/bin/vemo"_s)) return std::nullopt;
+  if (real != copy.path(versionName(copy.m_runningBuild) + u"/bin/vemo"_s)) return std::nullopt;
   for (const QString& folder : {copy.root(), copy.path(u"versions"_s)}) {
     struct stat status{};
     const QByteArray name = QFile::encodeName(folder);
@@ -67,6 +78,9 @@ std::optional<SelfContainedCopy> SelfContainedCopy::around(const QString& progra
   }
   return copy;
 }
+
+SelfContainedCopy::SelfContainedCopy(QString root)
+    : m_root(std::move(root)), m_runningBuild(currentBuild()) {}
 
 QString SelfContainedCopy::program() const {
   return path(u"current/bin/vemo"_s);
@@ -86,14 +100,8 @@ void SelfContainedCopy::keepOnly(const QList<quint64>& builds) const {
   const QDir versions(path(u"versions"_s));
   const auto found = versions.entryInfoList({u".staging*"_s, u".download-*"_s},
                                             QDir::Dirs | QDir::Files | QDir::Hidden);
-  for (const QFileInfo& entry : found) {
-    if (kept.contains(entry.filePath())) continue;
-    if (entry.isDir() && !entry.isSymLink()) {
-      QDir(entry.filePath()).removeRecursively();
-    } else {
-      QFile::remove(entry.filePath());
-    }
-  }
+  for (const QFileInfo& entry : found)
+    if (!kept.contains(entry.filePath())) removePath(entry.filePath());
 }
 
 quint64 SelfContainedCopy::currentBuild() const {
@@ -104,42 +112,95 @@ quint64 SelfContainedCopy::refusedBuild() const {
   return readText(path(u"refused"_s)).toULongLong();
 }
 
-std::expected<void, QString> SelfContainedCopy::install(quint64 build) {
+void SelfContainedCopy::refuse(quint64 build) const {
+  writeText(path(u"refused"_s), QString::number(std::max(build, refusedBuild())));
+}
+
+bool SelfContainedCopy::claim() {
+  if (!m_claim) m_claim = FolderLock::take(path(u"versions"_s), FolderLock::Kind::Exclusive);
+  return m_claim != nullptr;
+}
+
+std::expected<void, QString> SelfContainedCopy::install(quint64 build) const {
   const quint64 old = currentBuild();
-  if (build == old) return std::unexpected(u"build %1 runs already"_s.arg(build));
+  if (build <= old)
+    return std::unexpected(u"build %1 is the current one already"_s.arg(QString::number(old)));
   const QString version = path(versionName(build));
-  QDir(version).removeRecursively();  // left by an installation that was cut off
+  // What an installation that was cut off has left.
+  if (!discard(build)) return std::unexpected(u"build %1 is running"_s.arg(build));
   if (!renamePath(stagingFolder(build), version) || !syncFolder(path(u"versions"_s)))
     return failure(version);
   QFile::remove(path(u"trial"_s));
-  if (auto kept = pointTo(u"previous"_s, old); !kept) return kept;
+  // One that hasn't proved itself yet is nothing to go back to.
+  if (!hasProgram(buildOf(u"previous"_s)))
+    if (auto kept = pointTo(u"previous"_s, old); !kept) return kept;
   return pointTo(u"current"_s, build);
 }
 
 SelfContainedCopy::Start SelfContainedCopy::beginStart() {
+  const QString version = path(versionName(m_runningBuild));
+  m_running = FolderLock::take(version, FolderLock::Kind::Exclusive);
+  if (!m_running) {
+    // It runs already, for this user's other session or to be told something: it can start.
+    m_running = FolderLock::take(version, FolderLock::Kind::Shared);
+    return Start::Goes;
+  }
+  const Start start = countStart();
+  m_running->share();
+  return start;
+}
+
+SelfContainedCopy::Start SelfContainedCopy::countStart() {
   const quint64 previous = buildOf(u"previous"_s);
-  const quint64 current = currentBuild();
-  if (previous == 0 || previous == current) return Start::Goes;
+  if (previous == 0 || previous == m_runningBuild) return Start::Goes;
   const int trials = readText(path(u"trial"_s)).toInt();
   if (trials < mostTrials) {
     writeText(path(u"trial"_s), QString::number(trials + 1));
+    m_isStartCounted = true;
     return Start::Goes;
   }
-  if (!QFileInfo(path(versionName(previous) + u"/bin/vemo"_s)).isExecutable()) return Start::Goes;
-  writeText(path(u"refused"_s), QString::number(current));
+  if (!hasProgram(previous)) return Start::Goes;
+  refuse(m_runningBuild);
   return pointTo(u"current"_s, previous) ? Start::RolledBack : Start::Goes;
 }
 
-void SelfContainedCopy::startedWell() {
-  const QString current = QString::number(currentBuild());
-  QFile::remove(path(u"previous"_s));
-  QFile::remove(path(u"trial"_s));
-  const QDir versions(path(u"versions"_s));
-  for (const QString& name : versions.entryList(QDir::Dirs | QDir::NoDotAndDotDot))
-    if (name != current) QDir(versions.filePath(name)).removeRecursively();
+void SelfContainedCopy::takeBackStart() {
+  if (!std::exchange(m_isStartCounted, false)) return;
+  const QString trial = path(u"trial"_s);
+  if (const int trials = readText(trial).toInt(); trials > 1) {
+    writeText(trial, QString::number(trials - 1));
+  } else {
+    QFile::remove(trial);
+  }
 }
 
-std::expected<void, QString> SelfContainedCopy::pointTo(const QString& link, quint64 build) {
+void SelfContainedCopy::startedWell() const {
+  if (currentBuild() != m_runningBuild) return;  // the next one is on trial already
+  QFile::remove(path(u"previous"_s));
+  QFile::remove(path(u"trial"_s));
+  for (const QString& name : QDir(path(u"versions"_s)).entryList(QDir::Dirs)) {
+    const quint64 build = name.toULongLong();
+    if (build != 0 && build != m_runningBuild) discard(build);
+  }
+}
+
+bool SelfContainedCopy::hasProgram(quint64 build) const {
+  return QFileInfo(path(versionName(build) + u"/bin/vemo"_s)).isExecutable();
+}
+
+/// False where a process runs it.
+bool SelfContainedCopy::discard(quint64 build) const {
+  const QString version = path(versionName(build));
+  const QFileInfo entry(version);
+  if (!entry.isDir() || entry.isSymLink()) {
+    QFile::remove(version);
+    return true;
+  }
+  const auto lock = FolderLock::take(version, FolderLock::Kind::Exclusive);
+  return lock && QDir(version).removeRecursively();
+}
+
+std::expected<void, QString> SelfContainedCopy::pointTo(const QString& link, quint64 build) const {
   const QString fresh = path(link + u".new"_s);
   QFile::remove(fresh);
   if (::symlink(versionName(build).toLatin1().constData(), QFile::encodeName(fresh).constData()) !=

@@ -2,19 +2,23 @@
 //
 //   versions/57/bin/vemo   a version, by its build number
 //   current                a link to the version that starts
-//   previous               a link to the one before, until the new one has started well
-//   trial                  how often the new one has begun to start
-//   refused                a build that didn't start well and isn't tried again
+//   previous               a link to the one that last started well, until the new one has
+//   trial                  how often the new one has begun to start and not ended regularly
+//   refused                the newest build that didn't start well
 //
 // `current` is replaced by one rename, after everything that it leads to has reached the disk: a
-// kill or a power cut at any moment leaves the old version or the new one. Blocks; one thread at a
-// time. Errors are one line for the log.
+// kill or a power cut at any moment leaves the old version or the new one. A version that another
+// process runs is held by a lock and stays. Blocks; one thread at a time. Errors are one line for
+// the log.
 #pragma once
 
 #include <QList>
 #include <QString>
 #include <expected>
+#include <memory>
 #include <optional>
+
+#include "platform/updater/FolderLock.h"
 
 namespace vemo {
 
@@ -24,7 +28,8 @@ class SelfContainedCopy {
   /// its files belong to a package manager then, or to somebody else.
   static std::optional<SelfContainedCopy> around(const QString& program);
 
-  explicit SelfContainedCopy(QString root) : m_root(std::move(root)) {}
+  /// The one whose current version runs.
+  explicit SelfContainedCopy(QString root);
 
   const QString& root() const { return m_root; }
   QString program() const;  ///< of the current version
@@ -34,26 +39,40 @@ class SelfContainedCopy {
   QString downloadFile(quint64 build) const;
   quint64 currentBuild() const;
   quint64 refusedBuild() const;
+  /// What didn't start isn't tried again; nor is what is older.
+  void refuse(quint64 build) const;
 
+  /// Whether this process is the one that updates the copy, as it stays until the object and what
+  /// was copied of it are gone. False while another does.
+  bool claim();
   /// Takes away what other builds have left of downloads and in staging folders.
   void keepOnly(const QList<quint64>& builds) const;
-
-  /// Makes what stands in the build's staging folder the version that starts next.
-  std::expected<void, QString> install(quint64 build);
+  /// Makes what stands in the build's staging folder the version that starts next. Only upwards.
+  std::expected<void, QString> install(quint64 build) const;
 
   enum class Start { Goes, RolledBack };
-  /// At each start, before anything else. A version that has begun twice without having started
-  /// well is given up for the one before; whoever called starts program() then.
+  /// At each start, before anything that may fail; holds the version that runs. One that has begun
+  /// twice, neither to start well nor to end regularly, is given up for the one before; whoever
+  /// called starts program() then.
   Start beginStart();
-  /// The program runs well: the version before isn't needed any more.
-  void startedWell();
+  /// The program ends as it should: what beginStart() counted doesn't count.
+  void takeBackStart();
+  /// The program runs well: versions that nobody runs aren't needed any more.
+  void startedWell() const;
 
  private:
-  std::expected<void, QString> pointTo(const QString& link, quint64 build);
+  std::expected<void, QString> pointTo(const QString& link, quint64 build) const;
+  Start countStart();
+  bool hasProgram(quint64 build) const;
+  bool discard(quint64 build) const;
   quint64 buildOf(const QString& link) const;
   QString path(const QString& name) const { return m_root + u'/' + name; }
 
   QString m_root;
+  quint64 m_runningBuild;
+  bool m_isStartCounted = false;
+  std::shared_ptr<FolderLock> m_running;
+  std::shared_ptr<FolderLock> m_claim;
 };
 
 }  // namespace vemo

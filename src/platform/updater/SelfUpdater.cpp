@@ -4,10 +4,12 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QProcess>
 #include <algorithm>
+#include <utility>
 
 #include "platform/updater/UpdateArchive.h"
+#include "platform/updater/UpdateSignatures.h"
+#include "platform/updater/VersionCheck.h"
 
 namespace vemo {
 
@@ -17,23 +19,9 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr auto checkInterval = 24h;
-constexpr int programLimit = 20'000;  ///< milliseconds for `vemo --version`
 
 HttpRequest getRequest(const QUrl& url) {
   return {.method = "GET", .url = url, .headers = {}, .body = {}, .timeout = 20s};
-}
-
-/// Whether the new version starts at all on this machine, before anything depends on it.
-bool startsHere(const QString& folder, const QString& version) {
-  QProcess program;
-  program.start(folder + u"/bin/vemo"_s, {u"--version"_s});
-  if (!program.waitForFinished(programLimit)) {
-    program.kill();
-    program.waitForFinished(programLimit);
-    return false;
-  }
-  return program.exitStatus() == QProcess::NormalExit && program.exitCode() == 0 &&
-         QString::fromUtf8(program.readAllStandardOutput()).contains(version);
 }
 
 struct Prepared {
@@ -42,20 +30,27 @@ struct Prepared {
 };
 
 Prepared verifyAndUnpack(const AppcastItem& item, const QString& file, const QByteArray& key,
-                         const QString& folder) {
+                         const QString& folder, const std::stop_token& stop) {
   QFile archive(file);
   if (!archive.open(QIODevice::ReadOnly) || archive.size() != item.archiveSize ||
       !isArchiveSigned(archive, item.archiveSignature, key))
     return {UpdateTrouble::NotSigned, u"the archive's signature is wrong"_s};
   QDir(folder).removeRecursively();
   Prepared prepared;
-  if (const auto unpacked = unpackUpdate(file, item.files, folder); !unpacked) {
+  if (const auto unpacked = unpackUpdate(file, item.files, folder, stop); !unpacked) {
     prepared = {UpdateTrouble::ArchiveRefused, unpacked.error()};
-  } else if (!startsHere(folder, item.shown.displayVersion)) {
-    prepared = {UpdateTrouble::InstallationFailed, u"the new version doesn't start here"_s};
+  } else if (const auto checked = checkVersion(folder, item.shown.displayVersion, item.build, stop);
+             !checked) {
+    prepared = {UpdateTrouble::InstallationFailed, checked.error()};
   }
   if (prepared.trouble) QDir(folder).removeRecursively();
   return prepared;
+}
+
+qint64 unpackedSize(const AppcastItem& item) {
+  qint64 size = 0;
+  for (const AppcastFile& file : item.files) size += file.size;
+  return size;
 }
 
 }  // namespace
@@ -67,7 +62,14 @@ SelfUpdater::SelfUpdater(With with, UpdaterDelegate& delegate, UpdateUserDriverD
       m_builtInKey(publicKeyFrom(m_with.publicKey).value_or(QByteArray())),
       m_memory(UpdateMemory::read(m_with.memoryFile, m_builtInKey)),
       m_tasks(m_with.mainThread) {
+  if (m_builtInKey.isEmpty()) m_with.log(u"updates: the key in vemo.conf isn't an Ed25519 key"_s);
+  if (m_with.copy && m_with.copy->refusedBuild() > m_with.copy->currentBuild())
+    m_with.log(u"updates: build %1 didn't start well here"_s.arg(m_with.copy->refusedBuild()));
   m_tasks.start([this](std::stop_token stop) { return checkDaily(std::move(stop)); });
+}
+
+SelfUpdater::~SelfUpdater() {
+  m_preparation.request_stop();
 }
 
 void SelfUpdater::setAutomaticallyChecksForUpdates(bool isOn) {
@@ -91,13 +93,19 @@ Task<> SelfUpdater::checkDaily(std::stop_token stop) {
 }
 
 void SelfUpdater::begin(UpdateCheck check) {
-  if (m_isBusy || m_isReplaced) return;
+  if (m_isReplaced) return;
+  if (m_isBusy) {
+    if (m_next != UpdateCheck::UserInitiated) m_next = check;
+    return;
+  }
   m_isBusy = true;
   changed.notify();
   m_tasks.start([this, check](std::stop_token stop) { return runSession(check, std::move(stop)); });
 }
 
 Task<> SelfUpdater::runSession(UpdateCheck check, std::stop_token stop) {
+  // Another session of the user may have seen a newer feed or key.
+  m_memory = UpdateMemory::read(m_with.memoryFile, m_builtInKey);
   const Outcome outcome = co_await findAndFetch(check, stop);
   if (!outcome) {
     if (outcome.error() == UpdateTrouble::NoUpdate) {
@@ -113,18 +121,38 @@ Task<> SelfUpdater::runSession(UpdateCheck check, std::stop_token stop) {
   m_userDriver.willFinishUpdateSession();
   m_isBusy = false;
   changed.notify();
+  if (const auto next = std::exchange(m_next, {})) begin(*next);
+}
+
+/// Nothing older is taken than what runs, what is to start next and what is ready; of itself, the
+/// updater doesn't try again what didn't start here.
+quint64 SelfUpdater::newestBuild(UpdateCheck check) const {
+  quint64 newest = m_with.system.applicationBuild.toULongLong();
+  if (m_ready) newest = std::max(newest, m_ready->build);
+  if (!m_with.copy) return newest;
+  newest = std::max(newest, m_with.copy->currentBuild());
+  return check == UpdateCheck::Scheduled ? std::max(newest, m_with.copy->refusedBuild()) : newest;
+}
+
+/// Not what was taken back, what a key signed that is replaced, or what the user no longer wants.
+bool SelfUpdater::isStillOffered(const AppcastItem& ready, const Appcast& feed) const {
+  const QStringList channels = m_delegate.allowedChannels();
+  return std::ranges::any_of(feed.items, [&](const AppcastItem& item) {
+    return item.build == ready.build && item.archiveSignature == ready.archiveSignature &&
+           (item.channel.isEmpty() || channels.contains(item.channel));
+  });
 }
 
 Task<SelfUpdater::Outcome> SelfUpdater::findAndFetch(UpdateCheck check, std::stop_token stop) {
   const auto feed = co_await readFeed(stop);
   if (!feed) co_return std::unexpected(feed.error());
-  const quint64 running = m_with.system.applicationBuild.toULongLong();
-  const auto item =
-      chooseUpdate(*feed, {.newerThan = std::max(running, m_ready ? m_ready->build : 0),
-                           .channels = m_delegate.allowedChannels(),
-                           .systemVersion = m_with.system.systemVersion,
-                           .architecture = m_with.system.processorArchitecture,
-                           .refusedBuild = m_with.copy ? m_with.copy->refusedBuild() : 0});
+  const bool isTakenBack = m_ready && !isStillOffered(*m_ready, *feed);
+  if (isTakenBack) m_ready.reset();
+  const auto item = chooseUpdate(*feed, {.newerThan = newestBuild(check),
+                                         .channels = m_delegate.allowedChannels(),
+                                         .systemVersion = m_with.system.systemVersion,
+                                         .architecture = m_with.system.processorArchitecture});
+  if (!item && isTakenBack) tidyUp(0);
   if (!item && m_ready) {
     tell(check, QCoreApplication::translate("Updates", "Update ready"),
          QCoreApplication::translate("Updates", "Vemo %1 is downloaded and ready to install.")
@@ -159,12 +187,33 @@ Task<SelfUpdater::Outcome> SelfUpdater::findAndFetch(UpdateCheck check, std::sto
     co_return Outcome();
   }
   if (!isFetched) co_return Outcome();
-  m_with.copy->keepOnly({item->build, m_ready ? m_ready->build : 0});
-  const QString file = m_with.copy->downloadFile(item->build);
-  if (auto downloaded = co_await download(*item, file, stop); !downloaded) co_return downloaded;
-  const Outcome prepared = co_await prepare(*item, file);
+  co_return co_await fetchAndPrepare(*item, stop);
+}
+
+/// Of what was fetched, only what is ready stays, and that build.
+void SelfUpdater::tidyUp(quint64 wanted) {
+  m_worker.post([copy = *m_with.copy, kept = QList{wanted, m_ready ? m_ready->build : 0}] {
+    copy.keepOnly(kept);
+  });
+}
+
+Task<SelfUpdater::Outcome> SelfUpdater::fetchAndPrepare(AppcastItem item, std::stop_token stop) {
+  if (!m_with.copy->claim())
+    co_return refuse(UpdateTrouble::InstallationFailed,
+                     u"another session of this user updates this copy"_s);
+  tidyUp(item.build);
+  const qint64 free = m_with.freeSpace(m_with.copy->root());
+  if (free >= 0 && free < item.archiveSize + unpackedSize(item))
+    co_return refuse(UpdateTrouble::DownloadFailed, u"there isn't enough space for the update"_s);
+  const QString file = m_with.copy->downloadFile(item.build);
+  if (auto downloaded = co_await download(item, file, stop); !downloaded) co_return downloaded;
+  const Outcome prepared = co_await prepare(item, file);
   QFile::remove(file);
-  if (prepared) offer(*item);
+  if (prepared) {
+    offer(item);
+  } else if (prepared.error() == UpdateTrouble::InstallationFailed) {
+    m_with.copy->refuse(item.build);
+  }
   co_return prepared;
 }
 
@@ -181,12 +230,14 @@ Task<std::expected<QByteArray, UpdateTrouble>> SelfUpdater::fetch(QString name,
 Task<std::expected<Appcast, UpdateTrouble>> SelfUpdater::readFeed(std::stop_token stop) {
   // First the keys: a feed of a key that has been replaced must not count.
   if (const auto rotations = co_await fetch(u"keys.txt"_s, stop)) {
-    const TrustedKey latest =
+    const QByteArray latest =
         latestKey(rotations->first(std::min<qsizetype>(rotations->size(), Appcast::largestFeed)),
                   m_memory.key);
     if (latest != m_memory.key) {
       m_memory.key = latest;
       m_memory.serial = 0;  // whoever had the old key could have counted it up
+      m_ready.reset();      // and have signed this
+      remember();
     }
   }
   const auto feed = co_await fetch(u"appcast.xml"_s, stop);
@@ -198,7 +249,7 @@ Task<std::expected<Appcast, UpdateTrouble>> SelfUpdater::readFeed(std::stop_toke
   remember();
   if (feed->size() > Appcast::largestFeed)
     co_return refuse(UpdateTrouble::FeedUnreadable, u"the feed is too large"_s);
-  const auto xml = verifiedFeed(*feed, m_memory.key.key);
+  const auto xml = verifiedFeed(*feed, m_memory.key);
   if (!xml) co_return refuse(UpdateTrouble::NotSigned, u"the feed's signature is wrong"_s);
   auto appcast = Appcast::read(*xml);
   if (!appcast) co_return refuse(UpdateTrouble::FeedUnreadable, u"feed: "_s + appcast.error());
@@ -238,9 +289,10 @@ Task<SelfUpdater::Outcome> SelfUpdater::download(AppcastItem item, QString file,
 Task<SelfUpdater::Outcome> SelfUpdater::prepare(AppcastItem item, QString file) {
   const Completion<Prepared> completion(m_with.mainThread);
   MainThread& mainThread = m_with.mainThread;
-  m_worker.post([completion, &mainThread, item, file, key = m_memory.key.key,
-                 folder = m_with.copy->stagingFolder(item.build)] {
-    mainThread.post([completion, done = verifyAndUnpack(item, file, key, folder)] {
+  m_worker.post([completion, &mainThread, item, file, key = m_memory.key,
+                 folder = m_with.copy->stagingFolder(item.build),
+                 stop = m_preparation.get_token()] {
+    mainThread.post([completion, done = verifyAndUnpack(item, file, key, folder, stop)] {
       completion.complete(done);
     });
   });

@@ -5,7 +5,10 @@
 // new version. A feed or an archive that isn't signed by the key in force, a feed older than one
 // that was seen or past its date, and an archive that isn't what the feed says are refused, and end
 // the session with an error. Downloads are resumed where they stopped, at the next check. What was
-// offered can be installed until it has been: where that fails, it is tried or fetched once more.
+// offered can be installed until it has been, or is offered no more: where that fails, it is tried
+// or fetched once more. A build that doesn't start on this machine is tried again only when the
+// user asks. Where a user has several sessions, the first of them that fetches an update installs
+// it.
 //
 // Main thread only; archives are checked and unpacked on a thread of their own. Destroying it ends
 // what is under way.
@@ -46,6 +49,7 @@ class SelfUpdater : public Updater {
     SystemInformation system;
     std::optional<SelfContainedCopy> copy;
     QString memoryFile;
+    std::function<qint64(const QString& folder)> freeSpace;  ///< in bytes; negative where unknown
     std::function<void(const QString& line)> log;
     std::function<void(const QString& title, const QString& text)> announce;  ///< to the user
     std::function<void()> relaunch;  ///< ends this program and starts the current version
@@ -55,6 +59,7 @@ class SelfUpdater : public Updater {
   static constexpr qint64 pieceSize = 1024 * 1024;
 
   SelfUpdater(With with, UpdaterDelegate& delegate, UpdateUserDriverDelegate& userDriver);
+  ~SelfUpdater() override;
 
   bool canCheckForUpdates() const override { return !m_isBusy && !m_isReplaced; }
   std::optional<QDateTime> lastUpdateCheckDate() const override { return m_memory.lastCheck; }
@@ -76,6 +81,10 @@ class SelfUpdater : public Updater {
   Task<> checkDaily(std::stop_token stop);
   Task<> runSession(UpdateCheck check, std::stop_token stop);
   Task<Outcome> findAndFetch(UpdateCheck check, std::stop_token stop);
+  quint64 newestBuild(UpdateCheck check) const;
+  bool isStillOffered(const AppcastItem& ready, const Appcast& feed) const;
+  void tidyUp(quint64 wanted);
+  Task<Outcome> fetchAndPrepare(AppcastItem item, std::stop_token stop);
   Task<std::expected<QByteArray, UpdateTrouble>> fetch(QString name, std::stop_token stop);
   Task<std::expected<Appcast, UpdateTrouble>> readFeed(std::stop_token stop);
   Task<Outcome> download(AppcastItem item, QString file, std::stop_token stop);
@@ -95,8 +104,10 @@ class SelfUpdater : public Updater {
   const QByteArray m_builtInKey;
   UpdateMemory m_memory;
   bool m_isBusy = false;
-  bool m_isReplaced = false;  ///< another version starts next: there is nothing left to do
+  std::optional<UpdateCheck> m_next;  ///< asked for during a session
+  bool m_isReplaced = false;          ///< another version starts next: there is nothing left to do
   std::optional<AppcastItem> m_ready;
+  std::stop_source m_preparation;
   SerialQueue m_worker{"vemo.updater"};
   TaskScope m_tasks;
 };

@@ -75,12 +75,11 @@ Outcome syncFolders(const QString& folder) {
 }  // namespace
 
 Outcome unpackUpdate(const QString& archivePath, const std::vector<AppcastFile>& files,
-                     const QString& folder) {
+                     const QString& folder, const std::stop_token& stop) {
   QHash<QString, const AppcastFile*> wanted;
   for (const AppcastFile& file : files) wanted.insert(file.path, &file);
   const ReadArchive reader(archive_read_new(), archive_read_free);
   archive_read_support_filter_xz(reader.get());
-  archive_read_support_filter_zstd(reader.get());
   archive_read_support_format_tar(reader.get());
   if (archive_read_open_filename(reader.get(), QFile::encodeName(archivePath).constData(),
                                  blockSize) != ARCHIVE_OK)
@@ -91,6 +90,7 @@ Outcome unpackUpdate(const QString& archivePath, const std::vector<AppcastFile>&
   int status = ARCHIVE_OK;
   while ((status = archive_read_next_header(reader.get(), &entry)) == ARCHIVE_OK) {
     const QString path = QString::fromUtf8(archive_entry_pathname(entry));
+    if (stop.stop_requested()) return refuse(path, u"isn't needed any more"_s);
     if (archive_entry_filetype(entry) != AE_IFREG || archive_entry_hardlink(entry))
       return refuse(path, u"isn't a plain file"_s);
     const AppcastFile* file = wanted.take(path);

@@ -7,16 +7,18 @@
 
 #include <QString>
 #include <expected>
+#include <stop_token>
 #include <vector>
 
 #include "platform/updater/Appcast.h"
 
 namespace vemo {
 
-/// `folder` is made, and must not exist. The error is one line for the log.
+/// `folder` is made, and must not exist. Ends between two files where it is stopped. The error is
+/// one line for the log.
 std::expected<void, QString> unpackUpdate(const QString& archive,
                                           const std::vector<AppcastFile>& files,
-                                          const QString& folder);
+                                          const QString& folder, const std::stop_token& stop = {});
 
 /// Packs the files of a folder, in their order, with nothing in the archive that depends on who
 /// packs or when.

@@ -7,6 +7,8 @@
 #include <QJsonObject>
 #include <QSaveFile>
 
+#include "platform/updater/UpdateSignatures.h"
+
 namespace vemo {
 
 using namespace Qt::Literals::StringLiterals;
@@ -22,7 +24,7 @@ QString base64(const QByteArray& bytes) {
 }  // namespace
 
 UpdateMemory UpdateMemory::read(const QString& file, const QByteArray& builtIn) {
-  UpdateMemory memory{.serial = 0, .key = {0, builtIn}, .lastCheck = {}};
+  UpdateMemory memory{.serial = 0, .key = builtIn, .lastCheck = {}};
   QFile opened(file);
   if (!opened.open(QIODevice::ReadOnly)) return memory;
   const QJsonObject json = QJsonDocument::fromJson(opened.read(largestFile)).object();
@@ -32,8 +34,7 @@ UpdateMemory UpdateMemory::read(const QString& file, const QByteArray& builtIn) 
   if (lastCheck.isValid()) memory.lastCheck = lastCheck;
   if (json[u"builtInKey"].toString() != base64(builtIn)) return memory;
   memory.serial = json[u"serial"].toString().toULongLong();
-  const auto key = publicKeyFrom(json[u"key"].toString().toLatin1());
-  if (key) memory.key = {json[u"keyNumber"].toString().toUInt(), *key};
+  memory.key = publicKeyFrom(json[u"key"].toString().toLatin1()).value_or(builtIn);
   return memory;
 }
 
@@ -42,8 +43,7 @@ void UpdateMemory::write(const QString& file, const QByteArray& builtIn) const {
   const QJsonObject json{
       {u"serial"_s, QString::number(serial)},
       {u"builtInKey"_s, base64(builtIn)},
-      {u"key"_s, base64(key.key)},
-      {u"keyNumber"_s, QString::number(key.number)},
+      {u"key"_s, base64(key)},
       {u"lastCheck"_s, lastCheck ? lastCheck->toUTC().toString(Qt::ISODate) : QString()},
       {u"automaticallyChecks"_s, automaticallyChecks},
       {u"automaticallyDownloads"_s, automaticallyDownloads}};

@@ -4,17 +4,16 @@
 // by. A file that can't be read counts as absent. Main thread only.
 #pragma once
 
+#include <QByteArray>
 #include <QDateTime>
 #include <QString>
 #include <optional>
-
-#include "platform/updater/UpdateSignatures.h"
 
 namespace vemo {
 
 struct UpdateMemory {
   quint64 serial = 0;  ///< of the newest feed, under the key in force
-  TrustedKey key;
+  QByteArray key;      ///< in force
   std::optional<QDateTime> lastCheck;
   bool automaticallyChecks = true;
   bool automaticallyDownloads = true;

@@ -92,21 +92,18 @@ bool isArchiveSigned(QIODevice& archive, const QByteArray& signature, const QByt
   return crypto_sign_final_verify(&state, bytes(signature), bytes(publicKey)) == 0;
 }
 
-QByteArray rotationLine(std::uint32_t number, const QByteArray& next, const QByteArray& secretKey) {
-  const QByteArray statement = rotationName + QByteArray::number(number) + ' ' + next.toBase64();
+QByteArray rotationLine(const QByteArray& next, const QByteArray& secretKey) {
+  const QByteArray statement = rotationName + next.toBase64();
   return statement + ' ' + signatureOf(statement, secretKey).toBase64() + '\n';
 }
 
-TrustedKey latestKey(const QByteArray& rotations, TrustedKey trusted) {
+QByteArray latestKey(const QByteArray& rotations, QByteArray trusted) {
   for (const QByteArray& line : rotations.split('\n')) {
-    const QByteArray start = rotationName + QByteArray::number(trusted.number + 1) + ' ';
-    if (!line.startsWith(start)) continue;
     const qsizetype end = line.lastIndexOf(' ');
-    if (end < start.size()) continue;
-    const auto next = publicKeyFrom(line.sliced(start.size(), end - start.size()));
+    if (!line.startsWith(rotationName) || end < rotationName.size()) continue;
+    const auto next = publicKeyFrom(line.sliced(rotationName.size(), end - rotationName.size()));
     const auto signature = decoded(line.sliced(end + 1), crypto_sign_BYTES);
-    if (next && signature && isSigned(line.first(end), *signature, trusted.key))
-      trusted = {trusted.number + 1, *next};
+    if (next && signature && isSigned(line.first(end), *signature, trusted)) trusted = *next;
   }
   return trusted;
 }

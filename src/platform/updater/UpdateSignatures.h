@@ -32,19 +32,11 @@ std::optional<QByteArray> verifiedFeed(const QByteArray& feed, const QByteArray&
 QByteArray archiveSignature(QIODevice& archive, const QByteArray& secretKey);
 bool isArchiveSigned(QIODevice& archive, const QByteArray& signature, const QByteArray& publicKey);
 
-/// The key in force: the one that the program was built for is number 0, each later one is signed
-/// by the one before it.
-struct TrustedKey {
-  std::uint32_t number = 0;
-  QByteArray key;
-
-  friend bool operator==(const TrustedKey&, const TrustedKey&) = default;
-};
-
 /// The line that makes `next` the successor of the key that signs it.
-QByteArray rotationLine(std::uint32_t number, const QByteArray& next, const QByteArray& secretKey);
+QByteArray rotationLine(const QByteArray& next, const QByteArray& secretKey);
 
-/// Follows the lines of a rotation file as far as each is signed by the key before it.
-TrustedKey latestKey(const QByteArray& rotations, TrustedKey trusted);
+/// The key in force, of which `trusted` is the present one or one before it: follows those lines of
+/// a rotation file that are signed by the key before, from wherever in the chain that stands.
+QByteArray latestKey(const QByteArray& rotations, QByteArray trusted);
 
 }  // namespace vemo

@@ -128,8 +128,7 @@ TEST(AppcastTest, AnUpdateThatPassesOverACriticalOneIsCriticalToWhomItFits) {
     return chooseUpdate(appcast, {.newerThan = build,
                                   .channels = {u"beta"_s},
                                   .systemVersion = u"12.8"_s,
-                                  .architecture = u"x86_64"_s,
-                                  .refusedBuild = 0});
+                                  .architecture = u"x86_64"_s});
   };
   ASSERT_TRUE(chosenBy(56));
   EXPECT_EQ(chosenBy(56)->build, 58U);
@@ -138,9 +137,29 @@ TEST(AppcastTest, AnUpdateThatPassesOverACriticalOneIsCriticalToWhomItFits) {
   EXPECT_FALSE(chosenBy(58));
 }
 
-TEST(AppcastTest, ElementsThatNobodyKnowsArePassedOverHoweverDeep) {
-  const QByteArray deep = QByteArray("<a>").repeated(2000) + QByteArray("</a>").repeated(2000);
-  EXPECT_TRUE(isRead(changed("<serial>", deep + "<serial>")));
+TEST(AppcastTest, ElementsThatNobodyKnowsArePassedOverToADepthOfSixteen) {
+  const auto nested = [](int depth) {
+    return QByteArray("<a>").repeated(depth) + QByteArray("</a>").repeated(depth);
+  };
+  // Below rss and channel.
+  EXPECT_TRUE(isRead(changed("<serial>", nested(14) + "<serial>")));
+  EXPECT_FALSE(isRead(changed("<serial>", nested(15) + "<serial>")));
+  EXPECT_TRUE(isRead(changed("<serial>", nested(14).repeated(3) + "<serial>")));
+  EXPECT_FALSE(isRead(changed("</rss>", nested(16) + "</rss>")));
+  EXPECT_FALSE(isRead(nested(17)));
+}
+
+TEST(AppcastTest, ASystemThatDoesNotTellItsVersionTakesWhatItIsOffered) {
+  const auto isOffered = [](const QString& system) {
+    return chooseUpdate(feed(), {.newerThan = 1,
+                                 .channels = {u"beta"_s},
+                                 .systemVersion = system,
+                                 .architecture = u"x86_64"_s})
+        .has_value();
+  };
+  EXPECT_TRUE(isOffered(u"0.0.0"_s));
+  EXPECT_TRUE(isOffered(u"12.8.0"_s));
+  EXPECT_FALSE(isOffered(u"12.7.9"_s));
 }
 
 }  // namespace vemo

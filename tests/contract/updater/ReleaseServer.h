@@ -17,7 +17,7 @@ class ReleaseServer {
     Serves,
     IgnoresRanges,  ///< always sends the whole file
     Endless,        ///< never stops sending
-    Drips,          ///< a byte now and then
+    Drips,          ///< a byte at a time
     Breaks,         ///< closes the connection after half of what was asked for
   };
 
@@ -84,9 +84,12 @@ class ReleaseServer {
     more();
   }
 
-  /// A byte whenever the one before has gone, and nothing after the tenth.
+  /// A byte whenever the one before has gone.
   static void sendDrips(QTcpSocket& socket) {
-    socket.write("HTTP/1.1 206 Whatever\r\nContent-Length: 1000000\r\n\r\nxxxxxxxxxx");
+    QObject::connect(&socket, &QTcpSocket::bytesWritten, &socket, [&socket] {
+      if (socket.bytesToWrite() == 0) socket.write("x");
+    });
+    socket.write("HTTP/1.1 206 Whatever\r\nContent-Length: 1000000000\r\n\r\n");
   }
 
   QTcpServer m_server;

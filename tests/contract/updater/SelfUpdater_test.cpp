@@ -1,3 +1,5 @@
+#include <QElapsedTimer>
+
 #include "UpdaterFixture.h"
 
 namespace vemo {
@@ -157,12 +159,21 @@ TEST_F(SelfUpdaterTest, WhatWasRefusedLeavesNothingOnTheDisk) {
   EXPECT_THAT(leftovers(), IsEmpty());
 }
 
-TEST_F(SelfUpdaterTest, ABuildThatDidNotStartWellIsNotTakenAgainButTheNextOneIs) {
+TEST_F(SelfUpdaterTest, ABuildThatDidNotStartWellAndOlderOnesAreNotTakenByThemselves) {
+  writeTestFile(root + u"/refused"_s, "3", false);
+  publish({release(2, "1.1.0"), release(3, "1.2.0")});
+  EXPECT_THAT(check(), ElementsAre(1001));
+  publish({release(2, "1.1.0"), release(3, "1.2.0"), release(4, "1.3.0")});
+  EXPECT_THAT(check(), IsEmpty());
+  EXPECT_EQ(delegate.ready->displayVersion, u"1.3.0"_s);
+}
+
+TEST_F(SelfUpdaterTest, ABuildThatDidNotStartWellIsTakenAgainWhenTheUserAsks) {
   writeTestFile(root + u"/refused"_s, "2", false);
   publish({release(2, "1.1.0")});
-  EXPECT_THAT(check(), ElementsAre(1001));
-  publish({release(3, "1.2.0")});
-  EXPECT_THAT(check(), IsEmpty());
+  EXPECT_THAT(check(UpdateCheck::UserInitiated), IsEmpty());
+  updater->installOnQuit();
+  EXPECT_EQ(startedVersion(root), "Vemo 1.1.0");
 }
 
 TEST_F(SelfUpdaterTest, AnInstallationThatFailsIsReportedAndNothingRelaunches) {
@@ -178,12 +189,13 @@ TEST_F(SelfUpdaterTest, AnInstallationThatFailsIsReportedAndNothingRelaunches) {
 TEST_F(SelfUpdaterTest, AnInstallationThatFailedIsTriedAgainWhenTheUserAsksAgain) {
   publish({release(2, "1.1.0")});
   EXPECT_THAT(check(), IsEmpty());
-  writeTestFile(root + u"/versions/2"_s, "in the way", false);
+  makeVersion(root + u"/versions/2"_s, "1.1.0", 2);
+  auto runs = FolderLock::take(root + u"/versions/2"_s, FolderLock::Kind::Shared);
   delegate.installNow();
   EXPECT_THAT(delegate.errors, ElementsAre(4005));
   EXPECT_THAT(announced, ElementsAre(u"The update didn't work"_s));
   EXPECT_EQ(startedVersion(root), "Vemo 1.0.0");
-  QFile::remove(root + u"/versions/2"_s);
+  runs.reset();
   delegate.installNow();
   EXPECT_EQ(relaunches, 1);
   EXPECT_EQ(startedVersion(root), "Vemo 1.1.0");
@@ -240,13 +252,16 @@ TEST_F(SelfUpdaterTest, AnUpdateThatTheUserAskedForHasTheUsersAttentionAndASched
   EXPECT_EQ(delegate.attentions, 1);
 }
 
-TEST_F(SelfUpdaterTest, ASecondCheckDuringACheckChangesNothing) {
+TEST_F(SelfUpdaterTest, ChecksAskedForDuringACheckAreOneAfterItAndTheUsersIsTold) {
   publish({});
   start().checkForUpdatesInBackground();
   EXPECT_FALSE(updater->canCheckForUpdates());
-  EXPECT_THAT(check(UpdateCheck::UserInitiated), ElementsAre(1001));
-  EXPECT_TRUE(updater->canCheckForUpdates());
-  EXPECT_EQ(delegate.finished, 1);
+  updater->checkForUpdates();
+  updater->checkForUpdatesInBackground();
+  EXPECT_TRUE(loop.runUntil([&] { return updater->canCheckForUpdates(); }));
+  EXPECT_EQ(delegate.finished, 2);
+  EXPECT_THAT(delegate.errors, ElementsAre(1001, 1001));
+  EXPECT_THAT(announced, ElementsAre(u"Vemo is up to date"_s));
 }
 
 TEST_F(SelfUpdaterTest, RemembersItsPreferencesAndItsLastCheck) {
@@ -258,12 +273,106 @@ TEST_F(SelfUpdaterTest, RemembersItsPreferencesAndItsLastCheck) {
   EXPECT_EQ(updater->lastUpdateCheckDate(), QDateTime(QDate(2026, 3, 14), {}, Qt::UTC));
 }
 
-TEST_F(SelfUpdaterTest, AVersionThatDoesNotStartHereIsNotInstalled) {
-  AppcastItem item = release(2, "1.1.0");
-  item.shown.displayVersion = u"9.9.9"_s;
-  publish({item});
+TEST_F(SelfUpdaterTest, AVersionThatDoesNotStartHereIsNotInstalledNorFetchedAgainByItself) {
+  const QString made = folder.filePath(u"broken"_s);
+  writeTestFile(made + u"/bin/vemo"_s, "#!/bin/sh\necho \"Vemo 1.1.0 (2)\"\nexit 1\n", true);
+  publish({packed(made, 2, "1.1.0")});
   EXPECT_THAT(check(), ElementsAre(4005));
   EXPECT_FALSE(delegate.ready);
+  server.asked.clear();
+  EXPECT_THAT(check(), ElementsAre(1001));
+  EXPECT_THAT(server.asked, ElementsAre("keys.txt", "appcast.xml"));
+  EXPECT_THAT(check(UpdateCheck::UserInitiated), ElementsAre(4005));
+}
+
+TEST_F(SelfUpdaterTest, AVersionThatCallsItselfByAnotherBuildIsNotInstalled) {
+  const QString made = folder.filePath(u"misnamed"_s);
+  makeVersion(made, "1.1.0", 22);
+  publish({packed(made, 2, "1.1.0")});
+  EXPECT_THAT(check(), ElementsAre(4005));
+  EXPECT_FALSE(delegate.ready);
+}
+
+TEST_F(SelfUpdaterTest, WhatIsReadyAndNoLongerOfferedIsNotInstalled) {
+  publish({release(2, "1.1.0")});
+  EXPECT_THAT(check(), IsEmpty());
+  publish({});
+  EXPECT_THAT(check(), ElementsAre(1001));
+  updater->installOnQuit();
+  EXPECT_EQ(startedVersion(root), "Vemo 1.0.0");
+  updater.reset();  // when it has tidied up
+  EXPECT_THAT(leftovers(), IsEmpty());
+}
+
+TEST_F(SelfUpdaterTest, ABetaThatIsReadyIsNotInstalledOnceBetasAreUnwanted) {
+  AppcastItem beta = release(2, "1.1.0");
+  beta.channel = u"beta"_s;
+  publish({beta});
+  delegate.channels = {u"beta"_s};
+  EXPECT_THAT(check(), IsEmpty());
+  ASSERT_TRUE(delegate.ready);
+  delegate.channels.clear();
+  EXPECT_THAT(check(), ElementsAre(1001));
+  updater->installOnQuit();
+  EXPECT_EQ(startedVersion(root), "Vemo 1.0.0");
+}
+
+TEST_F(SelfUpdaterTest, OfTwoSessionsOfAUserOneInstalls) {
+  publish({release(2, "1.1.0")});
+  std::optional<SelfContainedCopy> other(root);
+  ASSERT_TRUE(other->claim());
+  EXPECT_THAT(check(), ElementsAre(4005));
+  EXPECT_THAT(leftovers(), IsEmpty());
+  other.reset();
+  EXPECT_THAT(check(), IsEmpty());
+  EXPECT_FALSE(SelfContainedCopy(root).claim());
+  updater.reset();
+  EXPECT_TRUE(SelfContainedCopy(root).claim());
+}
+
+TEST_F(SelfUpdaterTest, AVersionThatAnotherSessionInstalledIsNotFetchedOnceMore) {
+  publish({release(2, "1.1.0")});
+  start();
+  makeVersion(root + u"/versions/2"_s, "1.1.0", 2);
+  QFile::remove(root + u"/current"_s);
+  QFile::link(u"versions/2"_s, root + u"/current"_s);
+  EXPECT_THAT(check(), ElementsAre(1001));
+}
+
+TEST_F(SelfUpdaterTest, WithoutSpaceForTheArchiveAndItsFilesNothingIsFetched) {
+  const AppcastItem item = release(2, "1.1.0");
+  publish({item});
+  freeSpace = item.archiveSize + item.files[0].size + item.files[1].size - 1;
+  EXPECT_THAT(check(), ElementsAre(2001));
+  EXPECT_THAT(server.asked, ElementsAre("keys.txt", "appcast.xml"));
+  ++freeSpace;
+  EXPECT_THAT(check(), IsEmpty());
+}
+
+TEST_F(SelfUpdaterTest, ItsEndDoesNotWaitForAVersionThatDoesNotAnswer) {
+  const QString made = folder.filePath(u"silent"_s);
+  const QString marker = folder.filePath(u"asked"_s);
+  writeTestFile(made + u"/bin/vemo"_s,
+                "#!/bin/sh\ntouch '" + QFile::encodeName(marker) + "'\nexec sleep 600\n", true);
+  publish({packed(made, 2, "1.1.0")});
+  start().checkForUpdatesInBackground();
+  ASSERT_TRUE(loop.runUntil([&] { return QFile::exists(marker); }));
+  QElapsedTimer elapsed;
+  elapsed.start();
+  updater.reset();
+  EXPECT_LT(elapsed.elapsed(), 10'000) << "the version would have had 20 seconds";
+}
+
+TEST_F(SelfUpdaterTest, ABuildThatWasGivenUpIsTold) {
+  writeTestFile(root + u"/refused"_s, "2", false);
+  start();
+  EXPECT_THAT(log, ElementsAre(u"updates: build 2 didn't start well here"_s));
+}
+
+TEST_F(SelfUpdaterTest, AKeyThatIsNoneIsToldOnce) {
+  keys.publicKey.append('x');
+  start();
+  EXPECT_THAT(log, ElementsAre(u"updates: the key in vemo.conf isn't an Ed25519 key"_s));
 }
 
 }  // namespace vemo

@@ -8,6 +8,7 @@
 namespace vemo {
 
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 
 namespace {
@@ -58,7 +59,10 @@ class UpdateAttacksTest : public UpdaterFixture {
     return item;
   }
 
-  static inline const Entry program{"bin/vemo", "#!/bin/sh\necho \"Vemo 1.1.0\"\n"};
+  /// That the last session ended with.
+  std::string reason() const { return log.isEmpty() ? "" : log.back().toStdString(); }
+
+  static inline const Entry program{"bin/vemo", programTelling("1.1.0", 2)};
   static inline const Entry ballast{"lib/ballast", "1.1.0"};
 };
 
@@ -100,7 +104,8 @@ TEST_F(UpdateAttacksTest, AnArchivesSignatureDoesNotSignAFeed) {
 
 TEST_F(UpdateAttacksTest, EndlessDataForAFeedEndsAtALimit) {
   server.manners["appcast.xml"] = ReleaseServer::Manner::Endless;
-  EXPECT_EQ(check().size(), 1U);
+  EXPECT_THAT(check(), ElementsAre(1000));
+  EXPECT_THAT(reason(), HasSubstr("is too large"));
 }
 
 TEST_F(UpdateAttacksTest, EndlessDataForAnArchiveEndsAtALimit) {
@@ -128,6 +133,7 @@ TEST_F(UpdateAttacksTest, SlowRetrievalEndsAtTheTransfersLimit) {
                                                .applicationBuild = u"1"_s},
                                     .copy = SelfContainedCopy(root),
                                     .memoryFile = folder.filePath(u"updates.json"_s),
+                                    .freeSpace = [](const QString&) { return -1; },
                                     .log = [](const QString&) {},
                                     .announce = [](const QString&, const QString&) {},
                                     .relaunch = [] {}},
@@ -164,10 +170,22 @@ TEST_F(UpdateAttacksTest, AFastForwardByAStolenKeyIsUndoneByTheKeysRotation) {
   publish({}, 18'000'000'000'000'000'000ULL);
   check();
   const SigningKeys next = SigningKeys::generate();
-  server.files["keys.txt"] = rotationLine(1, next.publicKey, keys.secretKey);
+  server.files["keys.txt"] = rotationLine(next.publicKey, keys.secretKey);
   keys = next;
   publish({release(2, "1.1.0")}, 2);
   EXPECT_THAT(check(), IsEmpty());
+}
+
+TEST_F(UpdateAttacksTest, WhatAStolenKeySignedIsNotInstalledOnceTheKeyIsReplaced) {
+  publish({release(2, "1.1.0")});
+  EXPECT_THAT(check(), IsEmpty());
+  ASSERT_TRUE(delegate.ready);
+  const SigningKeys next = SigningKeys::generate();
+  server.files["keys.txt"] = rotationLine(next.publicKey, keys.secretKey);
+  server.files.remove("appcast.xml");
+  EXPECT_THAT(check(), ElementsAre(2001));
+  updater->installOnQuit();
+  EXPECT_EQ(startedVersion(root), "Vemo 1.0.0");
 }
 
 TEST_F(UpdateAttacksTest, MixAndMatchOfAFeedWithAnotherReleasesArchiveIsRefused) {
@@ -175,7 +193,7 @@ TEST_F(UpdateAttacksTest, MixAndMatchOfAFeedWithAnotherReleasesArchiveIsRefused)
   const AppcastItem three = release(3, "1.2.0", "other");
   publish({three});
   server.files["vemo-3.tar.xz"] = server.files["vemo-2.tar.xz"];
-  EXPECT_EQ(check().size(), 1U);
+  EXPECT_THAT(check(), ElementsAre(2001)) << "it isn't as long as the feed says";
   // Also where the sizes agree and the signature is another release's own.
   AppcastItem mixed = three;
   mixed.archive = two.archive;
@@ -201,18 +219,22 @@ TEST_F(UpdateAttacksTest, PathsAndLinksOutOfTheArchiveAreRefused) {
   for (const QByteArray& path : {"../../current", "/tmp/vemo-was-here", "bin/../../x"}) {
     publish({releaseOf({{path, "x"}, program, ballast})});
     EXPECT_THAT(check(), ElementsAre(3000)) << path.constData();
+    EXPECT_THAT(reason(), HasSubstr("isn't named in the feed"));
   }
   publish({releaseOf({{"lib/ballast", "/etc/passwd", AE_IFLNK}, program})});
   EXPECT_THAT(check(), ElementsAre(3000));
+  EXPECT_THAT(reason(), HasSubstr("isn't a plain file"));
   EXPECT_FALSE(QFile::exists(u"/tmp/vemo-was-here"_s));
 }
 
 TEST_F(UpdateAttacksTest, HardLinksFoldersAndDevicesInTheArchiveAreRefused) {
   publish({releaseOf({program, {"lib/ballast", "/etc/passwd", AE_IFREG, true}})});
   EXPECT_THAT(check(), ElementsAre(3000));
+  EXPECT_THAT(reason(), HasSubstr("isn't a plain file"));
   for (const mode_t type : {AE_IFDIR, AE_IFIFO, AE_IFCHR}) {
     publish({releaseOf({program, {"lib/ballast", "", type}})});
     EXPECT_THAT(check(), ElementsAre(3000)) << type;
+    EXPECT_THAT(reason(), HasSubstr("isn't a plain file")) << type;
   }
 }
 
@@ -224,6 +246,7 @@ TEST_F(UpdateAttacksTest, AFileThatIsChangedButOfTheSameSizeIsRefused) {
 TEST_F(UpdateAttacksTest, AnArchiveThatUnpacksToMoreThanTheFeedSaysIsRefused) {
   publish({releaseOf({program, {"lib/ballast", QByteArray(50'000'000, '0')}})});
   EXPECT_THAT(check(), ElementsAre(3000));
+  EXPECT_THAT(reason(), HasSubstr("is larger than the feed says"));
 }
 
 TEST_F(UpdateAttacksTest, AMaliciousMirrorThatServesNothingStopsNothingElse) {
@@ -240,23 +263,46 @@ TEST_F(UpdateAttacksTest, AKeyIsReplacedByALineSignedWithTheOldOneAndTheOldNoLon
   const SigningKeys old = keys;
   const SigningKeys next = SigningKeys::generate();
   const SigningKeys last = SigningKeys::generate();
-  server.files["keys.txt"] = rotationLine(1, next.publicKey, old.secretKey) +
-                             rotationLine(2, last.publicKey, next.secretKey);
+  server.files["keys.txt"] =
+      rotationLine(next.publicKey, old.secretKey) + rotationLine(last.publicKey, next.secretKey);
   start();
   publish({release(2, "1.1.0")}, 1, old.secretKey);
   EXPECT_THAT(check(), ElementsAre(3001));
   // The mirror hides the rotation: what was seen once still holds.
   server.files.remove("keys.txt");
   EXPECT_THAT(check(), ElementsAre(3001));
+  start();
+  EXPECT_THAT(check(), ElementsAre(3001)) << "also after a restart";
   keys = last;
   publish({release(2, "1.1.0")});
+  keys = old;
+  start();  // as it was built
   EXPECT_THAT(check(), IsEmpty());
+}
+
+TEST_F(UpdateAttacksTest, AReplacedKeyIsForgottenAlsoWhereNoFeedComesWithTheNewOne) {
+  server.files["keys.txt"] = rotationLine(SigningKeys::generate().publicKey, keys.secretKey);
+  EXPECT_THAT(check(), ElementsAre(2001));
+  server.files.remove("keys.txt");
+  publish({release(2, "1.1.0")});
+  start();
+  EXPECT_THAT(check(), ElementsAre(3001));
+}
+
+TEST_F(UpdateAttacksTest, WhoBeginsWithALaterKeyFollowsTheChainFromThere) {
+  const SigningKeys first = SigningKeys::generate();
+  const SigningKeys last = SigningKeys::generate();
+  server.files["keys.txt"] =
+      rotationLine(keys.publicKey, first.secretKey) + rotationLine(last.publicKey, keys.secretKey);
+  publish({}, 1, last.secretKey);
+  EXPECT_THAT(check(), ElementsAre(1001));
 }
 
 TEST_F(UpdateAttacksTest, AKeyThatAnybodyElseOffersIsNotTaken) {
   const SigningKeys stranger = SigningKeys::generate();
-  server.files["keys.txt"] = rotationLine(1, stranger.publicKey, stranger.secretKey) +
-                             rotationLine(2, stranger.publicKey, keys.secretKey);
+  server.files["keys.txt"] = rotationLine(stranger.publicKey, stranger.secretKey) +
+                             rotationLine(keys.publicKey, keys.secretKey)
+                                 .replace(keys.publicKey.toBase64(), stranger.publicKey.toBase64());
   publish({release(2, "1.1.0")}, 1, stranger.secretKey);
   EXPECT_THAT(check(), ElementsAre(3001));
 }

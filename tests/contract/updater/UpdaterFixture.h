@@ -18,6 +18,7 @@
 #include "platform/qt/QtMainThread.h"
 #include "platform/updater/SelfUpdater.h"
 #include "platform/updater/UpdateArchive.h"
+#include "platform/updater/UpdateSignatures.h"
 
 namespace vemo {
 
@@ -33,24 +34,30 @@ inline void writeTestFile(const QString& path, const QByteArray& content, bool i
 }
 
 /// A program that does nothing but tell its version.
-inline void makeVersion(const QString& folder, const QByteArray& version,
+inline QByteArray programTelling(const QByteArray& version, quint64 build) {
+  return "#!/bin/sh\necho \"Vemo " + version + " (" + QByteArray::number(build) + ")\"\n";
+}
+
+inline void makeVersion(const QString& folder, const QByteArray& version, quint64 build,
                         const QByteArray& ballast = {}) {
-  writeTestFile(folder + u"/bin/vemo"_s, "#!/bin/sh\necho \"Vemo " + version + "\"\n", true);
+  writeTestFile(folder + u"/bin/vemo"_s, programTelling(version, build), true);
   writeTestFile(folder + u"/lib/ballast"_s, ballast + version, false);
 }
 
 /// A copy with build 1, as `current`.
 inline QString makeCopy(const QString& root) {
-  makeVersion(root + u"/versions/1"_s, "1.0.0");
+  makeVersion(root + u"/versions/1"_s, "1.0.0", 1);
   QFile::link(u"versions/1"_s, root + u"/current"_s);
   return root + u"/versions/1/bin/vemo"_s;
 }
 
+/// "Vemo 1.0.0", of the version that starts.
 inline QByteArray startedVersion(const QString& root) {
   QProcess program;
   program.start(root + u"/current/bin/vemo"_s, {u"--version"_s});
   program.waitForFinished(20'000);
-  return program.readAllStandardOutput().trimmed();
+  const QByteArray told = program.readAllStandardOutput();
+  return told.first(std::max<qsizetype>(told.indexOf(" ("), 0));
 }
 
 /// Notes what the updater tells.
@@ -114,6 +121,7 @@ class UpdaterFixture : public testing::Test {
                        .processorArchitecture = u"x86_64"_s},
             .copy = isOurs ? SelfContainedCopy::around(m_program) : std::nullopt,
             .memoryFile = folder.filePath(u"updates.json"_s),
+            .freeSpace = [this](const QString&) { return freeSpace; },
             .log = [this](const QString& line) { log.append(line); },
             .announce = [this](const QString& title, const QString&) { announced.append(title); },
             .relaunch = [this] { ++relaunches; }},
@@ -138,7 +146,11 @@ class UpdaterFixture : public testing::Test {
   /// Packs a version for the feed, and puts its archive on the server.
   AppcastItem release(quint64 build, const QByteArray& version, const QByteArray& ballast = {}) {
     const QString made = folder.filePath(u"made-%1"_s.arg(build));
-    makeVersion(made, version, ballast);
+    makeVersion(made, version, build, ballast);
+    return packed(made, build, version);
+  }
+
+  AppcastItem packed(const QString& made, quint64 build, const QByteArray& version) {
     const QString archive = folder.filePath(u"vemo-%1.tar.xz"_s.arg(build));
     auto files = packUpdate(made, archive);
     EXPECT_TRUE(files) << (files ? "" : qPrintable(files.error()));
@@ -189,6 +201,7 @@ class UpdaterFixture : public testing::Test {
   NotingDelegate delegate;
   std::optional<SelfUpdater> updater;
   bool isOurs = true;
+  qint64 freeSpace = -1;
   int relaunches = 0;
   QStringList log;
   QStringList announced;

@@ -3,7 +3,7 @@
 mkdir -p build/archive
 pack() {
   mkdir -p "vemo/versions/$2/bin"
-  printf '#!/bin/sh\necho Vemo %s\n' "$1" >"vemo/versions/$2/bin/vemo"
+  printf '#!/bin/sh\necho "Vemo %s (%s)"\n' "$1" "$2" >"vemo/versions/$2/bin/vemo"
   chmod +x "vemo/versions/$2/bin/vemo"
   ln -s "versions/$2" vemo/current
   tar -cJf "build/archive/vemo-$1-x86_64.tar.xz" vemo

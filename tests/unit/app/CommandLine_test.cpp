@@ -55,6 +55,11 @@ TEST(CommandLineTest, HelpNamesEveryCommandAndTheVersionHasItsBuild) {
   EXPECT_TRUE(version.endsWith(u")\n"_s));
 }
 
+TEST(CommandLineTest, ACheckTellsTheVersionAsItIsShown) {
+  EXPECT_EQ(std::get<CheckCommand>(*parseCommandLine({u"--check"_s})).text,
+            std::get<PrintCommand>(*parseCommandLine({u"--version"_s})).text);
+}
+
 TEST(CommandLineTest, AnythingElseIsRefusedWithWhatWasSaid) {
   for (const QStringList& arguments :
        {QStringList{u"dance"_s}, {u"start"_s, u"now"_s}, {u""_s}, {u"--verbose"_s}}) {

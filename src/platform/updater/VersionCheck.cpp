@@ -1,0 +1,38 @@
+#include "platform/updater/VersionCheck.h"
+
+#include <QDeadlineTimer>
+#include <QProcess>
+
+namespace vemo {
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+constexpr int limit = 20'000;      ///< milliseconds
+constexpr int pollInterval = 100;  ///< milliseconds
+
+}  // namespace
+
+std::expected<void, QString> checkVersion(const QString& folder, const QString& version,
+                                          quint64 build, const std::stop_token& stop) {
+  QProcess program;
+  program.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+  program.start(folder + u"/bin/vemo"_s, {u"--check"_s}, QIODevice::ReadOnly);
+  const QDeadlineTimer deadline(limit);
+  while (!program.waitForFinished(pollInterval) && program.state() != QProcess::NotRunning) {
+    if (!stop.stop_requested() && !deadline.hasExpired()) continue;
+    program.kill();
+    program.waitForFinished(-1);
+    return std::unexpected(u"the new version doesn't answer"_s);
+  }
+  if (program.error() == QProcess::FailedToStart || program.exitStatus() != QProcess::NormalExit ||
+      program.exitCode() != 0)
+    return std::unexpected(u"the new version doesn't start here"_s);
+  const QString told = QString::fromUtf8(program.readAllStandardOutput().trimmed());
+  if (told != u"Vemo %1 (%2)"_s.arg(version, QString::number(build)))
+    return std::unexpected(u"the new version calls itself another one"_s);
+  return {};
+}
+
+}  // namespace vemo

@@ -1,0 +1,15 @@
+// Asks a version that isn't installed yet whether it runs on this machine.
+#pragma once
+
+#include <QString>
+#include <expected>
+#include <stop_token>
+
+namespace vemo {
+
+/// Starts `folder`/bin/vemo to check itself, for 20 seconds at most, and demands the version and
+/// build that it was released as. The error is one line for the log. Blocks; any thread.
+std::expected<void, QString> checkVersion(const QString& folder, const QString& version,
+                                          quint64 build, const std::stop_token& stop = {});
+
+}  // namespace vemo
