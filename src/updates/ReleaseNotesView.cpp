@@ -2,6 +2,7 @@
 
 #include <md4c.h>
 
+#include <QHash>
 #include <QUrl>
 #include <QXmlStreamReader>
 #include <optional>
@@ -48,6 +49,7 @@ struct Markup {
   bool isGuardTaken = false;
   std::vector<bool> linkIsWritten;
   std::vector<InlineLink> links;
+  QHash<QString, int> linksTo;  ///< how many there are to a page
 
   bool isInLink() const { return !linkIsWritten.empty() && linkIsWritten.back(); }
 };
@@ -58,19 +60,32 @@ bool isPage(const QByteArray& address) {
          (url.scheme() == u"https" || url.scheme() == u"http");
 }
 
+/// Others for each number, and none for zero.
+QString blanksOf(int number) {
+  QString blanks;
+  for (; number > 0; number /= 2) blanks += number % 2 ? u'\t' : u' ';
+  return blanks;
+}
+
 void openLink(Markup& markup, const MD_ATTRIBUTE& target) {
-  const QByteArray address(target.text, target.size);
-  markup.linkIsWritten.push_back(isPage(address));
+  const QByteArray page(target.text, target.size);
+  markup.linkIsWritten.push_back(isPage(page));
   if (!markup.isInLink()) return;
-  markup.links.push_back({.words = {}, .address = QString::fromUtf8(address)});
-  markup.html += "<a href=\"" + QString::fromUtf8(address).toHtmlEscaped().toUtf8() + "\">";
+  QString address = QString::fromUtf8(page);
+  address += blanksOf(markup.linksTo.value(address));
+  markup.links.push_back({.words = {}, .address = address});
+  markup.html += "<a href=\"" + address.toHtmlEscaped().toUtf8() + "\">";
 }
 
 void closeLink(Markup& markup) {
   if (markup.isInLink()) {
     markup.html += "</a>";
     // One without words can be neither seen nor read out.
-    if (markup.links.back().words.trimmed().isEmpty()) markup.links.pop_back();
+    if (markup.links.back().words.trimmed().isEmpty()) {
+      markup.links.pop_back();
+    } else {
+      ++markup.linksTo[markup.links.back().address.trimmed()];
+    }
   }
   markup.linkIsWritten.pop_back();
 }

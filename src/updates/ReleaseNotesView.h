@@ -40,6 +40,8 @@ QString inlineMarkup(const QString& text);
 
 struct InlineLink {
   QString words;  ///< as they are read
+  /// Where the text has links to that page already, with blanks behind it, which HTML passes over:
+  /// a view tells the links apart by them.
   QString address;
 
   friend bool operator==(const InlineLink&, const InlineLink&) = default;

@@ -5,10 +5,10 @@
 
 #include <QObject>
 #include <QString>
-#include <QVariantList>
 #include <vector>
 
 #include "base/Notifier.h"
+#include "ui/models/ReleaseNotesPages.h"
 #include "updates/UpdateManager.h"
 
 namespace vemo {
@@ -25,9 +25,8 @@ class UpdateReadyCardModel : public QObject {
   Q_PROPERTY(QString tooltip READ tooltip NOTIFY changed)
   Q_PROPERTY(bool hasNotes READ hasNotes NOTIFY changed)
   Q_PROPERTY(bool showNotes READ showNotes NOTIFY changed)
-  /// Rows with `kind` ("heading", "bullet", "paragraph"), `markup`, in Qt's rich text, and its
-  /// `links`, with `words` and `address`.
-  Q_PROPERTY(QVariantList notes READ notes NOTIFY changed)
+  /// Changes with the ready update alone.
+  Q_PROPERTY(vemo::ReleaseNotesPages* notes READ notes CONSTANT)
 
  public:
   /// Both outlive it.
@@ -39,7 +38,7 @@ class UpdateReadyCardModel : public QObject {
   QString tooltip() const;
   bool hasNotes() const;
   bool showNotes() const { return m_showNotes; }
-  QVariantList notes() const;
+  ReleaseNotesPages* notes() { return &m_notes; }
 
   Q_INVOKABLE void restart() { m_updates.restartToUpdate(); }
   Q_INVOKABLE void toggleNotes();
@@ -47,7 +46,10 @@ class UpdateReadyCardModel : public QObject {
   Q_SIGNAL void changed();
 
  private:
+  void readUpdate();
+
   UpdateManager& m_updates;
+  ReleaseNotesPages m_notes;
   bool m_showNotes = false;
   std::vector<Observation> m_observations;
 };

@@ -37,6 +37,13 @@ class MainWindowOnFakes : public OfflineWindow, private OfflineTime, private Ses
   explicit MainWindowOnFakes(const QString& state);
 
   MainWindowModel& model() { return *m_model; }
+  UpdateReadyCardModel& updateCard() { return *m_updateCard; }
+
+  /// From then on it is ready to be installed.
+  void downloadUpdate(const QString& notes =
+                          u"# New\n- Dictate in **25** languages\n- The pill comes in `teal`\n\n"
+                          u"# Fixed\n- A long dictation keeps its last words\n"
+                          u"Thanks to everybody who has written."_s);
 
   /// What the user has opened and ended.
   const FakeScenes& scenes() const { return m_scenes; }
@@ -66,10 +73,6 @@ class MainWindowOnFakes : public OfflineWindow, private OfflineTime, private Ses
   void use(const QByteArray& consumption);
   void answerSlack();
   void connectSlack();
-  void downloadUpdate(const QString& notes =
-                          u"# New\n- Dictate in **25** languages\n- The pill comes in `teal`\n\n"
-                          u"# Fixed\n- A long dictation keeps its last words\n"
-                          u"Thanks to everybody who has written."_s);
 
   std::optional<DictionaryList> m_dictionary;
   std::optional<ShortcutList> m_shortcuts;

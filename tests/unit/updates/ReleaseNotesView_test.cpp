@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QStringList>
+
 namespace vemo {
 
 using namespace Qt::Literals::StringLiterals;
@@ -90,6 +92,24 @@ TEST(ReleaseNotesTest, LinksAreNamedAsTheyAreReadAndInTheirOrder) {
   EXPECT_THAT(inlineLinks(u"[](https://e.com) [ ](https://e.com) [b](https://e.com)"_s),
               ElementsAre(InlineLink{u"b"_s, u"https://e.com"_s}));
   EXPECT_THAT(inlineLinks(u"[a](file:///etc/passwd) [notes](https://exa mple"_s), IsEmpty());
+}
+
+TEST(ReleaseNotesTest, LinksToOnePageAreToldApartByBlanksThatHtmlPassesOver) {
+  QStringList addresses;
+  for (const auto& link : inlineLinks(u"[a](https://e.com) "_s.repeated(1000))) {
+    EXPECT_EQ(link.address.trimmed(), u"https://e.com"_s);
+    EXPECT_LE(link.address.size(), 13 + 10);
+    addresses.append(link.address);
+  }
+  EXPECT_EQ(addresses.size(), 1000);
+  EXPECT_EQ(addresses.removeDuplicates(), 0);
+  EXPECT_EQ(addresses.front(), u"https://e.com"_s);
+  EXPECT_EQ(markupOf(u"[a](http://e.com)[b](http://e.com)[c](http://e.com)"_s),
+            u"<a href=\"http://e.com\">a</a><a href=\"http://e.com\t\">b</a>"
+            u"<a href=\"http://e.com \t\">c</a>"_s);
+  EXPECT_THAT(
+      inlineLinks(u"[a](http://e.com) [b](http://e.com/b)"_s),
+      ElementsAre(InlineLink{u"a"_s, u"http://e.com"_s}, InlineLink{u"b"_s, u"http://e.com/b"_s}));
 }
 
 TEST(ReleaseNotesTest, BlanksAreKept) {

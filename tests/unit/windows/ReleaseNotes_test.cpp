@@ -8,7 +8,7 @@
 #include <QTest>
 
 #include "ShownWindow.h"
-#include "updates/ReleaseNotesView.h"
+#include "windows/offline/MainWindowOnFakes.h"
 
 namespace vemo {
 namespace {
@@ -36,34 +36,6 @@ class OpenedAddresses : public QObject {
   const QStringList schemes{u"http"_s, u"https"_s, u"file"_s, u"javascript"_s};
 };
 
-/// What the card's model gives to the view, of any markdown.
-class NotesModel : public QObject {
-  Q_OBJECT
-  Q_PROPERTY(bool canRestart MEMBER canRestart CONSTANT)
-  Q_PROPERTY(QString tooltip MEMBER nothing CONSTANT)
-  Q_PROPERTY(QString versionLine MEMBER nothing CONSTANT)
-  Q_PROPERTY(bool hasNotes MEMBER isShown CONSTANT)
-  Q_PROPERTY(bool showNotes MEMBER isShown CONSTANT)
-  Q_PROPERTY(QVariantList notes MEMBER notes CONSTANT)
-
- public:
-  explicit NotesModel(const QString& markdown) {
-    for (const auto& block : ReleaseNotesView(markdown).rows()) {
-      QVariantList links;
-      for (const auto& [words, address] : inlineLinks(block.text))
-        links.append(QVariantMap{{u"words"_s, words}, {u"address"_s, address}});
-      notes.append(QVariantMap{{u"kind"_s, u"paragraph"_s},
-                               {u"markup"_s, inlineMarkup(block.text)},
-                               {u"links"_s, links}});
-    }
-  }
-
-  bool canRestart = false;
-  bool isShown = true;
-  QString nothing;
-  QVariantList notes;
-};
-
 class ReleaseNotesViewTest : public testing::Test {
  protected:
   ReleaseNotesViewTest() {
@@ -72,8 +44,9 @@ class ReleaseNotesViewTest : public testing::Test {
   }
 
   void show(const QString& markdown) {
-    model.emplace(markdown);
-    window.emplace(u"main/UpdateCard.qml"_s, *model, QSize(700, 500));
+    offline.downloadUpdate(markdown);
+    if (!offline.updateCard().showNotes()) offline.updateCard().toggleNotes();
+    window.emplace(u"main/UpdateCard.qml"_s, offline.updateCard(), QSize(700, 500));
     window->draw();
   }
 
@@ -106,10 +79,43 @@ class ReleaseNotesViewTest : public testing::Test {
     return found;
   }
 
+  /// What scrolls.
+  QQuickItem& notes() {
+    for (QQuickItem* item : window->window().contentItem()->findChildren<QQuickItem*>())
+      if (QByteArray(item->metaObject()->className()).startsWith("ReleaseNotes_")) return *item;
+    ADD_FAILURE() << "no notes are shown";
+    return *window->window().contentItem();
+  }
+
+  qreal place() { return notes().property("contentY").toReal(); }
+  qreal end() { return notes().property("contentHeight").toReal() - notes().height(); }
+  void scrollTo(qreal place) {
+    notes().setProperty("contentY", place);
+    window->draw();
+  }
+
+  static QString textOf(QQuickItem& row) {
+    QString text;
+    QMetaObject::invokeMethod(&row, "getText", Q_RETURN_ARG(QString, text), Q_ARG(int, 0),
+                              Q_ARG(int, row.property("length").toInt()));
+    return text;
+  }
+
+  QQuickItem* rowOf(const QString& text) {
+    for (QQuickItem* item : rowsBelow(*window->window().contentItem()))
+      if (textOf(*item) == text) return item;
+    return nullptr;
+  }
+
+  qsizetype rowsMade() { return rowsBelow(*window->window().contentItem()).size(); }
+
+  /// What has the keyboard.
+  QQuickItem* focused() { return window->window().activeFocusItem(); }
+
   QTcpServer server;
   int connections = 0;
   OpenedAddresses desktop;
-  std::optional<NotesModel> model;
+  MainWindowOnFakes offline{u"home-empty"_s};
   std::optional<ShownWindow> window;
 };
 
@@ -122,9 +128,7 @@ TEST_F(ReleaseNotesViewTest, NoImageIsFetchedAndNoMarkupIsDrawnAsSuch) {
           address(u"x.png"_s)));
   ASSERT_EQ(rowsBelow(*window->window().contentItem()).size(), 10);
   for (QQuickItem* item : rowsBelow(*window->window().contentItem())) {
-    QString text;
-    QMetaObject::invokeMethod(item, "getText", Q_RETURN_ARG(QString, text), Q_ARG(int, 0),
-                              Q_ARG(int, item->property("length").toInt()));
+    const QString text = textOf(*item);
     EXPECT_FALSE(text.contains(QChar::ObjectReplacementCharacter)) << text.toStdString();
   }
   EXPECT_EQ(connectionsSoFar(), 0);
@@ -168,6 +172,99 @@ TEST_F(ReleaseNotesViewTest, ALinkThatIsNoPageIsTextThatOpensNothing) {
   QTest::mouseClick(&window->window(), Qt::LeftButton, Qt::NoModifier, middle);
   window->draw();
   EXPECT_THAT(desktop.opened, IsEmpty());
+}
+
+TEST_F(ReleaseNotesViewTest, LinksToOnePageHaveAPlaceEach) {
+  const QString page = address(u"page"_s);
+  show(u"[Read](%1) or [read](%1)"_s.arg(page));
+  QTest::keyClick(&window->window(), Qt::Key_Tab);
+  QQuickItem* const first = focused();
+  QTest::keyClick(&window->window(), Qt::Key_Tab);
+  QQuickItem* const second = focused();
+  EXPECT_GT(first->width(), 0);
+  EXPECT_GT(second->width(), 0);
+  EXPECT_LT(first->x() + first->width(), second->x());
+  QTest::keyClick(&window->window(), Qt::Key_Return);
+  QTest::mouseClick(&window->window(), Qt::LeftButton, Qt::NoModifier,
+                    second->mapToScene(second->boundingRect().center()).toPoint());
+  EXPECT_THAT(desktop.opened, ElementsAre(page, page));
+}
+
+TEST_F(ReleaseNotesViewTest, ADictationLeavesSelectionScrollingAndKeyboardWhereTheyAre) {
+  show(u"Line\n"_s.repeated(30) + u"Marked\n[link](%1)\n"_s.arg(address(u"page"_s)) +
+       u"Line\n"_s.repeated(30));
+  QTest::keyClick(&window->window(), Qt::Key_Tab);
+  window->draw();
+  QQuickItem* const link = focused();
+  EXPECT_EQ(link->property("words"), u"link"_s);
+  const qreal before = place();
+  EXPECT_GT(before, 0);
+  QMetaObject::invokeMethod(rowOf(u"Marked"_s), "select", Q_ARG(int, 0), Q_ARG(int, 4));
+
+  offline.model().home()->toggleDictation();
+  offline.pass({});
+  window->draw();
+  ASSERT_FALSE(offline.updateCard().canRestart());
+  offline.model().home()->toggleDictation();
+  offline.pass(std::chrono::minutes(1));
+  window->draw();
+  ASSERT_TRUE(offline.updateCard().canRestart());
+
+  EXPECT_EQ(focused(), link);
+  EXPECT_EQ(place(), before);
+  ASSERT_TRUE(rowOf(u"Marked"_s));
+  EXPECT_EQ(rowOf(u"Marked"_s)->property("selectedText"), u"Mark"_s);
+}
+
+TEST_F(ReleaseNotesViewTest, OfVeryLongNotesOnlyWhatIsLookedAtIsMade) {
+  show(u"a\n"_s.repeated(32'000) + u"The end"_s);
+  EXPECT_GE(rowsMade(), 40);
+  EXPECT_LE(rowsMade(), 120);
+  EXPECT_FALSE(rowOf(u"The end"_s));
+  scrollTo(end());
+  EXPECT_TRUE(rowOf(u"The end"_s));
+  EXPECT_LE(rowsMade(), 240);
+  EXPECT_THAT(window->complaints(), IsEmpty());
+}
+
+TEST_F(ReleaseNotesViewTest, TheKeyboardReachesEachLinkOfVeryLongNotes) {
+  const QString gap = u"a\n"_s.repeated(1000);
+  show(gap + u"[first](http://e.com/1)\n"_s + gap + u"[second](http://e.com/2)\n"_s + gap +
+       u"[third](http://e.com/3)\n"_s + gap);
+  QStringList words;
+  for (int stop = 0; stop < 3; ++stop) {
+    QTest::keyClick(&window->window(), Qt::Key_Tab);
+    window->draw();
+    words.append(focused()->property("words").toString());
+    const qreal y = focused()->mapToItem(&notes(), QPointF()).y();
+    EXPECT_GE(y, 0) << stop;
+    EXPECT_LE(y, notes().height()) << stop;
+  }
+  EXPECT_THAT(words, ElementsAre(u"first"_s, u"second"_s, u"third"_s));
+  for (const QString& before : {u"second"_s, u"first"_s}) {
+    QTest::keyClick(&window->window(), Qt::Key_Backtab, Qt::ShiftModifier);
+    EXPECT_EQ(focused()->property("words"), before);
+  }
+  EXPECT_LE(rowsMade(), 600);
+}
+
+TEST_F(ReleaseNotesViewTest, WhatIsInSightStaysThereWhileThePagesAboveAreMade) {
+  QString markdown;
+  for (int line = 0; line < 400; ++line)
+    markdown += u"%1: %2\n"_s.arg(QString::number(line), u"several words "_s.repeated(12));
+  show(markdown + u"The end"_s);
+  scrollTo(end());
+  scrollTo(end());
+  const auto seenAt = [this] { return rowOf(u"The end"_s)->mapToScene(QPointF()).y(); };
+  const qreal before = seenAt();
+  const qsizetype madeBefore = rowsMade();
+  qreal scrolled = 0;
+  while (rowsMade() == madeBefore && scrolled < 10'000) {
+    scrolled += 50;
+    scrollTo(place() - 50);
+    EXPECT_NEAR(seenAt(), before + scrolled, 1);
+  }
+  EXPECT_GT(rowsMade(), madeBefore);
 }
 
 }  // namespace

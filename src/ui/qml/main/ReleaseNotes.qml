@@ -1,5 +1,5 @@
-// What is new in an update: headings, bullets and paragraphs, which can be selected and copied.
-// Blocks have `kind` ("heading", "bullet" or "paragraph"), `markup`, and its `links`.
+// What is new in an update: headings, bullets and paragraphs. Of long notes, only the pages around what is in
+// sight are made, and those that the Tab key goes to next.
 import QtQuick
 import QtQuick.Controls.Basic
 import QtQuick.Layouts
@@ -8,10 +8,14 @@ import "../common"
 TabPage {
     id: notes
 
-    required property var blocks
+    /// A model of `rows`, their `rowCount`, and whether it `hasLinks`.
+    required property var pages
+
+    readonly property int tallest: 420
+    readonly property int leastRowHeight: Theme.fontBody
 
     implicitWidth: 340
-    implicitHeight: Math.min(contentHeight, 420)
+    implicitHeight: Math.min(contentHeight, tallest)
     focus: true
     activeFocusOnTab: true
     LayoutMirroring.enabled: Theme.isRightToLeft
@@ -21,62 +25,82 @@ TabPage {
     Accessible.focusable: true
     Keys.onDownPressed: ScrollBar.vertical.increase()
     Keys.onUpPressed: ScrollBar.vertical.decrease()
+    onContentYChanged: Qt.callLater(makeSeen)
+    onContentHeightChanged: Qt.callLater(makeSeen)
+    onActiveFocusChanged: {
+        if (!activeFocus)
+            return
+        makeLinks(-1, 1)
+        makeLinks(made.count, -1)
+    }
+
+    /// The pages in sight, and those that are soon.
+    function makeSeen() {
+        for (let at = 0; at < made.count; ++at) {
+            const page = made.itemAt(at)
+            // A page that has no place yet lies at the top.
+            const isPlaced = at === 0 || page.y > 0
+            if (isPlaced && page.y < contentY + 2 * tallest && page.y + page.height > contentY - tallest)
+                page.active = true
+        }
+    }
+
+    /// The next page with links from a page on, forwards by 1 or backwards by -1.
+    function makeLinks(from, step) {
+        for (let at = from + step; at >= 0 && at < made.count; at += step) {
+            const page = made.itemAt(at)
+            if (!page.model.hasLinks)
+                continue
+            page.active = true
+            return
+        }
+    }
 
     Column {
-        id: rows
+        id: column
 
         Layout.fillWidth: true
         spacing: 6
 
         Repeater {
-            model: notes.blocks
+            id: made
 
-            Row {
-                id: row
+            model: notes.pages
 
-                required property var modelData
-                readonly property bool isHeading: modelData.kind === "heading"
+            Loader {
+                id: page
 
-                width: rows.width
-                spacing: Theme.spaceSmall
+                required property var model
+                required property int index
+                property real heightBefore: 0
 
-                Text {
-                    id: bullet
-
-                    visible: row.modelData.kind === "bullet"
-                    text: "•"
-                    color: Theme.secondaryText
-                    font.pixelSize: Theme.fontBody
-                    Accessible.ignored: true
+                active: index === 0
+                width: column.width
+                height: item ? item.implicitHeight
+                             : model.rowCount * (notes.leastRowHeight + column.spacing) - column.spacing
+                // What is in sight stays there while a page above it comes to its height.
+                onHeightChanged: {
+                    if (y < notes.contentY)
+                        notes.contentY += height - heightBefore
+                    heightBefore = height
                 }
-                TextEdit {
-                    id: block
-
-                    width: row.width - (bullet.visible ? bullet.width + row.spacing : 0)
-                    text: row.modelData.markup
-                    textFormat: TextEdit.RichText
-                    readOnly: true
-                    onLinkActivated: link => Qt.openUrlExternally(link)
-                    selectByMouse: true
-                    color: Theme.text
-                    selectionColor: Theme.accent
-                    selectedTextColor: Theme.textOnAccent
-                    font.pixelSize: row.isHeading ? Theme.fontTitle : Theme.fontBody
-                    font.weight: row.isHeading ? Font.DemiBold : Font.Normal
-                    horizontalAlignment: TextEdit.AlignLeft
-                    wrapMode: TextEdit.Wrap
-                    Accessible.role: row.isHeading ? Accessible.Heading : Accessible.StaticText
-                    Accessible.name: getText(0, length)
+                sourceComponent: Column {
+                    spacing: column.spacing
 
                     Repeater {
-                        model: row.modelData.links
+                        model: page.model.rows
 
-                        LinkStop {
+                        ReleaseNotesRow {
                             required property var modelData
 
-                            words: modelData.words
-                            address: modelData.address
-                            within: block
+                            width: column.width
+                            kind: modelData.kind
+                            markup: modelData.markup
+                            links: modelData.links
+                            onLinkReached: {
+                                notes.makeLinks(page.index, 1)
+                                notes.makeLinks(page.index, -1)
+                            }
                         }
                     }
                 }

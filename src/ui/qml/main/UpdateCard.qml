@@ -109,7 +109,7 @@ Card {
             border.color: Theme.line
         }
         contentItem: ReleaseNotes {
-            blocks: card.model.notes
+            pages: card.model.notes
         }
     }
 }

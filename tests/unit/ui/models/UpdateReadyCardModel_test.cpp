@@ -35,6 +35,9 @@ class UpdateReadyCardTest : public SessionFixture {
                                      [this] { ++installations; });
   }
 
+  /// Of the first page.
+  QVariantList rows() { return card->notes()->index(0).data(ReleaseNotesPages::Rows).toList(); }
+
   FakeApplicationSheets sheets;
   std::optional<UpdateManager> updates;
   std::optional<UpdateReadyCardModel> card;
@@ -74,22 +77,34 @@ TEST_F(UpdateReadyCardTest, NotesAreReadFromTheirMarkdownAndShownOnRequest) {
   EXPECT_FALSE(card->showNotes());
   card->toggleNotes();
   EXPECT_TRUE(card->showNotes());
-  const QVariantList rows = card->notes();
-  ASSERT_EQ(rows.size(), 2);
-  EXPECT_EQ(rows[0].toMap()[u"kind"_s], u"heading"_s);
-  EXPECT_EQ(rows[1].toMap()[u"kind"_s], u"bullet"_s);
-  EXPECT_TRUE(rows[1].toMap()[u"markup"_s].toString().contains(u"<i>this</i>"_s));
-  EXPECT_TRUE(rows[0].toMap()[u"links"_s].toList().isEmpty());
-  const QVariantList links = rows[1].toMap()[u"links"_s].toList();
-  ASSERT_EQ(links.size(), 1);
-  EXPECT_EQ(links[0].toMap()[u"words"_s], u"that"_s);
-  EXPECT_EQ(links[0].toMap()[u"address"_s], u"https://vemo.example/that"_s);
+  ASSERT_EQ(rows().size(), 2);
+  EXPECT_TRUE(rows()[1].toMap()[u"markup"_s].toString().contains(u"<i>this</i>"_s));
+}
+
+TEST_F(UpdateReadyCardTest, ADictationLeavesTheNotesAsTheyAre) {
+  beReady(u"# New"_s);
+  int resets = 0;
+  QObject::connect(card->notes(), &QAbstractItemModel::modelReset, &*card, [&] { ++resets; });
+  dictate(u"Hello."_s);
+  clock.advance(1min);
+  updates->changed.notify();
+  EXPECT_GT(changes, 2);
+  EXPECT_EQ(resets, 0);
+  beReady(u"# Newer"_s);
+  EXPECT_EQ(resets, 1);
+  EXPECT_TRUE(rows()[0].toMap()[u"markup"_s].toString().contains(u"Newer"_s));
+}
+
+TEST_F(UpdateReadyCardTest, ACardThatIsMadeWhileAnUpdateIsReadyHasItsNotes) {
+  beReady(u"# New"_s);
+  card.emplace(*updates, *appState);
+  EXPECT_EQ(rows().size(), 1);
 }
 
 TEST_F(UpdateReadyCardTest, BlankNotesKeepTheButtonAndShowNothingEmptyOnesHaveNone) {
   beReady(u"\n \n"_s);
   EXPECT_TRUE(card->hasNotes());
-  EXPECT_TRUE(card->notes().isEmpty());
+  EXPECT_TRUE(rows().isEmpty());
   beReady(QString());
   EXPECT_FALSE(card->hasNotes());
   beReady({});
