@@ -20,7 +20,7 @@ namespace vemo {
 struct UpdateItem {
   QString displayVersion;        ///< "1.4.0"
   QString buildVersion;          ///< "57"
-  bool isCritical = false;       ///< not to be put off
+  bool isCritical = false;       ///< told also where it isn't fetched by itself
   std::optional<QString> notes;  ///< its description, in a little markdown
 
   friend bool operator==(const UpdateItem&, const UpdateItem&) = default;

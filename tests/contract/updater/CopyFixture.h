@@ -12,7 +12,8 @@ class CopyFixture : public testing::Test {
     for (const quint64 build : {2, 3}) {
       const QString made = folder.filePath(u"made-%1"_s.arg(build));
       makeVersion(made, versionOf(build), build, QByteArray(100'000, 'b'));
-      writeTestFile(made + u"/share/vemo/sounds/start.wav"_s, "sound", false);
+      for (int icon = 0; icon < 12; ++icon)
+        writeTestFile(made + u"/share/vemo/icons/%1.svg"_s.arg(icon), "<svg/>", false);
       auto packed = packUpdate(made, archiveOf(build));
       EXPECT_TRUE(packed);
       m_filesOf[build] = *std::move(packed);
