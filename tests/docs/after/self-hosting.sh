@@ -32,6 +32,7 @@ done
 
 # Neither does nginx refuse what stands there.
 openssl req -x509 -newkey rsa:2048 -nodes -subj /CN=localhost -keyout key.pem -out certificate.pem 2>/dev/null
+# shellcheck disable=SC2016 # the quotes are those of the page
 {
   echo "pid $PWD/nginx.pid; error_log stderr; events {} http { access_log off;"
   sed -n '/^```nginx/,/^```$/{/^```/d;p}' "$VEMO_SOURCE/docs/self-hosting.md" |

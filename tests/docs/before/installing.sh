@@ -2,7 +2,9 @@
 # Somebody has come through the first steps and signed in. Vemo and its service have written what the table of files in
 # the README says, and nothing else.
 mkdir -p ~/.config/autostart ~/.local/state/vemo/secrets
+# shellcheck disable=SC2016 # the quotes are those of the page
 sed -n '/^```sh run/,/^```$/{/^```/d;p}' "$VEMO_SOURCE/docs/first-steps.md" >first-steps.sh
+# shellcheck source=/dev/null
 . ./first-steps.sh
 . "$VEMO_SOURCE/tests/docs/after/first-steps.sh"
 kill %1
