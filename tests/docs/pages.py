@@ -82,8 +82,9 @@ def commands_in_the_text(page):
         words = span.split()
         path = SOURCE / words[0]
         is_script = words[0].startswith(("./", "tools/", "bench/")) and path.is_file() and os.access(path, os.X_OK)
-        is_known = words[0] in ours or words[0] in ("sudo", "systemctl") or shutil.which(words[0])
-        is_program = span == span.strip() and words[0].islower() and is_known
+        # A word by itself may be anything; what the project builds is always meant.
+        is_known = words[0] in ours or len(words) > 1 and (words[0] in ("sudo", "systemctl") or shutil.which(words[0]))
+        is_program = words[0].islower() and is_known
         # Tests are run as such.
         is_test = len(words) == 1 and (words[0].endswith("_tests") or words[0].startswith("tests/"))
         if (is_script or is_program) and not is_test:

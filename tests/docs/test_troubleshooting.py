@@ -4,7 +4,7 @@
 import re
 import unittest
 
-from pages import SOURCE, columns
+from pages import SOURCE, SPAN, columns
 
 # The state of things, said by the menu and `vemo status`.
 STATUS = ("session/AppState.cpp", "session/DictationRemoteControl.cpp")
@@ -36,6 +36,16 @@ class TroubleshootingTest(unittest.TestCase):
 
     def test_the_pill_says_what_is_explained_and_nothing_else(self):
         self.assertEqual(told_in("Dictation", sources("src", *STATUS)), explained("the pill says"))
+
+    def test_the_status_is_what_is_explained_and_nothing_else(self):
+        explained_here = {span for column, cell in columns(SOURCE / "docs/troubleshooting.md") if column == "status"
+                          for span in SPAN.findall(cell)}
+        phases = set(re.findall(r'return u"(\w+)"_s', (SOURCE / "src/session/Phase.cpp").read_text()))
+        texts = told_in("Dictation", (SOURCE / "src/session/AppState.cpp").read_text())
+        # A status has no text while nothing is wrong, and says a phase by its name.
+        texts = {text for text in texts if text != "Ready" and not text.endswith("…")}
+        said = phases - {"error"} | {"error: …"} | {f"idle: {text}" for text in texts}
+        self.assertEqual(said, explained_here)
 
     def test_signing_in_fails_with_what_is_explained_and_nothing_else(self):
         self.assertEqual(told_in("Account", sources("src")), explained("Vemo's window says"))
