@@ -22,6 +22,12 @@ def blocks(page):
     return FENCE.findall(page.read_text())
 
 
+def blocks_of_section(page, heading):
+    """The same of the blocks between this heading and the next of its rank."""
+    section = page.read_text().partition(f"\n## {heading}\n")[2]
+    return FENCE.findall(section.partition("\n## ")[0] + "\n")
+
+
 def prose(page):
     return FENCE.sub("", page.read_text())
 

@@ -1,11 +1,16 @@
 #!/usr/bin/python3
-"""The pages show every key of both configuration files, with its default, and none besides; and every choice of keys."""
+"""The pages show every key of both configuration files with its default, every choice of keys, and none besides."""
 
 import math
 import re
 import unittest
 
-from pages import FENCE, SOURCE, SPAN, rows
+from pages import SOURCE, SPAN, blocks_of_section, rows
+
+SETTINGS_OF_THE_SERVICE = ("setup/Configuration", "setup/AccountSettings", "provider/ProviderSettings",
+                           "speech/PocketsphinxEngine")
+# What the page says of a key whose default isn't what it shows.
+NO_DEFAULT = "an example|by default"
 
 
 def source_of(path):
@@ -13,9 +18,8 @@ def source_of(path):
 
 
 def shown_entries(heading):
-    """Each key of the service that a section of the page shows in its blocks, the comment above it, and its value."""
-    section_of_page = re.split(r"^## ", (SOURCE / "docs/self-hosting.md").read_text().split(f"{heading}\n")[1], flags=re.MULTILINE)[0]
-    for mark, block in FENCE.findall(section_of_page):
+    """Each key of the service that a section of the page shows, the comment above it, and its value."""
+    for mark, block in blocks_of_section(SOURCE / "docs/self-hosting.md", heading):
         section, comment = None, ""
         for line in block.splitlines() if mark == "ini" else []:
             if entry := re.fullmatch(r"([a-z-]+) = (.*)", line):
@@ -25,63 +29,68 @@ def shown_entries(heading):
             comment = line if line.startswith(";") else ""
 
 
-def default_values(source):
-    """What each field of the service's configuration has from the start, as a file would say it."""
-    headers = "".join(source_of(f"service/src/{name}.h") for name in (
-        "setup/Configuration", "setup/AccountSettings", "provider/ProviderSettings", "speech/PocketsphinxEngine"))
-    structures = dict(re.findall(r"^struct (\w+) \{\n(.*?)^\};", headers, re.MULTILINE | re.DOTALL))
-    fields = {name: re.findall(r"^  (?:std::)?([\w:<>]+) (\w+)(?:\s*=\s*(.*?)|\{(.*?)\});", body, re.MULTILINE | re.DOTALL)
-              for name, body in structures.items()}
-    values = {}
-    for kind, name, *value in fields["Configuration"]:
-        inner = [(f"{name}.{field}", type_, *rest) for type_, field, *rest in fields.get(kind, [])]
-        for path, type_, assigned, braced in inner or [(name, kind, *value)]:
-            values[path] = as_in_a_file(type_, (assigned or braced).strip())
-    home = {"defaultFolder": "/home/me/.config/vemo-service", "dataFolder": "/home/me/.local/share/vemo-service"}
-    made = r'configuration\.([\w.]+) = (?:DatabaseAddress::(sqlite)\()?(\w+)\(\) / "(.*?)"'
-    for path, sqlite, folder, file in re.findall(made, source):
-        values[path] = f"{'sqlite:' if sqlite else ''}{home[folder]}/{file}"
-    return values
+def fields_of_structures():
+    """Of each structure of the service's settings: type, name and initial value of its fields."""
+    headers = "".join(source_of(f"service/src/{name}.h") for name in SETTINGS_OF_THE_SERVICE)
+    structures = re.findall(r"^struct (\w+) \{\n(.*?)^\};", headers, re.MULTILINE | re.DOTALL)
+    field = re.compile(r"^  (?:std::)?([\w:<>]+) (\w+)(?:\s*=\s*(.*?)|\{\s*(.*?)\});", re.MULTILINE | re.DOTALL)
+    return {name: [(kind, field_name, assigned or braced) for kind, field_name, assigned, braced in field.findall(body)]
+            for name, body in structures}
 
 
 def as_in_a_file(kind, value):
+    """What a file would say instead of what the source says; nothing for what is empty."""
     if kind == "bool":
         return {"true": "yes", "false": "no"}[value]
     if kind == "EngineName":
         return value.split("::")[1].lower()
     if texts := re.findall(r'"(.*?)"', value):
         return " ".join(texts)
-    numbers = [int(number) for number in value.replace("'", "").split(" * ") if number.isdigit()]
-    if not numbers:
+    factors = [int(factor) for factor in value.replace("'", "").split(" * ") if factor.isdigit()]
+    if not factors:
         return ""
-    return str(math.prod(numbers) // (1000 if kind == "chrono::milliseconds" else 1))
+    return str(math.prod(factors) // (1000 if kind == "chrono::milliseconds" else 1))
+
+
+def default_values(source):
+    """What each field has that no file names, by its path from the structure Configuration."""
+    structures = fields_of_structures()
+    values = {}
+    for kind, name, value in structures["Configuration"]:
+        values[name] = as_in_a_file(kind, value)
+        for inner_kind, inner_name, inner_value in structures.get(kind, []):
+            values[f"{name}.{inner_name}"] = as_in_a_file(inner_kind, inner_value)
+    # Those that follow from the home, here that of the examples.
+    folders = {"defaultFolder": "/home/me/.config/vemo-service", "dataFolder": "/home/me/.local/share/vemo-service"}
+    made = r'configuration\.([\w.]+) = (?:DatabaseAddress::(sqlite)\()?(\w+)\(\) / "(.*?)"'
+    for path, sqlite, folder, file in re.findall(made, source):
+        values[path] = f"{'sqlite:' if sqlite else ''}{folders[folder]}/{file}"
+    return values
 
 
 class ServiceConfigurationTest(unittest.TestCase):
     maxDiff = None
 
     def setUp(self):
-        self.source = source_of("service/src/setup/Configuration.cpp")
-        self.shown = list(shown_entries("## Configuration")) + list(shown_entries("## Local sign-in"))
+        source = source_of("service/src/setup/Configuration.cpp")
+        fields = re.findall(r'\{"([a-z-]+\.[a-z-]+)",\s*\{[^}]*?\(c\.([\w.]+)[,)]', source)
+        values = default_values(source)
+        self.keys = set(re.findall(r'\{"([a-z-]+\.[a-z-]+)"', source))
+        self.defaults = {key: values[field] for key, field in fields}
+        self.shown = [*shown_entries("Configuration"), *shown_entries("Local sign-in")]
 
     def test_the_page_has_each_key_and_no_other(self):
-        keys = set(re.findall(r'\{"([a-z-]+\.[a-z-]+)"', self.source))
-        self.assertEqual(keys, {key for key, _, _ in self.shown})
+        self.assertEqual(self.keys, {key for key, _, _ in self.shown})
 
-    def test_the_page_shows_the_defaults(self):
-        """Of each key but where a comment says otherwise."""
-        fields = dict(re.findall(r'\{"([a-z-]+\.[a-z-]+)",\s*\{[^}]*?\(c\.([\w.]+)[,)]', self.source))
-        defaults = default_values(self.source)
-        shown = {key: value for key, comment, value in self.shown if not re.search("an example|by default", comment)}
+    def test_the_page_shows_the_default_of_each_key_where_its_comment_does_not_say_otherwise(self):
+        shown = {key: value for key, comment, value in self.shown if not re.search(NO_DEFAULT, comment)}
         self.assertGreater(len(shown), 30)
-        self.assertEqual({key: defaults[fields[key]] for key in shown}, shown)
+        self.assertEqual({key: self.defaults[key] for key in shown}, shown)
 
-    def test_what_has_no_default_is_shown_as_an_example(self):
-        fields = dict(re.findall(r'\{"([a-z-]+\.[a-z-]+)",\s*\{[^}]*?\(c\.([\w.]+)[,)]', self.source))
-        defaults = default_values(self.source)
+    def test_what_has_no_default_is_said_to_have_none(self):
         for key, comment, _ in self.shown:
-            if defaults[fields[key]] == "":
-                self.assertRegex(comment, "an example|by default", key)
+            if not self.defaults[key]:
+                self.assertRegex(comment, NO_DEFAULT, key)
 
 
 class DeploymentConfigurationTest(unittest.TestCase):
@@ -96,9 +105,8 @@ class DeploymentConfigurationTest(unittest.TestCase):
         self.assertEqual(sorted(keys), sorted(self.values))
 
     def test_the_table_has_the_value_of_each_key_that_is_not_named(self):
-        built_in = {key: address or "empty" for key, address in
-                    re.findall(r"^      \.(\w+) = (?:QUrl\(u\"(.*?)\"_s\)|\{\}),$", self.source, re.MULTILINE)}
-        self.assertEqual(built_in, self.values)
+        built_in = re.findall(r"^      \.(\w+) = (?:QUrl\(u\"(.*?)\"_s\)|\{\}),$", self.source, re.MULTILINE)
+        self.assertEqual({key: address or "empty" for key, address in built_in}, self.values)
 
 
 class KeyChoicesTest(unittest.TestCase):
