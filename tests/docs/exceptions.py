@@ -45,6 +45,14 @@ EXCEPTIONS = [NotRun(*row) for row in [
     ("mkdir -p ~/.local/opt", "goes with the archive", "tools/prove-archive"),
     ("tar -C ~/.local/opt -xf build/archive/vemo-*.tar.xz", "goes with the archive", "packaging_archive"),
     ("~/.local/opt/vemo/current/bin/vemo", "goes with the archive", "packaging_archive"),
+    ("cd ~/.local/opt/vemo/current", "goes with the archive", "packaging_archive"),
+    ("mkdir -p ~/.local/bin ~/.local/share/applications ~/.local/share/icons/hicolor/scalable/apps", "goes with the archive",
+     "packaging_archive"),
+    ('ln -sf "$PWD/bin/vemo" ~/.local/bin/vemo', "goes with the archive", "packaging_archive"),
+    ('ln -sf "$PWD/share/icons/hicolor/scalable/apps/brelmox.Vemo.svg" ~/.local/share/icons/hicolor/scalable/apps/',
+     "goes with the archive", "packaging_archive"),
+    ('sed "s,^Exec=vemo,Exec=$PWD/bin/vemo," share/applications/brelmox.Vemo.desktop', "goes with the archive",
+     "packaging_archive"),
 
     # Releasing
     ("tools/build-release build/package -DVEMO_VERSION=1.4.0 -DVEMO_BUILD_NUMBER=57", LONG, "tools/prove-package"),

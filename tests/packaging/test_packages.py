@@ -11,12 +11,19 @@ import unittest
 from installation import BUILD, SOURCE, output_of
 
 PLACES = ("usr/bin/", "usr/lib/vemo/", "usr/lib/systemd/user/", "usr/share/")
+OTHERS = ("vemo_0.0.1_amd64.deb", "_CPack_Packages/of-another-project", "letter.txt")
 MEGABYTE = 1_000_000
 
 
 def pack(folder):
-    subprocess.run([SOURCE / "tools/build-package", "--build", BUILD, folder], check=True, stdout=subprocess.DEVNULL)
-    return {package.name.split("_")[0]: package for package in sorted(pathlib.Path(folder).glob("*.deb"))}
+    """As somebody does who stands there, where other things lie."""
+    for other in OTHERS:
+        (folder / other).parent.mkdir(parents=True, exist_ok=True)
+        (folder / other).write_text("mine")
+    subprocess.run([SOURCE / "tools/build-package", "--build", BUILD, "."], check=True, cwd=folder,
+                   stdout=subprocess.DEVNULL)
+    packages = sorted(path for path in folder.glob("*.deb") if path.name not in OTHERS)
+    return {package.name.split("_")[0]: package for package in packages}
 
 
 class PackagesTest(unittest.TestCase):
@@ -38,6 +45,14 @@ class PackagesTest(unittest.TestCase):
     def test_packed_in_another_folder_they_are_the_same_bytes(self):
         for name, package in self.packages.items():
             self.assertEqual(package.read_bytes(), self.others[name].read_bytes(), name)
+
+    def test_nothing_else_is_touched_where_they_are_put(self):
+        for packages in (self.packages, self.others):
+            folder = packages["vemo"].parent
+            for other in OTHERS:
+                self.assertEqual("mine", (folder / other).read_text())
+            made = {package.name for package in packages.values()}
+            self.assertEqual({other.split("/")[0] for other in OTHERS} | made, {path.name for path in folder.iterdir()})
 
     def test_lintian_has_nothing_to_remark_on(self):
         status, text = output_of("lintian", "--allow-root", "--fail-on", "error,warning", *self.packages.values())
