@@ -15,9 +15,13 @@ namespace {
 
 using namespace vemo::service;
 
-int fail(const std::string& line) {
+constexpr int failure = 1;
+/// Words and lines that won't be better the next time: the unit doesn't start it again after this.
+constexpr int unusable = 2;
+
+int fail(const std::string& line, int status = failure) {
   std::cerr << "vemo-service: " << line << std::endl;
-  return 1;
+  return status;
 }
 
 int addToken(const Configuration& configuration) {
@@ -48,13 +52,13 @@ int main(int argc, char** argv) {
   // Recordings get pages of their own, which go back to the system as soon as they are done with.
   ::mallopt(M_MMAP_THRESHOLD, 128 * 1024);
   const auto commandLine = CommandLine::parse({argv + 1, static_cast<std::size_t>(argc - 1)});
-  if (!commandLine) return fail(commandLine.error() + "; see vemo-service --help");
+  if (!commandLine) return fail(commandLine.error() + "; see vemo-service --help", unusable);
   if (commandLine->action == CommandLine::Action::Help) {
     std::cout << helpText;
     return 0;
   }
   const auto configuration = Configuration::read(commandLine->configurationFile);
-  if (!configuration) return fail(configuration.error());
+  if (!configuration) return fail(configuration.error(), unusable);
   switch (commandLine->action) {
     case CommandLine::Action::AddToken:
       return addToken(*configuration);

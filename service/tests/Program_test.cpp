@@ -127,19 +127,21 @@ TEST_F(ProgramTest, HelpIsPrinted) {
   EXPECT_THAT(output(), HasSubstr("add-token"));
 }
 
-TEST_F(ProgramTest, WhatCannotWorkStopsItWithOneLine) {
-  const auto stopsWith = [&](std::vector<std::string> arguments, const std::string& text) {
-    EXPECT_EQ(run(std::move(arguments)), 1);
+TEST_F(ProgramTest, WhatCannotWorkStopsItWithOneLineAndAStatusOfItsOwnWhereNoNewStartHelps) {
+  constexpr int unusable = 2;
+  const auto stopsWith = [&](std::vector<std::string> arguments, const std::string& text,
+                             int status) {
+    EXPECT_EQ(run(std::move(arguments)), status);
     EXPECT_THAT(errors(), AllOf(HasSubstr("vemo-service: "), HasSubstr(text)));
     EXPECT_EQ(std::ranges::count(errors(), '\n'), 1) << errors();
     EXPECT_EQ(output(), "");
   };
-  stopsWith({"--nonsense"}, "--help");
-  stopsWith({"--config", "/absent.conf"}, "/absent.conf");
+  stopsWith({"--nonsense"}, "--help", unusable);
+  stopsWith({"--config", "/absent.conf"}, "/absent.conf", unusable);
   stopsWith({"--config", m_folder.write("bad", "[server]\nport = many").string()},
-            "must be a port number");
+            "must be a port number", unusable);
   m_folder.write("tokens", "no hash\n");
-  stopsWith({"--config", configuration()}, "line 1");
+  stopsWith({"--config", configuration()}, "line 1", 1);
 }
 
 TEST_F(ProgramTest, APortThatIsTakenStopsItWithAClearLine) {
