@@ -23,7 +23,8 @@ and pastes it where the cursor is. The clipboard gets back what it held.")
 set(CPACK_DEBIAN_VEMO_PACKAGE_DEPENDS
   "qml6-module-qtquick, qml6-module-qtquick-controls, qml6-module-qtquick-layouts, qml6-module-qtquick-templates, qml6-module-qtquick-window, qml6-module-qtqml, qml6-module-qtqml-workerscript")
 set(CPACK_DEBIAN_VEMO_PACKAGE_RECOMMENDS
-  "vemo-service, at-spi2-core, libcanberra-pulse, gnome-keyring | kwalletmanager, xdg-utils")
+  "vemo-service, at-spi2-core, ca-certificates, gnome-keyring | libkf5wallet-bin, libcanberra-pulse, pipewire-pulse | pulseaudio, xdg-utils")
+set(CPACK_DEBIAN_VEMO_PACKAGE_SUGGESTS "libsecret-tools, notification-daemon, xdg-desktop-portal")
 
 set(CPACK_DEBIAN_VEMO-SERVICE_PACKAGE_NAME vemo-service)
 set(CPACK_DEBIAN_VEMO-SERVICE_PACKAGE_SECTION sound)
@@ -32,11 +33,14 @@ The companion of Vemo: turns recordings into text on this machine, without
 network and without an account, or passes them on to a better recogniser
 of your choice. It can keep accounts and their dictionaries for many users.")
 set(CPACK_DEBIAN_VEMO-SERVICE_PACKAGE_DEPENDS "pocketsphinx-en-us")
+set(CPACK_DEBIAN_VEMO-SERVICE_PACKAGE_RECOMMENDS "ca-certificates")
 
 # Debian's files about a package: who may copy it, and what changed.
 foreach(component vemo vemo-service)
   install(FILES debian/copyright DESTINATION share/doc/${component} COMPONENT ${component})
 endforeach()
+execute_process(COMMAND env LC_ALL=C date -u -R -d ${VEMO_VERSION_DATE}
+  OUTPUT_VARIABLE VEMO_VERSION_TIME OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
 configure_file(debian/changelog ${CMAKE_CURRENT_BINARY_DIR}/changelog @ONLY)
 compressed(changelog share/doc/COMPONENT vemo vemo-service)
 

@@ -4,7 +4,6 @@
 import os
 import pathlib
 import pty
-import re
 import select
 import signal
 import tempfile
