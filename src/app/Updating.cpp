@@ -3,18 +3,18 @@
 #include <unistd.h>
 
 #include <QCoreApplication>
-#include <QDBusConnection>
-#include <QDBusMessage>
 #include <QFile>
 #include <QFileInfo>
+#include <QGuiApplication>
 #include <QStorageInfo>
-#include <QVariantMap>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <memory>
 #include <utility>
 
 #include "platform/updater/SelfUpdater.h"
+#include "platform/xdg/DesktopNotes.h"
 #include "storage/StandardPlaces.h"
 
 namespace vemo {
@@ -42,14 +42,20 @@ void become(const QString& program, char** arguments) {
                std::strerror(errno));
 }
 
-/// A note of the desktop's own; where nobody shows such notes, the menu still tells of the update.
-void announce(const QString& title, const QString& text) {
-  auto note = QDBusMessage::createMethodCall(u"org.freedesktop.Notifications"_s,
-                                             u"/org/freedesktop/Notifications"_s,
-                                             u"org.freedesktop.Notifications"_s, u"Notify"_s);
-  note << u"Vemo"_s << 0U << u"brelmox.Vemo"_s << title << text.toHtmlEscaped() << QStringList()
-       << QVariantMap() << -1;
-  QDBusConnection::sessionBus().call(note, QDBus::NoBlock);
+QString labelOf(UpdateChoice choice) {
+  return choice == UpdateChoice::Skip ? QCoreApplication::translate("Updates", "Skip This Version")
+                                      : QCoreApplication::translate("Updates", "Remind Me Later");
+}
+
+/// Where nobody shows such notes, the menu still tells of an update that came while no window was
+/// in front.
+void announce(DesktopNotes& notes, const UpdateNote& note,
+              const std::function<void(UpdateChoice)>& choose) {
+  DesktopNotes::Note shown{note.title, note.text, {}, {}};
+  for (const UpdateChoice choice : note.choices)
+    shown.choices.push_back({labelOf(choice), [choose, choice] { choose(choice); }});
+  if (!note.choices.empty()) shown.dismiss = [choose] { choose(UpdateChoice::Dismiss); };
+  notes.show(std::move(shown));
 }
 
 }  // namespace
@@ -84,7 +90,10 @@ MakeUpdater makeUpdaterOver(HttpSession& session, Foundation& foundation,
                           .memoryFile = memoryFile(),
                           .freeSpace = freeSpace,
                           .log = [&foundation](const QString& line) { foundation.debugLog(line); },
-                          .announce = announce,
+                          .announce = [notes = std::make_shared<DesktopNotes>()](
+                                          const auto& note,
+                                          const auto& choose) { announce(*notes, note, choose); },
+                          .isInFront = [] { return QGuiApplication::focusWindow() != nullptr; },
                           .relaunch = relaunch},
         delegate, userDriver);
     // The updater goes after the event loop has ended.

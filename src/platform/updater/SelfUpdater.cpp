@@ -109,11 +109,9 @@ Task<> SelfUpdater::runSession(UpdateCheck check, std::stop_token stop) {
   const Outcome outcome = co_await findAndFetch(check, stop);
   if (!outcome) {
     if (outcome.error() == UpdateTrouble::NoUpdate) {
-      tell(check, QCoreApplication::translate("Updates", "Vemo is up to date"),
-           QCoreApplication::translate("Updates", "Vemo %1 is the newest version.")
-               .arg(m_with.system.applicationVersion));
+      tell(check, noteOfNoUpdate(m_with.system.applicationVersion));
     } else {
-      tellOfTrouble(check);
+      tell(check, noteOfUpdateTrouble());
     }
     m_delegate.didAbort(
         {QString::fromUtf16(updaterErrorDomain), static_cast<int>(outcome.error())});
@@ -143,6 +141,11 @@ bool SelfUpdater::isStillOffered(const AppcastItem& ready, const Appcast& feed) 
   });
 }
 
+bool SelfUpdater::isSkipped(const AppcastItem& item, UpdateCheck check) const {
+  return check == UpdateCheck::Scheduled && item.build <= m_memory.skippedBuild &&
+         !item.shown.isCritical;
+}
+
 Task<SelfUpdater::Outcome> SelfUpdater::findAndFetch(UpdateCheck check, std::stop_token stop) {
   const auto feed = co_await readFeed(stop);
   if (!feed) co_return std::unexpected(feed.error());
@@ -154,38 +157,17 @@ Task<SelfUpdater::Outcome> SelfUpdater::findAndFetch(UpdateCheck check, std::sto
                                          .architecture = m_with.system.processorArchitecture});
   if (!item && isTakenBack) tidyUp(0);
   if (!item && m_ready) {
-    tell(check, QCoreApplication::translate("Updates", "Update ready"),
-         QCoreApplication::translate("Updates", "Vemo %1 is downloaded and ready to install.")
-             .arg(m_ready->shown.displayVersion));
+    tell(check, noteOfReadyUpdate(m_ready->shown));
     co_return Outcome();
   }
-  if (!item) co_return std::unexpected(UpdateTrouble::NoUpdate);
+  if (!item || isSkipped(*item, check)) co_return std::unexpected(UpdateTrouble::NoUpdate);
   m_delegate.didFindValidUpdate(item->shown);
-  const bool isFetched =
-      m_with.copy && (check == UpdateCheck::UserInitiated || m_memory.automaticallyDownloads);
-  if (!isFetched || check == UpdateCheck::UserInitiated) {
-    const bool isShown =
-        check == UpdateCheck::UserInitiated ||
-        m_userDriver.shouldHandleShowingScheduledUpdate(item->shown, ImmediateFocus::No);
-    m_userDriver.willHandleShowingUpdate(isShown ? UpdateShownBy::Updater : UpdateShownBy::Delegate,
-                                         item->shown, check);
-  }
-  if (check == UpdateCheck::UserInitiated) m_userDriver.didReceiveUserAttention(item->shown);
-  if (m_with.copy && !isFetched && item->shown.isCritical)
-    m_with.announce(
-        QCoreApplication::translate("Updates", "Vemo %1 is available")
-            .arg(item->shown.displayVersion),
-        QCoreApplication::translate(
-            "Updates", "It is an important update. Please check for updates to get it."));
-  if (!m_with.copy) {
-    m_with.announce(
-        QCoreApplication::translate("Updates", "Vemo %1 is available")
-            .arg(item->shown.displayVersion),
-        QCoreApplication::translate(
-            "Updates",
-            "Install it the way you installed Vemo, such as with your package manager."));
-    co_return Outcome();
-  }
+  const bool isUsers = check == UpdateCheck::UserInitiated;
+  const bool isFetched = m_with.copy && (isUsers || m_memory.automaticallyDownloads);
+  const bool isShown =
+      (!isFetched || isUsers) && show(item->shown, check) == UpdateShownBy::Updater;
+  if (isUsers) m_userDriver.didReceiveUserAttention(item->shown);
+  if (!isFetched && (isShown || !m_with.copy || item->shown.isCritical)) ask(*item);
   if (!isFetched) co_return Outcome();
   co_return co_await fetchAndPrepare(*item, stop);
 }
@@ -315,7 +297,7 @@ void SelfUpdater::installNow() {
 void SelfUpdater::installAndRelaunch() {
   if (!m_ready) return;
   if (install()) return m_with.relaunch();
-  tellOfTrouble(UpdateCheck::UserInitiated);
+  tell(UpdateCheck::UserInitiated, noteOfUpdateTrouble());
   if (!m_ready) begin(UpdateCheck::UserInitiated);
 }
 
@@ -336,13 +318,33 @@ bool SelfUpdater::install() {
   return false;
 }
 
-void SelfUpdater::tell(UpdateCheck check, const QString& title, const QString& text) const {
-  if (check == UpdateCheck::UserInitiated) m_with.announce(title, text);
+/// Who shows an update that isn't fetched by itself, or that the user has asked for.
+UpdateShownBy SelfUpdater::show(const UpdateItem& update, UpdateCheck check) {
+  const auto focus = m_with.isInFront() ? ImmediateFocus::Yes : ImmediateFocus::No;
+  const bool isOurs = check == UpdateCheck::UserInitiated ||
+                      m_userDriver.shouldHandleShowingScheduledUpdate(update, focus);
+  const auto shownBy = isOurs ? UpdateShownBy::Updater : UpdateShownBy::Delegate;
+  m_userDriver.willHandleShowingUpdate(shownBy, update, check);
+  return shownBy;
 }
 
-void SelfUpdater::tellOfTrouble(UpdateCheck check) const {
-  tell(check, QCoreApplication::translate("Updates", "The update didn't work"),
-       QCoreApplication::translate("Updates", "Please try again later."));
+void SelfUpdater::ask(const AppcastItem& item) {
+  const auto way = m_with.copy ? UpdateComesBy::Check : UpdateComesBy::PackageManager;
+  m_with.announce(noteOfUpdate(item.shown, way),
+                  [this, item](UpdateChoice choice) { choose(choice, item); });
+}
+
+void SelfUpdater::choose(UpdateChoice choice, const AppcastItem& item) {
+  if (choice == UpdateChoice::Skip) {
+    m_memory.skippedBuild = std::max(m_memory.skippedBuild, item.build);
+    remember();
+  }
+  m_userDriver.didReceiveUserAttention(item.shown);
+  m_delegate.userDidMakeChoice(choice, item.shown);
+}
+
+void SelfUpdater::tell(UpdateCheck check, const UpdateNote& note) const {
+  if (check == UpdateCheck::UserInitiated) m_with.announce(note, {});
 }
 
 std::unexpected<UpdateTrouble> SelfUpdater::refuse(UpdateTrouble trouble,

@@ -6,9 +6,9 @@
 // that was seen or past its date, and an archive that isn't what the feed says are refused, and end
 // the session with an error. Downloads are resumed where they stopped, at the next check. What was
 // offered can be installed until it has been, or is offered no more: where that fails, it is tried
-// or fetched once more. A build that doesn't start on this machine is tried again only when the
-// user asks. Where a user has several sessions, the first of them that fetches an update installs
-// it.
+// or fetched once more. A build that doesn't start on this machine, or that the user has skipped,
+// is tried again only when the user asks. Where a user has several sessions, the first of them that
+// fetches an update installs it.
 //
 // Main thread only; archives are checked and unpacked on a thread of their own. Destroying it ends
 // what is under way.
@@ -20,6 +20,7 @@
 #include "platform/updater/Appcast.h"
 #include "platform/updater/SelfContainedCopy.h"
 #include "platform/updater/UpdateMemory.h"
+#include "platform/updater/UpdateNote.h"
 #include "ports/HttpSession.h"
 #include "ports/SystemInformation.h"
 #include "ports/Updater.h"
@@ -51,8 +52,11 @@ class SelfUpdater : public Updater {
     QString memoryFile;
     std::function<qint64(const QString& folder)> freeSpace;  ///< in bytes; negative where unknown
     std::function<void(const QString& line)> log;
-    std::function<void(const QString& title, const QString& text)> announce;  ///< to the user
-    std::function<void()> relaunch;  ///< ends this program and starts the current version
+    /// Tells the user; `choose` is called at most once, and only where there is something to
+    /// choose.
+    std::function<void(const UpdateNote& note, std::function<void(UpdateChoice)> choose)> announce;
+    std::function<bool()> isInFront;  ///< whether the user looks at one of the program's windows
+    std::function<void()> relaunch;   ///< ends this program and starts the current version
   };
 
   /// An archive is fetched in pieces of this size.
@@ -93,8 +97,11 @@ class SelfUpdater : public Updater {
   void installNow();
   void installAndRelaunch();
   bool install();
-  void tell(UpdateCheck check, const QString& title, const QString& text) const;
-  void tellOfTrouble(UpdateCheck check) const;
+  bool isSkipped(const AppcastItem& item, UpdateCheck check) const;
+  UpdateShownBy show(const UpdateItem& update, UpdateCheck check);
+  void ask(const AppcastItem& item);
+  void choose(UpdateChoice choice, const AppcastItem& item);
+  void tell(UpdateCheck check, const UpdateNote& note) const;
   std::unexpected<UpdateTrouble> refuse(UpdateTrouble trouble, const QString& why) const;
   QUrl address(const QString& name) const;
 

@@ -30,6 +30,7 @@ UpdateMemory UpdateMemory::read(const QString& file, const QByteArray& builtIn) 
   const QJsonObject json = QJsonDocument::fromJson(opened.read(largestFile)).object();
   memory.automaticallyChecks = json[u"automaticallyChecks"].toBool(true);
   memory.automaticallyDownloads = json[u"automaticallyDownloads"].toBool(true);
+  memory.skippedBuild = json[u"skippedBuild"].toString().toULongLong();
   const auto lastCheck = QDateTime::fromString(json[u"lastCheck"].toString(), Qt::ISODate);
   if (lastCheck.isValid()) memory.lastCheck = lastCheck;
   if (json[u"builtInKey"].toString() != base64(builtIn)) return memory;
@@ -45,6 +46,7 @@ void UpdateMemory::write(const QString& file, const QByteArray& builtIn) const {
       {u"builtInKey"_s, base64(builtIn)},
       {u"key"_s, base64(key)},
       {u"lastCheck"_s, lastCheck ? lastCheck->toUTC().toString(Qt::ISODate) : QString()},
+      {u"skippedBuild"_s, QString::number(skippedBuild)},
       {u"automaticallyChecks"_s, automaticallyChecks},
       {u"automaticallyDownloads"_s, automaticallyDownloads}};
   QSaveFile saved(file);

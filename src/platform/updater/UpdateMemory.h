@@ -15,6 +15,7 @@ struct UpdateMemory {
   quint64 serial = 0;  ///< of the newest feed, under the key in force
   QByteArray key;      ///< in force
   std::optional<QDateTime> lastCheck;
+  quint64 skippedBuild = 0;  ///< the newest that the user doesn't want
   bool automaticallyChecks = true;
   bool automaticallyDownloads = true;
 

@@ -135,7 +135,8 @@ TEST_F(UpdateAttacksTest, SlowRetrievalEndsAtTheTransfersLimit) {
                                     .memoryFile = folder.filePath(u"updates.json"_s),
                                     .freeSpace = [](const QString&) { return -1; },
                                     .log = [](const QString&) {},
-                                    .announce = [](const QString&, const QString&) {},
+                                    .announce = [](const UpdateNote&, const auto&) {},
+                                    .isInFront = [] { return false; },
                                     .relaunch = [] {}},
                   delegate, delegate);
   EXPECT_THAT(check(), ElementsAre(2001));

@@ -66,7 +66,9 @@ class NotingDelegate : public UpdaterDelegate, public UpdateUserDriverDelegate {
   QString feedUrl() const override { return m_feedUrl; }
   QStringList allowedChannels() const override { return channels; }
   void didFindValidUpdate(const UpdateItem& update) override { found = update; }
-  void userDidMakeChoice(UpdateChoice, const UpdateItem&) override {}
+  void userDidMakeChoice(UpdateChoice choice, const UpdateItem& update) override {
+    choices.emplace_back(choice, update.displayVersion);
+  }
   void didAbort(const UpdateError& error) override { errors.push_back(error.code); }
   bool willInstallUpdateOnQuit(const UpdateItem& update, std::function<void()> now) override {
     ready = update;
@@ -78,8 +80,8 @@ class NotingDelegate : public UpdaterDelegate, public UpdateUserDriverDelegate {
     return static_cast<bool>(postpone);
   }
   bool supportsGentleScheduledUpdateReminders() const override { return true; }
-  bool shouldHandleShowingScheduledUpdate(const UpdateItem&, ImmediateFocus) const override {
-    return false;
+  bool shouldHandleShowingScheduledUpdate(const UpdateItem&, ImmediateFocus focus) const override {
+    return focus == ImmediateFocus::Yes;
   }
   void willHandleShowingUpdate(UpdateShownBy by, const UpdateItem&, UpdateCheck) override {
     shownBy = by;
@@ -93,6 +95,7 @@ class NotingDelegate : public UpdaterDelegate, public UpdateUserDriverDelegate {
   std::optional<UpdateItem> ready;
   std::function<void()> installNow;
   std::optional<UpdateShownBy> shownBy;
+  std::vector<std::pair<UpdateChoice, QString>> choices;
   std::vector<int> errors;
   int finished = 0;
   int attentions = 0;
@@ -123,7 +126,13 @@ class UpdaterFixture : public testing::Test {
             .memoryFile = folder.filePath(u"updates.json"_s),
             .freeSpace = [this](const QString&) { return freeSpace; },
             .log = [this](const QString& line) { log.append(line); },
-            .announce = [this](const QString& title, const QString&) { announced.append(title); },
+            .announce =
+                [this](const UpdateNote& note, std::function<void(UpdateChoice)> choice) {
+                  announced.append(note.title);
+                  offered = note.choices;
+                  choose = std::move(choice);
+                },
+            .isInFront = [this] { return isInFront; },
             .relaunch = [this] { ++relaunches; }},
         delegate, delegate);
     return *updater;
@@ -205,6 +214,9 @@ class UpdaterFixture : public testing::Test {
   int relaunches = 0;
   QStringList log;
   QStringList announced;
+  std::vector<UpdateChoice> offered;  ///< with the last of them
+  std::function<void(UpdateChoice)> choose;
+  bool isInFront = false;
 
  private:
   QString m_program;
