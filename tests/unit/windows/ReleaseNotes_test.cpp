@@ -227,25 +227,29 @@ TEST_F(ReleaseNotesViewTest, OfVeryLongNotesOnlyWhatIsLookedAtIsMade) {
   EXPECT_THAT(window->complaints(), IsEmpty());
 }
 
-TEST_F(ReleaseNotesViewTest, TheKeyboardReachesEachLinkOfVeryLongNotes) {
+TEST_F(ReleaseNotesViewTest, TheKeyboardReachesEachLinkOfVeryLongNotesInBothDirections) {
   const QString gap = u"a\n"_s.repeated(1000);
-  show(gap + u"[first](http://e.com/1)\n"_s + gap + u"[second](http://e.com/2)\n"_s + gap +
-       u"[third](http://e.com/3)\n"_s + gap);
-  QStringList words;
-  for (int stop = 0; stop < 3; ++stop) {
-    QTest::keyClick(&window->window(), Qt::Key_Tab);
-    window->draw();
-    words.append(focused()->property("words").toString());
-    const qreal y = focused()->mapToItem(&notes(), QPointF()).y();
-    EXPECT_GE(y, 0) << stop;
-    EXPECT_LE(y, notes().height()) << stop;
-  }
-  EXPECT_THAT(words, ElementsAre(u"first"_s, u"second"_s, u"third"_s));
-  for (const QString& before : {u"second"_s, u"first"_s}) {
-    QTest::keyClick(&window->window(), Qt::Key_Backtab, Qt::ShiftModifier);
-    EXPECT_EQ(focused()->property("words"), before);
-  }
+  const QString notesWithLinks = gap + u"[first](http://e.com/1)\n"_s + gap +
+                                 u"[second](http://e.com/2)\n"_s + gap +
+                                 u"[third](http://e.com/3)\n"_s + gap;
+  const auto walk = [this](Qt::Key key, Qt::KeyboardModifiers modifiers) {
+    QStringList words;
+    for (int stop = 0; stop < 3; ++stop) {
+      QTest::keyClick(&window->window(), key, modifiers);
+      window->draw();
+      words.append(focused()->property("words").toString());
+      const qreal y = focused()->mapToItem(&notes(), QPointF()).y();
+      EXPECT_GE(y, 0) << stop;
+      EXPECT_LE(y, notes().height()) << stop;
+    }
+    return words;
+  };
+  show(notesWithLinks);
+  EXPECT_THAT(walk(Qt::Key_Tab, {}), ElementsAre(u"first"_s, u"second"_s, u"third"_s));
   EXPECT_LE(rowsMade(), 600);
+  show(notesWithLinks);
+  EXPECT_THAT(walk(Qt::Key_Backtab, Qt::ShiftModifier),
+              ElementsAre(u"third"_s, u"second"_s, u"first"_s));
 }
 
 TEST_F(ReleaseNotesViewTest, WhatIsInSightStaysThereWhileThePagesAboveAreMade) {
