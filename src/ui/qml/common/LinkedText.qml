@@ -10,7 +10,7 @@ Item {
 
     function linksOf(words) {
         const links = []
-        words.replace(/\[([^\]]*)\]\(([^)]*)\)/g, (all, text, address) => links.push({ text, address }))
+        words.replace(/\[([^\]]*)\]\(([^)]*)\)/g, (all, shown, address) => links.push({ words: shown, address }))
         return links
     }
 
@@ -49,15 +49,8 @@ Item {
             cursorShape: drawn.hoveredLink ? Qt.PointingHandCursor : Qt.ArrowCursor
         }
     }
-    Repeater {
-        model: linked.linksOf(linked.words)
-
-        LinkStop {
-            required property var modelData
-
-            words: modelData.text
-            address: modelData.address
-            within: drawn
-        }
+    LinkStops {
+        links: linked.linksOf(linked.words)
+        within: drawn
     }
 }

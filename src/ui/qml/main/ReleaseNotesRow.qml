@@ -46,17 +46,10 @@ Row {
         Accessible.role: row.isHeading ? Accessible.Heading : Accessible.StaticText
         Accessible.name: getText(0, length)
 
-        Repeater {
-            model: row.links
-
-            LinkStop {
-                required property var modelData
-
-                words: modelData.words
-                address: modelData.address
-                within: block
-                onActiveFocusChanged: if (activeFocus) row.linkReached()
-            }
+        LinkStops {
+            links: row.links
+            within: block
+            onReached: row.linkReached()
         }
     }
 }
