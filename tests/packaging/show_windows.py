@@ -4,8 +4,8 @@ accessibility bus. Runs inside a virtual desktop with every part.
 
 usage: tests/packaging/show_windows.py --programs FOLDER --screenshots FOLDER
 
-Prints one JSON line: for each window the number of colours in it and the names that a screen reader would say, and
-the libraries of Qt that Vemo has loaded. Exits with 1 when a window stays away or empty.
+Prints one JSON line: for each window the number of colours in it, whether it has an icon, and the names that a screen
+reader would say, and the libraries of Qt that Vemo has loaded. Exits with 1 when a window stays away or empty.
 """
 
 import argparse
@@ -45,7 +45,8 @@ def look_at(kind, window, screenshots):
     picture = screenshots / f"{kind}.png"
     count = wait_until(lambda: max(0, colours(window.identifier(), picture) - COLOURS_OF_A_DRAWN_WINDOW),
                        f"the {kind} window to be drawn") + COLOURS_OF_A_DRAWN_WINDOW
-    return {"colours": count, "names": sorted(names_in(window) - {""})}
+    told = subprocess.run(["xprop", "-id", window.identifier(), "_NET_WM_ICON"], capture_output=True, text=True, check=True)
+    return {"colours": count, "icon": "Icon (" in told.stdout, "names": sorted(names_in(window) - {""})}
 
 
 def libraries_of_qt(process):

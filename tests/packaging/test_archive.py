@@ -167,11 +167,13 @@ class ArchiveTest(unittest.TestCase):
         status, text = output_of(self.home / ".local/bin/vemo", "--version")
         self.assertEqual(0, status, text)
 
-    def test_its_windows_open_with_its_own_qt(self):
+    def test_its_windows_open_with_its_own_qt_and_its_icon(self):
         seen = subprocess.run([SOURCE / "tests/packaging/show_windows.py", "--programs", self.copy / "current/bin",
                                "--screenshots", self.root / "pictures"], capture_output=True, text=True, check=False)
         self.assertEqual(0, seen.returncode, seen.stderr)
-        qt = json.loads(seen.stdout)["qt"]
+        told = json.loads(seen.stdout)
+        self.assertEqual((True, True), (told["main"]["icon"], told["settings"]["icon"]))
+        qt = told["qt"]
         self.assertGreater(len(qt), 10)
         self.assertEqual([], [library for library in qt if not library.startswith(str(self.version))])
 
