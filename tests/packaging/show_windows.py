@@ -4,7 +4,7 @@ accessibility bus. Runs inside a virtual desktop with every part.
 
 usage: tests/packaging/show_windows.py --programs FOLDER --screenshots FOLDER
 
-Prints one JSON line: for each window the number of colours in it, whether it has an icon, and the names that a screen
+Prints one JSON line: for each window the number of colours in it, the sizes of its icon, and the names that a screen
 reader would say, and the libraries of Qt that Vemo has loaded. Exits with 1 when a window stays away or empty.
 """
 
@@ -39,14 +39,26 @@ def colours(window, picture):
     return int(told.stdout)
 
 
+def sizes_of_icon(window):
+    """Of each picture there are width, height and its points."""
+    told = subprocess.run(["xprop", "-id", window.identifier(), "-notype", "32c", "_NET_WM_ICON"], capture_output=True,
+                          text=True, check=True).stdout
+    numbers = list(map(int, re.findall(r"\d+", told)))
+    sizes = []
+    while numbers:
+        width, height = numbers[:2]
+        sizes.append(width)
+        del numbers[:2 + width * height]
+    return sizes
+
+
 def look_at(kind, window, screenshots):
     """Waits until a window is drawn."""
     window.await_that(lambda: EXPECTED[kind] <= names_in(window), f"to have {EXPECTED[kind]}")
     picture = screenshots / f"{kind}.png"
     count = wait_until(lambda: max(0, colours(window.identifier(), picture) - COLOURS_OF_A_DRAWN_WINDOW),
                        f"the {kind} window to be drawn") + COLOURS_OF_A_DRAWN_WINDOW
-    told = subprocess.run(["xprop", "-id", window.identifier(), "_NET_WM_ICON"], capture_output=True, text=True, check=True)
-    return {"colours": count, "icon": "Icon (" in told.stdout, "names": sorted(names_in(window) - {""})}
+    return {"colours": count, "icons": sizes_of_icon(window), "names": sorted(names_in(window) - {""})}
 
 
 def libraries_of_qt(process):
