@@ -277,6 +277,21 @@ TEST_F(DesktopNotesTest, ANoteWhoseChoicesWouldLeadNowhereIsTakenBack) {
   EXPECT_THAT(desktop.closed, ElementsAre(7U));
 }
 
+TEST_F(DesktopNotesTest, ANoteThatIsUnderWayAtTheEndLeadsNowhere) {
+  ScriptedService desktop;
+  desktop.pressedAtOnce = u"0"_s;
+  show(u"Early"_s);
+  notes.reset();
+  settle(desktop);
+  EXPECT_THAT(desktop.shown, IsEmpty());
+  notes.emplace();
+  show(u"Late"_s);
+  ASSERT_TRUE(runUntil([&] { return !desktop.shown.empty(); }));
+  notes.reset();
+  settle(desktop);
+  EXPECT_THAT(heard, IsEmpty());
+}
+
 TEST_F(DesktopNotesTest, ANoteWithoutChoicesOutlivesTheProgram) {
   ScriptedService desktop;
   notes->show({.title = u"Only this"_s, .text = {}, .choices = {}, .dismiss = {}});
