@@ -35,6 +35,7 @@ EXCEPTIONS = [NotRun(*row) for row in [
     ("sudo apt remove vemo vemo-service", AS_ROOT, "tools/prove-package"),
     ("sudo apt purge", AS_ROOT, "tools/prove-package"),
     ("systemctl --user enable --now vemo-service", LOGGED_IN, "tools/prove-package"),
+    ("systemctl --user daemon-reload", LOGGED_IN, "tools/prove-package"),
     ("systemctl --user restart vemo-service", LOGGED_IN, "tools/prove-package"),
     ("systemctl --user status vemo-service", LOGGED_IN, "tools/prove-package"),
     ("systemctl --user disable --now vemo-service", LOGGED_IN, "tools/prove-package"),
@@ -60,6 +61,7 @@ EXCEPTIONS = [NotRun(*row) for row in [
     ("tools/prove-reproducible", HOURS, "packaging_reproducible"),
     ("tools/prove-package", HOURS, "packaging_packages"),
     ("tools/prove-archive", HOURS, "packaging_archive"),
+    ("tools/prove-archive --suite trixie", HOURS, "packaging_archive"),
 
     # Figures
     ("bench/whole_path/delivery_latency.py", FIGURES, "delivery_latency"),
