@@ -57,6 +57,10 @@ int main(int argc, char** argv) {
     std::cout << helpText;
     return 0;
   }
+  if (commandLine->action == CommandLine::Action::Version) {
+    std::cout << "vemo-service " VEMO_VERSION "\n";
+    return 0;
+  }
   const auto configuration = Configuration::read(commandLine->configurationFile);
   if (!configuration) return fail(configuration.error(), unusable);
   switch (commandLine->action) {
@@ -70,6 +74,7 @@ int main(int argc, char** argv) {
       return print(telemetrySummary(configuration->accounts));
     case CommandLine::Action::Serve:
     case CommandLine::Action::Help:
+    case CommandLine::Action::Version:
       break;
   }
   return serve(*configuration, engineOf(*configuration), std::cout, std::cerr);

@@ -20,6 +20,7 @@ namespace {
 
 using testing::AllOf;
 using testing::HasSubstr;
+using testing::MatchesRegex;
 using testing::Not;
 
 class ProgramTest : public testing::Test {
@@ -125,6 +126,11 @@ TEST_F(ProgramTest, ATerminationSignalEndsItWhenNobodyIsConnected) {
 TEST_F(ProgramTest, HelpIsPrinted) {
   EXPECT_EQ(run({"--help"}), 0);
   EXPECT_THAT(output(), HasSubstr("add-token"));
+}
+
+TEST_F(ProgramTest, TheVersionIsPrintedAlsoWhereTheConfigurationCannotBeUsed) {
+  EXPECT_EQ(run({"--config", "/absent.conf", "--version"}), 0);
+  EXPECT_THAT(output(), MatchesRegex("vemo-service [0-9.]+\n"));
 }
 
 TEST_F(ProgramTest, WhatCannotWorkStopsItWithOneLineAndAStatusOfItsOwnWhereNoNewStartHelps) {

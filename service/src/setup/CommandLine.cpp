@@ -10,6 +10,8 @@ std::expected<CommandLine, std::string> CommandLine::parse(std::span<const char*
     const std::string_view argument = arguments[index];
     if (argument == "--help" || argument == "-h") {
       result.action = Action::Help;
+    } else if (argument == "--version") {
+      result.action = Action::Version;
     } else if (argument == "add-token") {
       result.action = Action::AddToken;
     } else if (argument == "accounts") {

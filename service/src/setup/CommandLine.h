@@ -9,7 +9,7 @@
 namespace vemo::service {
 
 struct CommandLine {
-  enum class Action { Serve, AddToken, Accounts, RevokeTokens, Stats, Help };
+  enum class Action { Serve, AddToken, Accounts, RevokeTokens, Stats, Help, Version };
 
   Action action = Action::Serve;
   std::filesystem::path configurationFile;
@@ -32,6 +32,7 @@ inline constexpr auto helpText =
     "  --config FILE    read this configuration instead of\n"
     "                   XDG_CONFIG_HOME/vemo-service/vemo-service.conf\n"
     "  --help           show this help\n"
+    "  --version        show the version\n"
     "\n"
     "When it serves, its first line on the standard output is \"Listening on \" and the address.\n";
 
