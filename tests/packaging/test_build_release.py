@@ -3,11 +3,12 @@
 
 import os
 import pathlib
+import shutil
 import subprocess
 import tempfile
 import unittest
 
-from installation import SOURCE
+from installation import SOURCE, output_of
 
 A_DAY = "1709208000"  # 29 February 2024, noon
 
@@ -39,6 +40,14 @@ class ReleaseTest(unittest.TestCase):
         for name, text in self.configure().items():
             self.assertNotIn("1.4.0", text, name)
         self.assertEqual("1", self.number())
+
+    def test_sources_without_a_history_need_their_time_told(self):
+        shutil.copytree(SOURCE / "tools", self.folder / "tools")
+        environment = {name: value for name, value in os.environ.items() if name != "SOURCE_DATE_EPOCH"}
+        for tool in ("build-release", "build-package", "build-archive"):
+            status, text = output_of(self.folder / "tools" / tool, env=environment)
+            self.assertEqual(1, status)
+            self.assertIn("Outside a clone, SOURCE_DATE_EPOCH has to say the time of the sources\n", text)
 
 
 if __name__ == "__main__":
