@@ -16,7 +16,8 @@ namespace {
 using namespace vemo::service;
 
 constexpr int failure = 1;
-/// Words and lines that won't be better the next time: the unit doesn't start it again after this.
+/// The words on the command line or in the configuration won't be better the next time: the unit
+/// doesn't start it again after this.
 constexpr int unusable = 2;
 
 int fail(const std::string& line, int status = failure) {

@@ -91,6 +91,7 @@ int runResident(int argc, char** argv, const RunCommand& command) {
   std::atexit(takeBackStart);
   if (!*application) return EXIT_SUCCESS;
   const int status = QGuiApplication::exec();
+  takeBackStart();
   application->reset();
   becomeUpdatedProgram();
   limitTheWaitForThreads();

@@ -90,6 +90,10 @@ class UpdatingCopy:
     def runs_the_next_build(self):
         return self.runs(99)
 
+    def log_out(self):
+        self.vemo.process.terminate()
+        self.assertEqual(self.vemo.process.wait(120), 0)
+
     def quit(self):
         self.vemo.command("quit")
         self.assertEqual(self.vemo.process.wait(120), 0)
@@ -136,10 +140,11 @@ class QuitTest(UpdatingCopy, unittest.TestCase):
         self.assertTrue((self.copy / "versions/1/bin/vemo").exists(), "until the next one has run for a while")
         _, command = GLib.shell_parse_argv(Gio.DesktopAppInfo.new_from_filename(str(entry)).get_commandline())
         self.vemo.program, *self.vemo.arguments = command
-        for _ in range(3):  # soon after one another, as by somebody who logs in and out
+        for end in (self.quit, self.log_out, self.quit):  # soon after one another
             self.vemo.launch()
             self.assertTrue(self.runs_the_next_build())
-            self.quit()
+            end()
+            self.assertFalse((self.copy / "trial").exists())
         self.vemo.launch()
         wait_until(lambda: not (self.copy / "versions/1").exists(), "the version before to go")
         self.assertTrue(self.runs_the_next_build())

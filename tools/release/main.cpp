@@ -34,11 +34,11 @@ constexpr auto usage = R"(usage:
       packs a version and puts it into the feed
       --channel NAME  --minimum-system VERSION  --architecture NAME  --notes FILE
       --critical  --days N (until the feed expires; 30)
-  vemo-release withdraw KEYFILE FEEDFOLDER BUILD
+  vemo-release withdraw KEYFILE FEEDFOLDER BUILD [--days N]
       takes a version out of the feed; whoever has it keeps it
   vemo-release renew KEYFILE FEEDFOLDER [--days N]
       signs the feed anew, with the next serial number and a new date of expiry
-  vemo-release rotate OLDKEYFILE NEWKEYFILE FEEDFOLDER
+  vemo-release rotate OLDKEYFILE NEWKEYFILE FEEDFOLDER [--days N]
       makes the new key the successor of the old one, and signs the feed with it
   vemo-release check PUBLICKEY FEEDFOLDER
       checks the feed, its archives and every file in them
@@ -124,13 +124,13 @@ Outcome newKey(Arguments arguments) {
   return {};
 }
 
-/// What calls itself by another build would be fetched for ever. A version for another kind of
+/// What calls itself by another build would be refused by everybody. A version for another kind of
 /// machine can't be asked.
 Outcome checkHere(const QString& folder, const AppcastItem& item) {
   if (!item.architecture.isEmpty() && item.architecture != QSysInfo::currentCpuArchitecture())
     return {};
   const auto checked = checkVersion(folder, item.shown.displayVersion, item.build);
-  if (!checked) return failure(folder + u": "_s + checked.error());
+  if (!checked) return failure(folder + u": "_s + checked.error().why);
   return {};
 }
 
@@ -191,9 +191,10 @@ Outcome change(const QString& keyFile, const QString& folder, int days,
 }
 
 Outcome withdraw(Arguments arguments) {
-  if (arguments.size() != 3) return failure(QString::fromLatin1(usage));
+  const int days = takeDays(arguments);
+  if (arguments.size() != 3 || days <= 0) return failure(QString::fromLatin1(usage));
   const quint64 build = arguments[2].toULongLong();
-  return change(arguments[0], arguments[1], usualDays, [&](Appcast& feed) -> Outcome {
+  return change(arguments[0], arguments[1], days, [&](Appcast& feed) -> Outcome {
     const auto isMeant = [build](const AppcastItem& item) { return item.build == build; };
     if (std::erase_if(feed.items, isMeant) > 0) return {};
     return failure(u"build %1 isn't in the feed"_s.arg(arguments[2]));
@@ -207,7 +208,8 @@ Outcome renew(Arguments arguments) {
 }
 
 Outcome rotate(Arguments arguments) {
-  if (arguments.size() != 3) return failure(QString::fromLatin1(usage));
+  const int days = takeDays(arguments);
+  if (arguments.size() != 3 || days <= 0) return failure(QString::fromLatin1(usage));
   const auto old = readKey(arguments[0]);
   const auto next = readKey(arguments[1]);
   if (!old || !next) return failure(old ? next.error() : old.error());
@@ -224,7 +226,7 @@ Outcome rotate(Arguments arguments) {
     item.archiveSignature = archiveSignature(archive, *next);
   }
   if (auto written = writeFile(path, lines); !written) return written;
-  return publish(*std::move(feed), folder, *next, usualDays);
+  return publish(*std::move(feed), folder, *next, days);
 }
 
 Outcome check(Arguments arguments) {

@@ -122,6 +122,7 @@ bool SelfContainedCopy::claim() {
 }
 
 std::expected<void, QString> SelfContainedCopy::install(quint64 build) const {
+  const auto lock = FolderLock::await(m_root);
   const quint64 old = currentBuild();
   if (build <= old)
     return std::unexpected(u"build %1 is the current one already"_s.arg(QString::number(old)));
@@ -165,7 +166,7 @@ SelfContainedCopy::Start SelfContainedCopy::countStart() {
 }
 
 void SelfContainedCopy::takeBackStart() {
-  if (!std::exchange(m_isStartCounted, false)) return;
+  if (!std::exchange(m_isStartCounted, false) || currentBuild() != m_runningBuild) return;
   const QString trial = path(u"trial"_s);
   if (const int trials = readText(trial).toInt(); trials > 1) {
     writeText(trial, QString::number(trials - 1));
@@ -175,7 +176,9 @@ void SelfContainedCopy::takeBackStart() {
 }
 
 void SelfContainedCopy::startedWell() const {
-  if (currentBuild() != m_runningBuild) return;  // the next one is on trial already
+  const auto lock = FolderLock::take(m_root, FolderLock::Kind::Exclusive);
+  // The next one is on trial already, or just taking its place.
+  if (!lock || currentBuild() != m_runningBuild) return;
   QFile::remove(path(u"previous"_s));
   QFile::remove(path(u"trial"_s));
   for (const QString& name : QDir(path(u"versions"_s)).entryList(QDir::Dirs)) {

@@ -8,8 +8,8 @@
 //
 // `current` is replaced by one rename, after everything that it leads to has reached the disk: a
 // kill or a power cut at any moment leaves the old version or the new one. A version that another
-// process runs is held by a lock and stays. Blocks; one thread at a time. Errors are one line for
-// the log.
+// process runs is held by a lock and stays; so is the whole copy while versions take their places
+// or go. Blocks. What is const may be called on any thread. Errors are one line for the log.
 #pragma once
 
 #include <QList>
@@ -42,9 +42,10 @@ class SelfContainedCopy {
   /// What didn't start isn't tried again; nor is what is older.
   void refuse(quint64 build) const;
 
-  /// Whether this process is the one that updates the copy, as it stays until the object and what
-  /// was copied of it are gone. False while another does.
+  /// Whether this process is the one that updates the copy, as it stays until it lets go. False
+  /// while another does.
   bool claim();
+  void letGo() { m_claim.reset(); }
   /// Takes away what other builds have left of downloads and in staging folders.
   void keepOnly(const QList<quint64>& builds) const;
   /// Makes what stands in the build's staging folder the version that starts next. Only upwards.

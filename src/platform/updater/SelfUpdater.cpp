@@ -1,15 +1,12 @@
 #include "platform/updater/SelfUpdater.h"
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <algorithm>
 #include <utility>
 
-#include "platform/updater/UpdateArchive.h"
 #include "platform/updater/UpdateSignatures.h"
-#include "platform/updater/VersionCheck.h"
 
 namespace vemo {
 
@@ -22,29 +19,6 @@ constexpr auto checkInterval = 24h;
 
 HttpRequest getRequest(const QUrl& url) {
   return {.method = "GET", .url = url, .headers = {}, .body = {}, .timeout = 20s};
-}
-
-struct Prepared {
-  std::optional<UpdateTrouble> trouble;
-  QString why;
-};
-
-Prepared verifyAndUnpack(const AppcastItem& item, const QString& file, const QByteArray& key,
-                         const QString& folder, const std::stop_token& stop) {
-  QFile archive(file);
-  if (!archive.open(QIODevice::ReadOnly) || archive.size() != item.archiveSize ||
-      !isArchiveSigned(archive, item.archiveSignature, key))
-    return {UpdateTrouble::NotSigned, u"the archive's signature is wrong"_s};
-  QDir(folder).removeRecursively();
-  Prepared prepared;
-  if (const auto unpacked = unpackUpdate(file, item.files, folder, stop); !unpacked) {
-    prepared = {UpdateTrouble::ArchiveRefused, unpacked.error()};
-  } else if (const auto checked = checkVersion(folder, item.shown.displayVersion, item.build, stop);
-             !checked) {
-    prepared = {UpdateTrouble::InstallationFailed, checked.error()};
-  }
-  if (prepared.trouble) QDir(folder).removeRecursively();
-  return prepared;
 }
 
 qint64 unpackedSize(const AppcastItem& item) {
@@ -73,17 +47,24 @@ SelfUpdater::~SelfUpdater() {
 }
 
 void SelfUpdater::setAutomaticallyChecksForUpdates(bool isOn) {
+  recall();
   m_memory.automaticallyChecks = isOn;
   remember();
 }
 
 void SelfUpdater::setAutomaticallyDownloadsUpdates(bool isOn) {
+  recall();
   m_memory.automaticallyDownloads = isOn;
   remember();
 }
 
+/// Another session of the user may have seen a newer feed or key. What couldn't be written holds.
+void SelfUpdater::recall() {
+  if (m_isRemembered) m_memory = UpdateMemory::read(m_with.memoryFile, m_builtInKey);
+}
+
 void SelfUpdater::remember() {
-  m_memory.write(m_with.memoryFile, m_builtInKey);
+  m_isRemembered = m_memory.write(m_with.memoryFile, m_builtInKey);
   changed.notify();
 }
 
@@ -104,8 +85,8 @@ void SelfUpdater::begin(UpdateCheck check) {
 }
 
 Task<> SelfUpdater::runSession(UpdateCheck check, std::stop_token stop) {
-  // Another session of the user may have seen a newer feed or key.
-  m_memory = UpdateMemory::read(m_with.memoryFile, m_builtInKey);
+  recall();
+  const bool wasReady = m_ready.has_value();
   const Outcome outcome = co_await findAndFetch(check, stop);
   if (!outcome) {
     if (outcome.error() == UpdateTrouble::NoUpdate) {
@@ -116,6 +97,8 @@ Task<> SelfUpdater::runSession(UpdateCheck check, std::stop_token stop) {
     m_delegate.didAbort(
         {QString::fromUtf16(updaterErrorDomain), static_cast<int>(outcome.error())});
   }
+  if (wasReady && !m_ready) co_await tidyUp(0);
+  if (m_with.copy && !m_ready) m_with.copy->letGo();
   m_userDriver.willFinishUpdateSession();
   m_isBusy = false;
   changed.notify();
@@ -149,21 +132,24 @@ bool SelfUpdater::isSkipped(const AppcastItem& item, UpdateCheck check) const {
 Task<SelfUpdater::Outcome> SelfUpdater::findAndFetch(UpdateCheck check, std::stop_token stop) {
   const auto feed = co_await readFeed(stop);
   if (!feed) co_return std::unexpected(feed.error());
-  const bool isTakenBack = m_ready && !isStillOffered(*m_ready, *feed);
-  if (isTakenBack) m_ready.reset();
+  if (m_ready && !isStillOffered(*m_ready, *feed)) m_ready.reset();
   const auto item = chooseUpdate(*feed, {.newerThan = newestBuild(check),
                                          .channels = m_delegate.allowedChannels(),
                                          .systemVersion = m_with.system.systemVersion,
                                          .architecture = m_with.system.processorArchitecture});
-  if (!item && isTakenBack) tidyUp(0);
   if (!item && m_ready) {
     tell(check, noteOfReadyUpdate(m_ready->shown));
     co_return Outcome();
   }
   if (!item || isSkipped(*item, check)) co_return std::unexpected(UpdateTrouble::NoUpdate);
-  m_delegate.didFindValidUpdate(item->shown);
   const bool isUsers = check == UpdateCheck::UserInitiated;
   const bool isFetched = m_with.copy && (isUsers || m_memory.automaticallyDownloads);
+  if (isFetched && !m_with.copy->claim()) {
+    m_with.log(u"updates: another session of this user updates this copy"_s);
+    tell(check, noteOfAnotherSession());
+    co_return Outcome();
+  }
+  m_delegate.didFindValidUpdate(item->shown);
   const bool isShown =
       (!isFetched || isUsers) && show(item->shown, check) == UpdateShownBy::Updater;
   if (isUsers) m_userDriver.didReceiveUserAttention(item->shown);
@@ -173,24 +159,28 @@ Task<SelfUpdater::Outcome> SelfUpdater::findAndFetch(UpdateCheck check, std::sto
 }
 
 /// Of what was fetched, only what is ready stays, and that build.
-void SelfUpdater::tidyUp(quint64 wanted) {
-  m_worker.post([copy = *m_with.copy, kept = QList{wanted, m_ready ? m_ready->build : 0}] {
+Task<> SelfUpdater::tidyUp(quint64 wanted) {
+  const Completion<> completion(m_with.mainThread);
+  MainThread& mainThread = m_with.mainThread;
+  m_worker.post([completion, &mainThread, &copy = std::as_const(*m_with.copy),
+                 kept = QList{wanted, m_ready ? m_ready->build : 0}] {
     copy.keepOnly(kept);
+    mainThread.post([completion] { completion.complete(); });
   });
+  co_await completion;
 }
 
 Task<SelfUpdater::Outcome> SelfUpdater::fetchAndPrepare(AppcastItem item, std::stop_token stop) {
-  if (!m_with.copy->claim())
-    co_return refuse(UpdateTrouble::InstallationFailed,
-                     u"another session of this user updates this copy"_s);
-  tidyUp(item.build);
-  const qint64 free = m_with.freeSpace(m_with.copy->root());
-  if (free >= 0 && free < item.archiveSize + unpackedSize(item))
-    co_return refuse(UpdateTrouble::DownloadFailed, u"there isn't enough space for the update"_s);
+  co_await tidyUp(item.build);
   const QString file = m_with.copy->downloadFile(item.build);
+  const qint64 wanted = item.archiveSize - QFileInfo(file).size() + unpackedSize(item);
+  const qint64 free = m_with.freeSpace(m_with.copy->root());
+  if (free >= 0 && free < wanted)
+    co_return refuse(UpdateTrouble::DownloadFailed, u"there isn't enough space for the update"_s);
   if (auto downloaded = co_await download(item, file, stop); !downloaded) co_return downloaded;
   const Outcome prepared = co_await prepare(item, file);
-  QFile::remove(file);
+  // The file of a version that this machine was too busy to ask is good for the next check.
+  if (prepared || prepared.error() != UpdateTrouble::NoAnswer) QFile::remove(file);
   if (prepared) {
     offer(item);
   } else if (prepared.error() == UpdateTrouble::InstallationFailed) {
@@ -269,17 +259,17 @@ Task<SelfUpdater::Outcome> SelfUpdater::download(AppcastItem item, QString file,
 }
 
 Task<SelfUpdater::Outcome> SelfUpdater::prepare(AppcastItem item, QString file) {
-  const Completion<Prepared> completion(m_with.mainThread);
+  const Completion<UpdatePreparation> completion(m_with.mainThread);
   MainThread& mainThread = m_with.mainThread;
   m_worker.post([completion, &mainThread, item, file, key = m_memory.key,
                  folder = m_with.copy->stagingFolder(item.build),
                  stop = m_preparation.get_token()] {
-    mainThread.post([completion, done = verifyAndUnpack(item, file, key, folder, stop)] {
+    mainThread.post([completion, done = prepareUpdate(item, file, key, folder, stop)] {
       completion.complete(done);
     });
   });
-  const Prepared prepared = co_await completion;
-  if (prepared.trouble) co_return refuse(*prepared.trouble, prepared.why);
+  const UpdatePreparation prepared = co_await completion;
+  if (!prepared) co_return refuse(prepared.error().trouble, prepared.error().why);
   co_return Outcome();
 }
 
@@ -336,6 +326,7 @@ void SelfUpdater::ask(const AppcastItem& item) {
 
 void SelfUpdater::choose(UpdateChoice choice, const AppcastItem& item) {
   if (choice == UpdateChoice::Skip) {
+    recall();
     m_memory.skippedBuild = std::max(m_memory.skippedBuild, item.build);
     remember();
   }

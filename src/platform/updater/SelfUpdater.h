@@ -21,22 +21,12 @@
 #include "platform/updater/SelfContainedCopy.h"
 #include "platform/updater/UpdateMemory.h"
 #include "platform/updater/UpdateNote.h"
+#include "platform/updater/UpdatePreparation.h"
 #include "ports/HttpSession.h"
 #include "ports/SystemInformation.h"
 #include "ports/Updater.h"
 
 namespace vemo {
-
-/// The codes of the updater's own errors.
-enum class UpdateTrouble {
-  FeedUnreadable = 1000,
-  NoUpdate = UpdateError::noUpdate,
-  FeedRefused = 1002,
-  DownloadFailed = 2001,
-  ArchiveRefused = 3000,
-  NotSigned = 3001,
-  InstallationFailed = 4005,
-};
 
 class SelfUpdater : public Updater {
  public:
@@ -81,13 +71,14 @@ class SelfUpdater : public Updater {
   using Outcome = std::expected<void, UpdateTrouble>;
 
   void begin(UpdateCheck check);
+  void recall();
   void remember();
   Task<> checkDaily(std::stop_token stop);
   Task<> runSession(UpdateCheck check, std::stop_token stop);
   Task<Outcome> findAndFetch(UpdateCheck check, std::stop_token stop);
   quint64 newestBuild(UpdateCheck check) const;
   bool isStillOffered(const AppcastItem& ready, const Appcast& feed) const;
-  void tidyUp(quint64 wanted);
+  Task<> tidyUp(quint64 wanted);
   Task<Outcome> fetchAndPrepare(AppcastItem item, std::stop_token stop);
   Task<std::expected<QByteArray, UpdateTrouble>> fetch(QString name, std::stop_token stop);
   Task<std::expected<Appcast, UpdateTrouble>> readFeed(std::stop_token stop);
@@ -110,6 +101,7 @@ class SelfUpdater : public Updater {
   UpdateUserDriverDelegate& m_userDriver;
   const QByteArray m_builtInKey;
   UpdateMemory m_memory;
+  bool m_isRemembered = true;  ///< the file holds it
   bool m_isBusy = false;
   std::optional<UpdateCheck> m_next;  ///< asked for during a session
   bool m_isReplaced = false;          ///< another version starts next: there is nothing left to do

@@ -39,7 +39,7 @@ UpdateMemory UpdateMemory::read(const QString& file, const QByteArray& builtIn) 
   return memory;
 }
 
-void UpdateMemory::write(const QString& file, const QByteArray& builtIn) const {
+bool UpdateMemory::write(const QString& file, const QByteArray& builtIn) const {
   QDir().mkpath(QFileInfo(file).path());
   const QJsonObject json{
       {u"serial"_s, QString::number(serial)},
@@ -50,9 +50,9 @@ void UpdateMemory::write(const QString& file, const QByteArray& builtIn) const {
       {u"automaticallyChecks"_s, automaticallyChecks},
       {u"automaticallyDownloads"_s, automaticallyDownloads}};
   QSaveFile saved(file);
-  if (!saved.open(QIODevice::WriteOnly)) return;
+  if (!saved.open(QIODevice::WriteOnly)) return false;
   saved.write(QJsonDocument(json).toJson());
-  saved.commit();
+  return saved.commit();
 }
 
 }  // namespace vemo

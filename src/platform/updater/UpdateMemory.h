@@ -21,7 +21,8 @@ struct UpdateMemory {
 
   /// Begins anew with `builtIn` where another key had been built in.
   static UpdateMemory read(const QString& file, const QByteArray& builtIn);
-  void write(const QString& file, const QByteArray& builtIn) const;
+  /// False where it couldn't be kept.
+  bool write(const QString& file, const QByteArray& builtIn) const;
 };
 
 }  // namespace vemo

@@ -35,6 +35,10 @@ UpdateNote noteOfNoUpdate(const QString& runningVersion) {
   return {tr("Vemo is up to date"), tr("Vemo %1 is the newest version.").arg(runningVersion)};
 }
 
+UpdateNote noteOfAnotherSession() {
+  return {tr("Update under way"), tr("Another session of yours is updating Vemo.")};
+}
+
 UpdateNote noteOfUpdateTrouble() {
   return {tr("The update didn't work"), tr("Please try again later.")};
 }

@@ -23,5 +23,6 @@ UpdateNote noteOfUpdate(const UpdateItem& update, UpdateComesBy way);
 UpdateNote noteOfReadyUpdate(const UpdateItem& update);
 UpdateNote noteOfNoUpdate(const QString& runningVersion);
 UpdateNote noteOfUpdateTrouble();
+UpdateNote noteOfAnotherSession();
 
 }  // namespace vemo

@@ -12,10 +12,14 @@ namespace {
 constexpr int limit = 20'000;      ///< milliseconds
 constexpr int pollInterval = 100;  ///< milliseconds
 
+std::unexpected<VersionCheckFailure> failure(const QString& why, bool isFinal) {
+  return std::unexpected(VersionCheckFailure{why, isFinal});
+}
+
 }  // namespace
 
-std::expected<void, QString> checkVersion(const QString& folder, const QString& version,
-                                          quint64 build, const std::stop_token& stop) {
+std::expected<void, VersionCheckFailure> checkVersion(const QString& folder, const QString& version,
+                                                      quint64 build, const std::stop_token& stop) {
   QProcess program;
   program.setProcessChannelMode(QProcess::ForwardedErrorChannel);
   program.start(folder + u"/bin/vemo"_s, {u"--check"_s}, QIODevice::ReadOnly);
@@ -24,14 +28,14 @@ std::expected<void, QString> checkVersion(const QString& folder, const QString& 
     if (!stop.stop_requested() && !deadline.hasExpired()) continue;
     program.kill();
     program.waitForFinished(-1);
-    return std::unexpected(u"the new version doesn't answer"_s);
+    return failure(u"the new version doesn't answer"_s, false);
   }
   if (program.error() == QProcess::FailedToStart || program.exitStatus() != QProcess::NormalExit ||
       program.exitCode() != 0)
-    return std::unexpected(u"the new version doesn't start here"_s);
+    return failure(u"the new version doesn't start here"_s, true);
   const QString told = QString::fromUtf8(program.readAllStandardOutput().trimmed());
   if (told != u"Vemo %1 (%2)"_s.arg(version, QString::number(build)))
-    return std::unexpected(u"the new version calls itself another one"_s);
+    return failure(u"the new version calls itself another one"_s, true);
   return {};
 }
 

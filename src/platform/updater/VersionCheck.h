@@ -7,9 +7,16 @@
 
 namespace vemo {
 
+struct VersionCheckFailure {
+  QString why;  ///< one line for the log
+  /// It would be no better the next time; otherwise this machine was too busy to tell.
+  bool isFinal;
+};
+
 /// Starts `folder`/bin/vemo to check itself, for 20 seconds at most, and demands the version and
-/// build that it was released as. The error is one line for the log. Blocks; any thread.
-std::expected<void, QString> checkVersion(const QString& folder, const QString& version,
-                                          quint64 build, const std::stop_token& stop = {});
+/// build that it was released as. Blocks; any thread.
+std::expected<void, VersionCheckFailure> checkVersion(const QString& folder, const QString& version,
+                                                      quint64 build,
+                                                      const std::stop_token& stop = {});
 
 }  // namespace vemo

@@ -1,4 +1,7 @@
+#include <thread>
+
 #include "CopyFixture.h"
+#include "platform/updater/VersionCheck.h"
 
 namespace vemo {
 
@@ -99,6 +102,29 @@ TEST_F(SelfContainedCopyTest, WhoStartsItWhileItRunsDoesNotCount) {
   EXPECT_FALSE(QFile::exists(root + u"/trial"_s));
 }
 
+TEST_F(SelfContainedCopyTest, ARegularEndTakesBackItsOwnStartAlone) {
+  ASSERT_TRUE(install(2));
+  SelfContainedCopy two(root);
+  ASSERT_EQ(two.beginStart(), Start::Goes);
+  ASSERT_TRUE(install(3));
+  crashingStart();
+  two.takeBackStart();
+  crashingStart();
+  EXPECT_EQ(crashingStart(), Start::RolledBack);
+}
+
+TEST_F(SelfContainedCopyTest, NoVersionGoesWhileAnotherTakesItsPlace) {
+  ASSERT_TRUE(install(2));
+  SelfContainedCopy two(root);
+  auto installation = FolderLock::await(root);
+  two.startedWell();
+  EXPECT_TRUE(QFile::exists(versionFolder(1)));
+  EXPECT_EQ(previous(), 1U);
+  installation.reset();
+  two.startedWell();
+  EXPECT_FALSE(QFile::exists(versionFolder(1)));
+}
+
 TEST_F(SelfContainedCopyTest, AVersionOnTrialIsNothingToGoBackTo) {
   ASSERT_TRUE(install(2));
   SelfContainedCopy two(root);
@@ -185,6 +211,36 @@ TEST(FolderLockTest, ManyShareAFolderOrOneHasIt) {
   one.reset();
   EXPECT_FALSE(FolderLock::take(folder.path(), Kind::Exclusive));
   EXPECT_FALSE(FolderLock::take(folder.filePath(u"nothing"_s), Kind::Shared));
+}
+
+TEST(FolderLockTest, WhoAwaitsItGetsItAfterWhoHasIt) {
+  const QTemporaryDir folder;
+  auto one = FolderLock::await(folder.path());
+  std::shared_ptr<FolderLock> other;
+  std::jthread waiting([&] { other = FolderLock::await(folder.path()); });
+  one.reset();
+  waiting.join();
+  EXPECT_TRUE(other);
+}
+
+TEST(VersionCheckTest, WhatIsWrongWithAVersionIsFinalAndThatItDoesNotAnswerIsNot) {
+  const QTemporaryDir folder;
+  const auto told = [&folder](const QByteArray& script, const std::stop_token& stop = {}) {
+    writeTestFile(folder.filePath(u"bin/vemo"_s), "#!/bin/sh\n" + script, true);
+    return checkVersion(folder.path(), u"1.1.0"_s, 2, stop);
+  };
+  EXPECT_TRUE(told("[ $1 = --check ] && echo 'Vemo 1.1.0 (2)'"));
+  for (const QByteArray& script : {"echo 'Vemo 1.1.0 (22)'", "echo 'Vemo 1.1.0 (2)'; exit 1",
+                                   "echo 'Vemo 1.1.0 (2)'; kill -9 $$", "true"}) {
+    const auto refused = told(script);
+    ASSERT_FALSE(refused) << script.constData();
+    EXPECT_TRUE(refused.error().isFinal) << script.constData();
+  }
+  std::stop_source stop;
+  stop.request_stop();
+  const auto stopped = told("exec sleep 600", stop.get_token());
+  ASSERT_FALSE(stopped);
+  EXPECT_FALSE(stopped.error().isFinal);
 }
 
 }  // namespace vemo

@@ -319,14 +319,26 @@ TEST_F(SelfUpdaterTest, ABetaThatIsReadyIsNotInstalledOnceBetasAreUnwanted) {
 
 TEST_F(SelfUpdaterTest, OfTwoSessionsOfAUserOneInstalls) {
   publish({release(2, "1.1.0")});
-  std::optional<SelfContainedCopy> other(root);
-  ASSERT_TRUE(other->claim());
-  EXPECT_THAT(check(), ElementsAre(4005));
-  EXPECT_THAT(leftovers(), IsEmpty());
-  other.reset();
+  SelfContainedCopy other(root);
+  ASSERT_TRUE(other.claim());
   EXPECT_THAT(check(), IsEmpty());
-  EXPECT_FALSE(SelfContainedCopy(root).claim());
+  EXPECT_FALSE(delegate.found);
+  EXPECT_THAT(announced, IsEmpty());
+  EXPECT_THAT(check(UpdateCheck::UserInitiated), IsEmpty());
+  EXPECT_THAT(announced, ElementsAre(u"Update under way"_s));
+  EXPECT_THAT(leftovers(), IsEmpty());
+  other.letGo();
+  EXPECT_THAT(check(), IsEmpty());
+  EXPECT_TRUE(delegate.ready);
+  EXPECT_FALSE(other.claim()) << "till what is ready is installed";
   updater.reset();
+  EXPECT_TRUE(other.claim());
+}
+
+TEST_F(SelfUpdaterTest, ASessionWithNothingReadyIsInNobodysWay) {
+  publish({release(2, "1.1.0")});
+  server.manners["vemo-2.tar.xz"] = ReleaseServer::Manner::Breaks;
+  EXPECT_THAT(check(), ElementsAre(2001));
   EXPECT_TRUE(SelfContainedCopy(root).claim());
 }
 
@@ -347,6 +359,40 @@ TEST_F(SelfUpdaterTest, WithoutSpaceForTheArchiveAndItsFilesNothingIsFetched) {
   EXPECT_THAT(server.asked, ElementsAre("keys.txt", "appcast.xml"));
   ++freeSpace;
   EXPECT_THAT(check(), IsEmpty());
+}
+
+TEST_F(SelfUpdaterTest, WhatHasComeOfADownloadNeedsNoSpaceAnyMore) {
+  const AppcastItem item = release(2, "1.1.0");
+  publish({item});
+  writeTestFile(root + u"/versions/.download-2"_s, server.files["vemo-2.tar.xz"].first(100), false);
+  freeSpace = item.archiveSize + item.files[0].size + item.files[1].size - 101;
+  EXPECT_THAT(check(), ElementsAre(2001));
+  ++freeSpace;
+  EXPECT_THAT(check(), IsEmpty());
+}
+
+TEST_F(SelfUpdaterTest, APreferenceLeavesWhatAnotherSessionHasSeen) {
+  publish({}, 5);
+  check();
+  SelfUpdater idle(with(), delegate, delegate);
+  publish({}, 9);
+  check();
+  idle.setAutomaticallyDownloadsUpdates(false);
+  publish({release(2, "1.1.0")}, 7);
+  EXPECT_THAT(check(), ElementsAre(1002));
+  EXPECT_FALSE(updater->automaticallyDownloadsUpdates());
+}
+
+TEST_F(SelfUpdaterTest, WhatCouldNotBeWrittenHoldsAsLongAsItRuns) {
+  publish({}, 5);
+  check();
+  const QString memory = folder.filePath(u"updates.json"_s);
+  QFile::remove(memory);
+  QDir().mkpath(memory + u"/in the way"_s);
+  publish({}, 9);
+  check();
+  publish({release(2, "1.1.0")}, 7);
+  EXPECT_THAT(check(), ElementsAre(1002));
 }
 
 TEST_F(SelfUpdaterTest, ItsEndDoesNotWaitForAVersionThatDoesNotAnswer) {

@@ -1,5 +1,5 @@
-// The calls by which this process changes what is on the disk: each can be looked at just before it
-// is made.
+// The calls by which this process names, fills, flushes and removes what is on the disk: each can
+// be looked at just before it is made.
 #pragma once
 
 #include <functional>

@@ -124,20 +124,19 @@ TEST_F(UpdateAttacksTest, SlowRetrievalEndsAtTheTransfersLimit) {
   QtHttpSession impatient(mainThread, {.requestTimeout = 20s, .resourceTimeout = 300ms});
   publish({release(2, "1.1.0")});
   server.manners["vemo-2.tar.xz"] = ReleaseServer::Manner::Drips;
-  updater.emplace(SelfUpdater::With{.mainThread = mainThread,
-                                    .clock = clock,
+  SelfUpdater::With slow = with();
+  updater.emplace(SelfUpdater::With{.mainThread = slow.mainThread,
+                                    .clock = slow.clock,
                                     .session = impatient,
-                                    .publicKey = keys.publicKey.toBase64(),
-                                    .system = {.systemVersion = u"12"_s,
-                                               .applicationVersion = u"1.0.0"_s,
-                                               .applicationBuild = u"1"_s},
-                                    .copy = SelfContainedCopy(root),
-                                    .memoryFile = folder.filePath(u"updates.json"_s),
-                                    .freeSpace = [](const QString&) { return -1; },
-                                    .log = [](const QString&) {},
-                                    .announce = [](const UpdateNote&, const auto&) {},
-                                    .isInFront = [] { return false; },
-                                    .relaunch = [] {}},
+                                    .publicKey = slow.publicKey,
+                                    .system = slow.system,
+                                    .copy = slow.copy,
+                                    .memoryFile = slow.memoryFile,
+                                    .freeSpace = slow.freeSpace,
+                                    .log = slow.log,
+                                    .announce = slow.announce,
+                                    .isInFront = slow.isInFront,
+                                    .relaunch = slow.relaunch},
                   delegate, delegate);
   EXPECT_THAT(check(), ElementsAre(2001));
   updater.reset();

@@ -110,11 +110,8 @@ class UpdaterFixture : public testing::Test {
     delegate.m_feedUrl = server.feedUrl();
   }
 
-  SelfUpdater& start() {
-    updater.reset();
-    updater.emplace(
-        SelfUpdater::With{
-            .mainThread = mainThread,
+  SelfUpdater::With with() {
+    return {.mainThread = mainThread,
             .clock = clock,
             .session = session,
             .publicKey = keys.publicKey.toBase64(),
@@ -133,9 +130,12 @@ class UpdaterFixture : public testing::Test {
                   choose = std::move(choice);
                 },
             .isInFront = [this] { return isInFront; },
-            .relaunch = [this] { ++relaunches; }},
-        delegate, delegate);
-    return *updater;
+            .relaunch = [this] { ++relaunches; }};
+  }
+
+  SelfUpdater& start() {
+    updater.reset();
+    return updater.emplace(with(), delegate, delegate);
   }
 
   /// One check from beginning to end; its errors.
