@@ -138,6 +138,12 @@ class UpdaterFixture : public testing::Test {
     return updater.emplace(with(), delegate, delegate);
   }
 
+  /// Of downloads and of versions that aren't installed.
+  QStringList leftovers() const {
+    return QDir(root + u"/versions"_s)
+        .entryList({u".*"_s}, QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+  }
+
   /// One check from beginning to end; its errors.
   std::vector<int> check(UpdateCheck kind = UpdateCheck::Scheduled) {
     if (!updater) start();
