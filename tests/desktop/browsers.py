@@ -80,6 +80,9 @@ class RealBrowser(Browser):
     def script(self):
         return f"""exec {self.command()} "$1" >/dev/null 2>&1"""
 
+    def _await_front(self):
+        wait_until(lambda: (active_window() or "") in self._windows(), f"{self.name} to be in front")
+
     def _await_end(self):
         wait_until(lambda: not self._windows(), f"{self.name} to close its windows")
 
@@ -109,7 +112,7 @@ class RealBrowser(Browser):
     def press(self, name, has_worked):
         """Clicks on a button. A browser drops what comes before it has drawn a page, or too soon after a question has
         come up, so the click is repeated when nothing has come of it."""
-        wait_until(lambda: (active_window() or "") in self._windows(), f"{self.name} to be in front")
+        self._await_front()
         for _ in range(20):
             place = wait_until(lambda: extents(self._button(name)), f"{self.name} to show the button “{name}”")
             subprocess.run(["xdotool", "mousemove", str(place.x + place.width // 2), str(place.y + place.height // 2),
@@ -124,6 +127,7 @@ class RealBrowser(Browser):
         self.press(name, lambda: not self._button(name))
 
     def close_page(self):
+        self._await_front()
         keyboard.strike("Control_L", "w")
         self._await_end()
 

@@ -16,6 +16,7 @@ import gi
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, GLib  # noqa: E402
 
+import keyboard  # noqa: E402
 from virtual_desktop import wait_until  # noqa: E402
 
 # An editor that lays out a megabyte answers late.
@@ -148,13 +149,11 @@ PAGE = b"""<!doctype html><meta charset="utf-8"><title>text area</title>
 <textarea id="text" autofocus rows="20" cols="80"></textarea>
 <script>
   const text = document.getElementById("text");
-  const send = () => fetch("/text", {method: "POST", body: text.value});
+  // One after the other, so that the last to arrive is the last.
+  let sent = Promise.resolve();
+  const send = () => sent = sent.then(() => fetch("/text", {method: "POST", body: text.value}));
   text.addEventListener("input", send);
-  const tellFocus = () => {
-    if (document.hasFocus() && document.activeElement === text) fetch("/focus", {method: "POST"});
-    else setTimeout(tellFocus, 20);
-  };
-  tellFocus();
+  text.addEventListener("keydown", () => fetch("/focus", {method: "POST"}), {once: true});
 </script>"""
 
 
@@ -164,6 +163,12 @@ def chromium_command(profile, address):
             "--no-default-browser-check", "--disable-background-networking",
             "--disable-component-update", "--disable-sync", "--disable-dev-shm-usage",
             "--password-store=basic", f"--user-data-dir={profile}", f"--app={address}"]
+
+
+def strike_in_vain():
+    """A key that writes nothing into an empty field. Chromium drops every key until it has drawn the page, although the
+    field has the focus before: it takes what is typed once it has told of one."""
+    keyboard.strike("End")
 
 
 class Chromium(Editor):
@@ -211,6 +216,7 @@ class Chromium(Editor):
         return chromium_command(self.folder, f"http://127.0.0.1:{self._server.server_port}/")
 
     def has_focus(self):
+        strike_in_vain()
         return self._focused
 
     def text(self):
