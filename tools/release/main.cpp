@@ -8,8 +8,12 @@
 #include <QFileInfo>
 #include <QSaveFile>
 #include <QSysInfo>
+#include <QTemporaryDir>
 #include <QTextStream>
 #include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
 #include <functional>
 
 #include "platform/updater/Appcast.h"
@@ -25,15 +29,14 @@ using namespace Qt::Literals::StringLiterals;
 using Outcome = std::expected<void, QString>;
 using Arguments = QStringList;
 
-constexpr int usualDays = 30;
+constexpr quint64 mostDays = 366;
 
 constexpr auto usage = R"(usage:
   vemo-release new-key KEYFILE
       makes a key, and prints the public one for updateFeedPublicKey
-  vemo-release add KEYFILE FEEDFOLDER VERSIONFOLDER VERSION BUILD [OPTION]...
+  vemo-release add KEYFILE FEEDFOLDER VERSIONFOLDER VERSION BUILD [OPTION]... [--days N]
       packs a version and puts it into the feed
-      --channel NAME  --minimum-system VERSION  --architecture NAME  --notes FILE
-      --critical  --days N (until the feed expires; 30)
+      --channel NAME  --minimum-system VERSION  --architecture NAME  --notes FILE  --critical
   vemo-release withdraw KEYFILE FEEDFOLDER BUILD [--days N]
       takes a version out of the feed; whoever has it keeps it
   vemo-release renew KEYFILE FEEDFOLDER [--days N]
@@ -42,6 +45,7 @@ constexpr auto usage = R"(usage:
       makes the new key the successor of the old one, and signs the feed with it
   vemo-release check PUBLICKEY FEEDFOLDER
       checks the feed, its archives and every file in them
+--days: until the feed expires, 1 to 366; without it as many as there were before, at first 30
 )";
 
 std::unexpected<QString> failure(const QString& what) {
@@ -93,10 +97,25 @@ std::expected<Appcast, QString> openFeed(const QString& folder, const QByteArray
   return Appcast::read(*xml);
 }
 
-Outcome publish(Appcast feed, const QString& folder, const QByteArray& key, int days) {
+/// The next feed as it is published. What clients wouldn't take must not be.
+std::expected<QByteArray, QString> signedAnew(Appcast feed, const QByteArray& key,
+                                              std::optional<quint64> days) {
   ++feed.serial;
-  feed.expires = QDateTime::currentDateTimeUtc().addDays(days);
-  return writeFile(feedIn(folder), signedFeed(feed.write(), key));
+  feed.days = days.value_or(feed.days);
+  feed.expires = QDateTime::currentDateTimeUtc().addDays(static_cast<qint64>(feed.days));
+  const QByteArray xml = feed.write();
+  QByteArray next = signedFeed(xml, key);
+  if (next.size() > Appcast::largestFeed)
+    return failure(u"the feed would be too large for clients: withdraw old versions first"_s);
+  if (const auto read = Appcast::read(xml); !read)
+    return failure(u"clients wouldn't take the feed: "_s + read.error());
+  return next;
+}
+
+Outcome replace(const QString& from, const QString& to) {
+  if (std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0)
+    return {};
+  return failure(to + u": "_s + QString::fromLocal8Bit(std::strerror(errno)));
 }
 
 /// Takes "--name value" out of the arguments.
@@ -108,8 +127,12 @@ QString takeOption(Arguments& arguments, const QString& name, const QString& abs
   return value;
 }
 
-int takeDays(Arguments& arguments) {
-  return takeOption(arguments, u"--days"_s, QString::number(usualDays)).toInt();
+/// Nothing where the feed is to hold as long as before.
+std::expected<std::optional<quint64>, QString> takeDays(Arguments& arguments) {
+  if (!arguments.contains(u"--days"_s)) return std::nullopt;
+  const quint64 days = takeOption(arguments, u"--days"_s).toULongLong();
+  if (days < 1 || days > mostDays) return failure(u"--days takes 1 to %1"_s.arg(mostDays));
+  return days;
 }
 
 Outcome newKey(Arguments arguments) {
@@ -135,14 +158,15 @@ Outcome checkHere(const QString& folder, const AppcastItem& item) {
 }
 
 Outcome add(Arguments arguments) {
-  const int days = takeDays(arguments);
+  const auto days = takeDays(arguments);
+  if (!days) return failure(days.error());
   AppcastItem item;
   item.channel = takeOption(arguments, u"--channel"_s);
   item.minimumSystemVersion = takeOption(arguments, u"--minimum-system"_s);
   item.architecture = takeOption(arguments, u"--architecture"_s);
   const QString notes = takeOption(arguments, u"--notes"_s);
   item.shown.isCritical = arguments.removeAll(u"--critical"_s) > 0;
-  if (arguments.size() != 5 || days <= 0) return failure(QString::fromLatin1(usage));
+  if (arguments.size() != 5) return failure(QString::fromLatin1(usage));
   if (item.architecture == u"aarch64") item.architecture = u"arm64"_s;  // as Qt calls it
   const QString folder = arguments[1];
   item.shown.displayVersion = arguments[3];
@@ -163,38 +187,43 @@ Outcome add(Arguments arguments) {
   if (const auto checked = checkHere(arguments[2], item); !checked) return checked;
   item.archive = u"vemo-%1%2.tar.xz"_s.arg(
       arguments[4], item.architecture.isEmpty() ? QString() : u'-' + item.architecture);
-  auto files = packUpdate(arguments[2], folder + u'/' + item.archive);
+  // Beside the feed, so that it takes its place at once; an archive of that name may be there.
+  const QTemporaryDir workshop(folder + u"/.vemo-release-XXXXXX"_s);
+  if (!workshop.isValid()) return failure(folder + u": "_s + workshop.errorString());
+  QFile archive(workshop.filePath(u"archive"_s));
+  auto files = packUpdate(arguments[2], archive.fileName());
   if (!files) return failure(files.error());
   item.files = *std::move(files);
-  QFile archive(folder + u'/' + item.archive);
   if (!archive.open(QIODevice::ReadOnly)) return failure(archive.errorString());
   item.archiveSize = archive.size();
   item.archiveSignature = archiveSignature(archive, *key);
   feed->items.push_back(item);
-  // What clients wouldn't read mustn't be published.
-  Appcast tried = *feed;
-  tried.serial = 1;
-  tried.expires = QDateTime::currentDateTimeUtc();
-  if (const auto read = Appcast::read(tried.write()); !read) return failure(read.error());
-  return publish(*std::move(feed), folder, *key, days);
+  const auto next = signedAnew(*std::move(feed), *key, *days);
+  if (!next) return failure(next.error());
+  if (auto placed = replace(archive.fileName(), folder + u'/' + item.archive); !placed)
+    return placed;
+  return writeFile(feedIn(folder), *next);
 }
 
 /// Changes a feed that is there, and signs it anew.
-Outcome change(const QString& keyFile, const QString& folder, int days,
+Outcome change(const QString& keyFile, const QString& folder, std::optional<quint64> days,
                const std::function<Outcome(Appcast&)>& how) {
   const auto key = readKey(keyFile);
   if (!key) return failure(key.error());
   auto feed = openFeed(folder, publicPart(*key));
   if (!feed) return failure(feed.error());
   if (auto changed = how(*feed); !changed) return changed;
-  return publish(*std::move(feed), folder, *key, days);
+  const auto next = signedAnew(*std::move(feed), *key, days);
+  if (!next) return failure(next.error());
+  return writeFile(feedIn(folder), *next);
 }
 
 Outcome withdraw(Arguments arguments) {
-  const int days = takeDays(arguments);
-  if (arguments.size() != 3 || days <= 0) return failure(QString::fromLatin1(usage));
+  const auto days = takeDays(arguments);
+  if (!days) return failure(days.error());
+  if (arguments.size() != 3) return failure(QString::fromLatin1(usage));
   const quint64 build = arguments[2].toULongLong();
-  return change(arguments[0], arguments[1], days, [&](Appcast& feed) -> Outcome {
+  return change(arguments[0], arguments[1], *days, [&](Appcast& feed) -> Outcome {
     const auto isMeant = [build](const AppcastItem& item) { return item.build == build; };
     if (std::erase_if(feed.items, isMeant) > 0) return {};
     return failure(u"build %1 isn't in the feed"_s.arg(arguments[2]));
@@ -202,14 +231,16 @@ Outcome withdraw(Arguments arguments) {
 }
 
 Outcome renew(Arguments arguments) {
-  const int days = takeDays(arguments);
-  if (arguments.size() != 2 || days <= 0) return failure(QString::fromLatin1(usage));
-  return change(arguments[0], arguments[1], days, [](Appcast&) { return Outcome(); });
+  const auto days = takeDays(arguments);
+  if (!days) return failure(days.error());
+  if (arguments.size() != 2) return failure(QString::fromLatin1(usage));
+  return change(arguments[0], arguments[1], *days, [](Appcast&) { return Outcome(); });
 }
 
 Outcome rotate(Arguments arguments) {
-  const int days = takeDays(arguments);
-  if (arguments.size() != 3 || days <= 0) return failure(QString::fromLatin1(usage));
+  const auto days = takeDays(arguments);
+  if (!days) return failure(days.error());
+  if (arguments.size() != 3) return failure(QString::fromLatin1(usage));
   const auto old = readKey(arguments[0]);
   const auto next = readKey(arguments[1]);
   if (!old || !next) return failure(old ? next.error() : old.error());
@@ -225,15 +256,17 @@ Outcome rotate(Arguments arguments) {
     if (!archive.open(QIODevice::ReadOnly)) return failure(archive.errorString());
     item.archiveSignature = archiveSignature(archive, *next);
   }
+  const auto signedByNext = signedAnew(*std::move(feed), *next, *days);
+  if (!signedByNext) return failure(signedByNext.error());
   if (auto written = writeFile(path, lines); !written) return written;
-  return publish(*std::move(feed), folder, *next, days);
+  return writeFile(feedIn(folder), *signedByNext);
 }
 
 Outcome check(Arguments arguments) {
   if (arguments.size() != 2) return failure(QString::fromLatin1(usage));
   const auto builtIn = publicKeyFrom(arguments[0].toLatin1());
   if (!builtIn) return failure(u"that isn't a public key"_s);
-  const QString folder = arguments[1];
+  const QString& folder = arguments[1];
   const QByteArray rotations = readFile(folder + u"/keys.txt"_s).value_or(QByteArray());
   const QByteArray trusted = latestKey(rotations, *builtIn);
   const auto feed = openFeed(folder, trusted);
@@ -245,10 +278,10 @@ Outcome check(Arguments arguments) {
     if (!archive.open(QIODevice::ReadOnly) || archive.size() != item.archiveSize ||
         !isArchiveSigned(archive, item.archiveSignature, trusted))
       return failure(item.archive + u": isn't what the feed says"_s);
-    const QString unpacked = folder + u"/.checked"_s;
-    QDir(unpacked).removeRecursively();
-    const auto outcome = unpackUpdate(folder + u'/' + item.archive, item.files, unpacked);
-    QDir(unpacked).removeRecursively();
+    const QTemporaryDir temporary;
+    if (!temporary.isValid()) return failure(QDir::tempPath() + u": "_s + temporary.errorString());
+    const auto outcome =
+        unpackUpdate(archive.fileName(), item.files, temporary.filePath(u"version"_s));
     if (!outcome) return failure(item.archive + u": "_s + outcome.error());
   }
   QTextStream(stdout) << "good: " << feed->items.size() << " versions, serial " << feed->serial

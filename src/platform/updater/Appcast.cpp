@@ -80,6 +80,8 @@ class Reader {
         m_appcast.serial = number(text());
       } else if (m_xml.name() == u"expires") {
         m_appcast.expires = QDateTime::fromString(text(), Qt::ISODate);
+      } else if (m_xml.name() == u"days") {
+        m_appcast.days = number(text());
       } else if (m_xml.name() == u"item") {
         m_appcast.items.push_back(readItem());
         if (m_appcast.items.size() > mostItems) fail(u"there are too many items"_s);
@@ -206,6 +208,7 @@ QByteArray Appcast::write() const {
   xml.writeTextElement(u"title"_s, u"Vemo"_s);
   xml.writeTextElement(u"serial"_s, QString::number(serial));
   xml.writeTextElement(u"expires"_s, expires.toUTC().toString(Qt::ISODate));
+  xml.writeTextElement(u"days"_s, QString::number(days));
   for (const AppcastItem& item : items) writeItem(xml, item);
   xml.writeEndElement();
   xml.writeEndElement();

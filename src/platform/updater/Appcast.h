@@ -45,6 +45,7 @@ struct Appcast {
 
   quint64 serial = 0;  ///< counts the feeds up
   QDateTime expires;
+  quint64 days = 30;  ///< from when it was signed to that, for whoever signs the next one
   std::vector<AppcastItem> items;
 
   static std::expected<Appcast, QString> read(const QByteArray& xml);

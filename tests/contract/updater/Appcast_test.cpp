@@ -11,6 +11,7 @@ namespace {
 Appcast feed() {
   return {.serial = 3,
           .expires = QDateTime(QDate(2026, 3, 20), QTime(1, 2, 3), Qt::UTC),
+          .days = 90,
           .items = {{.shown = {.displayVersion = u"1.4.0"_s,
                                .buildVersion = u"57"_s,
                                .isCritical = true,
@@ -42,6 +43,12 @@ TEST(AppcastTest, IsReadAsItWasWritten) {
   const auto read = Appcast::read(feed().write());
   ASSERT_TRUE(read) << qPrintable(read.error());
   EXPECT_EQ(*read, feed());
+}
+
+TEST(AppcastTest, AFeedThatDoesNotSayForHowLongWasForAMonth) {
+  const auto read = Appcast::read(changed("<days>90</days>", ""));
+  ASSERT_TRUE(read) << qPrintable(read.error());
+  EXPECT_EQ(read->days, 30U);
 }
 
 TEST(AppcastTest, DocumentTypesAndEntitiesAreRefused) {
