@@ -2,7 +2,8 @@
 #
 # One GoogleTest program and one ctest entry of the same name; the target all-LABEL-tests builds those of
 # one label. With DESKTOP it runs inside an isolated virtual desktop that has the parts named
-# (tools/virtual-desktop says which there are); without, it runs as it is.
+# (tools/virtual-desktop says which there are); without, it runs as it is. The time limit is there to end
+# what hangs, far above what the slowest takes on a busy machine.
 function(vemo_test name)
   cmake_parse_arguments(ARG "" "LABEL" "SOURCES;LINKS;DESKTOP" ${ARGN})
   if(NOT ARG_LABEL)
@@ -16,7 +17,7 @@ function(vemo_test name)
   add_dependencies(all-${ARG_LABEL}-tests ${name})
   vemo_on_a_desktop(desktop ${ARG_DESKTOP})
   add_test(NAME ${name} COMMAND ${desktop} $<TARGET_FILE:${name}>)
-  set_tests_properties(${name} PROPERTIES LABELS ${ARG_LABEL} TIMEOUT 300)
+  set_tests_properties(${name} PROPERTIES LABELS ${ARG_LABEL} TIMEOUT 900)
 endfunction()
 
 # vemo_script_test(NAME FILE LABEL … TIMEOUT … [ARGUMENTS …] [DESKTOP …] [ENVIRONMENT …])

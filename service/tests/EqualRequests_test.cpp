@@ -47,7 +47,7 @@ TEST_F(EqualRequestsTest, ACopyThatComesWhileTheFirstIsUnderWaySharesItsWorkAndI
     m_script.hold();
     const auto first = sendAndWait(request);
     const auto second = sendAndWait(request);
-    EXPECT_EQ(m_script.startedCount(), before + 1);
+    EXPECT_TRUE(eventually([&] { return m_script.startedCount() == before + 1; }));
     m_script.letGo();
     EXPECT_EQ(first->read().value_or(RawAnswer{}).body, second->read().value_or(RawAnswer{}).body);
     EXPECT_EQ(m_script.startedCount(), before + 1);
@@ -91,6 +91,7 @@ TEST_F(EqualRequestsTest, OtherAudioUnderTheSameIndexWhileTheFirstIsUnderWayIsIt
   m_script.hold();
   const auto first = sendAndWait(chunk("a", 0, m_wav));
   const auto second = sendAndWait(chunk("a", 0, m_otherWav));
+  EXPECT_TRUE(eventually([this] { return m_script.runningCount() == 1; }));
   EXPECT_EQ(service().queue().waitingCount(), 1U);
   m_script.letGo();
   expectText(*first, "hello");
@@ -149,6 +150,7 @@ TEST_F(EqualRequestsTest, AFirstClientThatHangsUpDoesNotCostTheSecondItsAnswer) 
   m_script.hold();
   const auto first = sendAndWait(chunk("a", 0, m_wav));
   const auto second = sendAndWait(chunk("a", 0, m_wav));
+  ASSERT_TRUE(eventually([this] { return m_script.runningCount() == 1; }));
   first->close();
   ASSERT_TRUE(eventually([&] { return service().waitingForAnswers() == 1; }));
   EXPECT_EQ(m_script.runningCount(), 1U);
@@ -161,6 +163,7 @@ TEST_F(EqualRequestsTest, OnceEveryoneHasHungUpTheWorkEndsAndTheNextCopyIsANewTr
   m_script.hold();
   const auto first = sendAndWait(chunk("a", 0, m_wav));
   const auto second = sendAndWait(chunk("a", 0, m_wav));
+  ASSERT_TRUE(eventually([this] { return m_script.runningCount() == 1; }));
   first->close();
   second->close();
   EXPECT_TRUE(eventually([&] { return m_script.runningCount() == 0; }));
