@@ -54,6 +54,9 @@ QNetworkRequest networkRequest(const HttpRequest& request) {
   // HTTP/2 would put all requests of a session on one connection, so that a stuck one holds up the
   // others, and would rewrite the headers' spelling.
   converted.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
+  // Qt's own would tell each server the user's language and region.
+  converted.setRawHeader("Accept-Language", "*");
+  converted.setHeader(QNetworkRequest::UserAgentHeader, QStringLiteral("Vemo"));
   for (const auto& [name, value] : request.headers) converted.setRawHeader(name, value);
   return converted;
 }

@@ -36,6 +36,14 @@ TEST_F(QtHttpSessionTest, HeadersAreSentInTheirOrderAndSpelling) {
   }
 }
 
+TEST_F(QtHttpSessionTest, HeadersThatNobodyAskedForTellNothingOfTheUser) {
+  send(post(server.url(u"/status/200"_s)));
+  const QByteArray head = server.requests().at(0).head;
+  EXPECT_TRUE(head.contains("\r\nAccept-Language: *\r\n")) << head.toStdString();
+  EXPECT_TRUE(head.contains("\r\nUser-Agent: Vemo\r\n")) << head.toStdString();
+  EXPECT_EQ(head.toLower().count("accept-language"), 1) << head.toStdString();
+}
+
 TEST_F(QtHttpSessionTest, TheBodyArrivesByteForByteWithItsLength) {
   QByteArray body;
   for (int i = 0; i < 3'000'000; ++i) body += static_cast<char>(i * 31 + i / 251);
