@@ -1,19 +1,8 @@
 #include "app/Desktop.h"
 
 #include <QCoreApplication>
-#include <QIcon>
 
 namespace vemo {
-
-namespace {
-
-/// A copy in a folder of its own has the program's icon where no desktop looks.
-void lookForIconsOfThisCopy() {
-  QIcon::setThemeSearchPaths(QIcon::themeSearchPaths()
-                             << QCoreApplication::applicationDirPath() + u"/../share/icons"_s);
-}
-
-}  // namespace
 
 QString resourceFolder(const QString& name) {
   return QCoreApplication::applicationDirPath() + u"/../share/vemo/"_s + name;
@@ -35,7 +24,6 @@ Desktop::Desktop(std::unique_ptr<X11Clipboard> x11Clipboard,
       screens(std::move(x11Screens)) {}
 
 std::unique_ptr<Desktop> Desktop::create(QtMainThread& mainThread) {
-  lookForIconsOfThisCopy();
   auto clipboard = X11Clipboard::create(mainThread);
   auto keyPoster = X11KeyPoster::create();
   auto focusedApplication = X11FocusedApplication::create();

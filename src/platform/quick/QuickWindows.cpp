@@ -28,6 +28,12 @@ QString titleOf(Scene scene) {
   return scene == Scene::Main ? u"Vemo"_s : QGuiApplication::translate("Windows", "Settings");
 }
 
+/// A copy in a folder of its own has the program's icon where no desktop looks.
+void lookForIconsOfThisCopy() {
+  QIcon::setThemeSearchPaths(QIcon::themeSearchPaths()
+                             << QCoreApplication::applicationDirPath() + u"/../share/icons"_s);
+}
+
 void centre(QQuickView& view) {
   const QRect free = view.screen()->availableGeometry();
   QRect place(QPoint(), view.size().boundedTo(free.size()));
@@ -41,6 +47,7 @@ QuickWindows::QuickWindows(QString symbolsFolder, std::function<void()> onClosed
     : m_symbolsFolder(std::move(symbolsFolder)), m_onClosed(std::move(onClosed)) {
   // A window needs no graphics card, whose driver would weigh more than all of Vemo.
   QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+  lookForIconsOfThisCopy();
 }
 
 QuickWindows::~QuickWindows() {
