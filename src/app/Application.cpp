@@ -74,7 +74,7 @@ std::optional<QString> Application::start(std::optional<SelfContainedCopy> copy,
   m_delegate->applicationDidFinishLaunching();
   if (!m_program) return std::nullopt;
   m_program->tasks.start([this](std::stop_token stop) {
-    return keepOwnCopyWhenStartedWell(*m_foundation, m_program->diskReader, std::move(stop));
+    return keepOwnCopyWhenStartedWell(*m_foundation, std::move(stop));
   });
   if (!address.isEmpty()) open(address);
   return std::nullopt;

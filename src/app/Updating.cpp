@@ -13,6 +13,7 @@
 #include <memory>
 #include <utility>
 
+#include "base/RunElsewhere.h"
 #include "platform/updater/SelfUpdater.h"
 #include "platform/xdg/DesktopNotes.h"
 #include "storage/StandardPlaces.h"
@@ -103,11 +104,12 @@ MakeUpdater makeUpdaterOver(HttpSession& session, Foundation& foundation,
   };
 }
 
-Task<> keepOwnCopyWhenStartedWell(Foundation& foundation, SerialQueue& queue,
-                                  std::stop_token stop) {
+Task<> keepOwnCopyWhenStartedWell(Foundation& foundation, std::stop_token stop) {
   if (!foundation.copy) co_return;
-  if (co_await foundation.clock.sleep(provenAfter, stop) == SleepEnd::Elapsed)
-    queue.post([&copy = *foundation.copy] { copy.startedWell(); });
+  if (co_await foundation.clock.sleep(provenAfter, stop) != SleepEnd::Elapsed) co_return;
+  SerialQueue queue("vemo.versions");
+  co_await runElsewhere(queue, foundation.mainThread,
+                        [&copy = *foundation.copy] { copy.startedWell(); });
 }
 
 void becomeUpdatedProgram() {

@@ -7,7 +7,6 @@
 #include <functional>
 
 #include "app/Foundation.h"
-#include "base/SerialQueue.h"
 #include "base/TaskScope.h"
 #include "platform/updater/SelfContainedCopy.h"
 #include "ports/HttpSession.h"
@@ -33,8 +32,8 @@ MakeUpdater makeUpdaterOver(HttpSession& session, Foundation& foundation,
                             const DeploymentConfiguration& configuration,
                             std::function<void()> quit);
 
-/// Lets go of the versions before, on that queue, once this one has run for a while.
-Task<> keepOwnCopyWhenStartedWell(Foundation& foundation, SerialQueue& queue, std::stop_token stop);
+/// Lets go of the versions before, once this one has run for a while.
+Task<> keepOwnCopyWhenStartedWell(Foundation& foundation, std::stop_token stop);
 
 /// At the very end of the program, when nothing holds its name any more: becomes the program that
 /// an update has put in place, or returns where there is none.

@@ -3,8 +3,8 @@
 #include <QUrlQuery>
 #include <utility>
 
+#include "base/RunElsewhere.h"
 #include "base/Text.h"
-#include "integrations/ReadElsewhere.h"
 #include "ports/HttpSession.h"
 #include "storage/DebugLog.h"
 #include "storage/DeploymentConfiguration.h"
@@ -175,8 +175,8 @@ Task<std::expected<QByteArray, HttpError>> SlackManager::call(QString method, QS
 template <typename Read>
 Task<Read> SlackManager::readAnswer(QByteArray answer, Read (*read)(const QByteArray&)) {
   if (!m_with.reader || answer.size() <= longestShortAnswer) co_return read(answer);
-  const auto reading = readElsewhere<Read>(m_with.reader->queue, m_with.reader->mainThread,
-                                           [answer, read] { return read(answer); });
+  const auto reading = runElsewhere<Read>(m_with.reader->queue, m_with.reader->mainThread,
+                                          [answer, read] { return read(answer); });
   auto learnt = co_await reading;
   co_return learnt;
 }

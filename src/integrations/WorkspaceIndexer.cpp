@@ -3,8 +3,8 @@
 #include <QFileInfo>
 #include <utility>
 
+#include "base/RunElsewhere.h"
 #include "integrations/EditorProjects.h"
-#include "integrations/ReadElsewhere.h"
 #include "integrations/WorkspaceScanner.h"
 #include "ports/FocusedApplication.h"
 #include "ports/FolderChooser.h"
@@ -133,7 +133,7 @@ Task<std::optional<QString>> WorkspaceIndexer::detectActiveWorkspace(Detection d
   if (auto folder = askXcode(detection)) co_return folder;
   const auto storageFolders =
       editorStorageFolders(m_with.configFolder, detection.bundleIdentifier, detection.appName);
-  const auto detected = readElsewhere<std::optional<QString>>(
+  const auto detected = runElsewhere<std::optional<QString>>(
       m_with.diskReader, m_with.mainThread,
       [storageFolders, fallbackRoots = m_with.fallbackRoots]() -> std::optional<QString> {
         const auto project = lastOpenedProject(storageFolders);
@@ -169,7 +169,7 @@ Task<> WorkspaceIndexer::scanDirectory(QString path) {
   m_activeWorkspaceName = split(path).name;
   changed.notify();
 
-  const auto scanned = readElsewhere<std::shared_ptr<const WorkspaceFiles>>(
+  const auto scanned = runElsewhere<std::shared_ptr<const WorkspaceFiles>>(
       m_with.diskReader, m_with.mainThread, [path, stop = m_scanStop.get_token()] {
         return std::make_shared<const WorkspaceFiles>(scanWorkspace(path, stop));
       });
