@@ -13,6 +13,7 @@ from gi.repository import Gio, GLib
 
 from accessibility import Walks
 from companion_service import CompanionService
+from notification_service import NotificationService
 from vemo_program import Vemo, program
 from virtual_desktop import wait_until
 from windows import Role, main_window, settings_window
@@ -162,10 +163,12 @@ class BadBuildTest(UpdatingCopy, unittest.TestCase):
             ended = subprocess.run([self.vemo.program], env=self.vemo.environment, stdin=subprocess.DEVNULL,
                                    capture_output=True, timeout=120, check=False)
             self.assertEqual(ended.returncode, -signal.SIGABRT, ended.stderr)
+        desktop = self.enterContext(NotificationService())
         self.vemo.launch()
         self.assertTrue(self.runs(1))
         self.assertEqual(self.current(), pathlib.Path("versions/1"))
         self.vemo.await_logged("updates: build 99 didn't start well here")
+        self.assertEqual(desktop.await_note().text, "The new version didn't start well on this computer.")
 
 
 if __name__ == "__main__":

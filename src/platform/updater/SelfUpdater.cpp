@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/RunElsewhere.h"
+#include "platform/updater/UpdateDownload.h"
 #include "platform/updater/UpdateSignatures.h"
 
 namespace vemo {
@@ -16,9 +18,13 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr auto checkInterval = 24h;
+constexpr auto lookInterval = 1h;
+/// A desktop that starts Vemo at login shows notes only a little later.
+constexpr auto returnNoteDelay = 15s;
 
-HttpRequest getRequest(const QUrl& url) {
-  return {.method = "GET", .url = url, .headers = {}, .body = {}, .timeout = 20s};
+QDateTime dateTimeFrom(Clock::WallTime time) {
+  const auto sinceEpoch = std::chrono::floor<std::chrono::milliseconds>(time.time_since_epoch());
+  return QDateTime::fromMSecsSinceEpoch(sinceEpoch.count());
 }
 
 qint64 unpackedSize(const AppcastItem& item) {
@@ -37,13 +43,28 @@ SelfUpdater::SelfUpdater(With with, UpdaterDelegate& delegate, UpdateUserDriverD
       m_memory(UpdateMemory::read(m_with.memoryFile, m_builtInKey)),
       m_tasks(m_with.mainThread) {
   if (m_builtInKey.isEmpty()) m_with.log(u"updates: the key in vemo.conf isn't an Ed25519 key"_s);
-  if (m_with.copy && m_with.copy->refusedBuild() > m_with.copy->currentBuild())
-    m_with.log(u"updates: build %1 didn't start well here"_s.arg(m_with.copy->refusedBuild()));
+  if (m_with.copy) {
+    if (const quint64 refused = m_with.copy->refusedBuild(); refused > m_with.copy->currentBuild())
+      m_with.log(u"updates: build %1 didn't start well here"_s.arg(refused));
+    m_tasks.start([this](std::stop_token stop) { return tellOfReturn(std::move(stop)); });
+  }
   m_tasks.start([this](std::stop_token stop) { return checkDaily(std::move(stop)); });
 }
 
 SelfUpdater::~SelfUpdater() {
   m_preparation.request_stop();
+}
+
+/// Once: the version that was put in place has given way to this one.
+Task<> SelfUpdater::tellOfReturn(std::stop_token stop) {
+  const quint64 installed = m_memory.installedBuild;
+  if (installed <= m_with.copy->currentBuild() || installed != m_with.copy->refusedBuild())
+    co_return;
+  if (co_await m_with.clock.sleep(returnNoteDelay, stop) != SleepEnd::Elapsed) co_return;
+  m_with.announce(noteOfReturn(m_with.system.applicationVersion), {});
+  recall();
+  m_memory.installedBuild = 0;
+  remember();
 }
 
 void SelfUpdater::setAutomaticallyChecksForUpdates(bool isOn) {
@@ -68,9 +89,18 @@ void SelfUpdater::remember() {
   changed.notify();
 }
 
+/// By the calendar's clock: the one that sleeps go by stands still while the machine does.
 Task<> SelfUpdater::checkDaily(std::stop_token stop) {
-  while (co_await m_with.clock.sleep(checkInterval, stop) == SleepEnd::Elapsed)
-    if (m_memory.automaticallyChecks) begin(UpdateCheck::Scheduled);
+  while (co_await m_with.clock.sleep(lookInterval, stop) == SleepEnd::Elapsed) {
+    recall();
+    if (m_memory.automaticallyChecks && isCheckDue()) begin(UpdateCheck::Scheduled);
+  }
+}
+
+bool SelfUpdater::isCheckDue() const {
+  const auto now = dateTimeFrom(m_with.clock.wallTime());
+  const auto last = m_memory.lastCheck;
+  return !last || *last > now || *last + checkInterval <= now;
 }
 
 void SelfUpdater::begin(UpdateCheck check) {
@@ -137,6 +167,8 @@ Task<SelfUpdater::Outcome> SelfUpdater::findAndFetch(UpdateCheck check, std::sto
                                          .channels = m_delegate.allowedChannels(),
                                          .systemVersion = m_with.system.systemVersion,
                                          .architecture = m_with.system.processorArchitecture});
+  if (m_quiet && (!item || item->shown != *m_quiet))
+    m_userDriver.didReceiveUserAttention(*std::exchange(m_quiet, {}));
   if (!item && m_ready) {
     tell(check, noteOfReadyUpdate(m_ready->shown));
     co_return Outcome();
@@ -160,14 +192,11 @@ Task<SelfUpdater::Outcome> SelfUpdater::findAndFetch(UpdateCheck check, std::sto
 
 /// Of what was fetched, only what is ready stays, and that build.
 Task<> SelfUpdater::tidyUp(quint64 wanted) {
-  const Completion<> completion(m_with.mainThread);
-  MainThread& mainThread = m_with.mainThread;
-  m_worker.post([completion, &mainThread, &copy = std::as_const(*m_with.copy),
-                 kept = QList{wanted, m_ready ? m_ready->build : 0}] {
-    copy.keepOnly(kept);
-    mainThread.post([completion] { completion.complete(); });
-  });
-  co_await completion;
+  co_await runElsewhere(
+      m_worker, m_with.mainThread,
+      [&copy = std::as_const(*m_with.copy), kept = QList{wanted, m_ready ? m_ready->build : 0}] {
+        copy.keepOnly(kept);
+      });
 }
 
 Task<SelfUpdater::Outcome> SelfUpdater::fetchAndPrepare(AppcastItem item, std::stop_token stop) {
@@ -177,21 +206,32 @@ Task<SelfUpdater::Outcome> SelfUpdater::fetchAndPrepare(AppcastItem item, std::s
   const qint64 free = m_with.freeSpace(m_with.copy->root());
   if (free >= 0 && free < wanted)
     co_return refuse(UpdateTrouble::DownloadFailed, u"there isn't enough space for the update"_s);
-  if (auto downloaded = co_await download(item, file, stop); !downloaded) co_return downloaded;
-  const Outcome prepared = co_await prepare(item, file);
-  // The file of a version that this machine was too busy to ask is good for the next check.
-  if (prepared || prepared.error() != UpdateTrouble::NoAnswer) QFile::remove(file);
-  if (prepared) {
-    offer(item);
-  } else if (prepared.error() == UpdateTrouble::InstallationFailed) {
+  const bool hadSome = QFileInfo::exists(file);
+  Outcome prepared = co_await fetchAndCheck(item, file, stop);
+  // What an earlier session had fetched may have been another archive of this build.
+  if (hadSome && prepared == std::unexpected(UpdateTrouble::NotSigned))
+    prepared = co_await fetchAndCheck(item, file, stop);
+  if (prepared) offer(item);
+  if (prepared == std::unexpected(UpdateTrouble::InstallationFailed))
     m_with.copy->refuse(item.build);
-  }
+  co_return prepared;
+}
+
+Task<SelfUpdater::Outcome> SelfUpdater::fetchAndCheck(AppcastItem item, QString file,
+                                                      std::stop_token stop) {
+  const UpdateDownload wholeFile{address(item.archive), item.archiveSize, file};
+  if (const auto downloaded = co_await download(m_with.session, wholeFile, stop); !downloaded)
+    co_return refuse(UpdateTrouble::DownloadFailed, downloaded.error());
+  const Outcome prepared = co_await prepare(item, file);
+  // A version that this machine was too busy to ask is asked again at the next check.
+  if (!prepared && prepared.error() != UpdateTrouble::NoAnswer) QFile::remove(file);
   co_return prepared;
 }
 
 Task<std::expected<QByteArray, UpdateTrouble>> SelfUpdater::fetch(QString name,
                                                                   std::stop_token stop) {
-  const HttpResult answer = co_await m_with.session.send(getRequest(address(name)), stop);
+  const HttpResult answer = co_await m_with.session.send(
+      {.method = "GET", .url = address(name), .headers = {}, .body = {}, .timeout = 20s}, stop);
   if (!answer) co_return refuse(UpdateTrouble::DownloadFailed, answer.error().description);
   if (answer->status != 200)
     co_return refuse(UpdateTrouble::DownloadFailed,
@@ -214,10 +254,7 @@ Task<std::expected<Appcast, UpdateTrouble>> SelfUpdater::readFeed(std::stop_toke
   }
   const auto feed = co_await fetch(u"appcast.xml"_s, stop);
   if (!feed) co_return std::unexpected(feed.error());
-  m_memory.lastCheck =
-      QDateTime::fromMSecsSinceEpoch(std::chrono::duration_cast<std::chrono::milliseconds>(
-                                         m_with.clock.wallTime().time_since_epoch())
-                                         .count());
+  m_memory.lastCheck = dateTimeFrom(m_with.clock.wallTime());
   remember();
   if (feed->size() > Appcast::largestFeed)
     co_return refuse(UpdateTrouble::FeedUnreadable, u"the feed is too large"_s);
@@ -229,46 +266,17 @@ Task<std::expected<Appcast, UpdateTrouble>> SelfUpdater::readFeed(std::stop_toke
     co_return refuse(UpdateTrouble::FeedRefused, u"the feed is older than one seen before"_s);
   if (appcast->expires < *m_memory.lastCheck)
     co_return refuse(UpdateTrouble::FeedRefused, u"the feed has expired"_s);
-  m_memory.serial = appcast->serial;
-  remember();
+  if (std::exchange(m_memory.serial, appcast->serial) != appcast->serial) remember();
   co_return *std::move(appcast);
 }
 
-Task<SelfUpdater::Outcome> SelfUpdater::download(AppcastItem item, QString file,
-                                                 std::stop_token stop) {
-  QFile partial(file);
-  if (!partial.open(QIODevice::ReadWrite))
-    co_return refuse(UpdateTrouble::DownloadFailed, partial.errorString());
-  if (partial.size() > item.archiveSize) partial.resize(0);
-  partial.seek(partial.size());
-  for (qint64 have = partial.size(); have < item.archiveSize; have = partial.size()) {
-    const qint64 wanted = std::min(pieceSize, item.archiveSize - have);
-    HttpRequest request = getRequest(address(item.archive));
-    request.setHeader(
-        "Range", "bytes=" + QByteArray::number(have) + '-' + QByteArray::number(have + wanted - 1));
-    const HttpResult answer = co_await m_with.session.send(std::move(request), stop);
-    if (!answer) co_return refuse(UpdateTrouble::DownloadFailed, answer.error().description);
-    const bool isWhole = answer->status == 200 && have == 0 && wanted == item.archiveSize;
-    if ((answer->status != 206 && !isWhole) || answer->body.size() != wanted)
-      co_return refuse(UpdateTrouble::DownloadFailed,
-                       u"the server sent something else than was asked for"_s);
-    if (partial.write(answer->body) != wanted || !partial.flush())
-      co_return refuse(UpdateTrouble::DownloadFailed, partial.errorString());
-  }
-  co_return Outcome();
-}
-
 Task<SelfUpdater::Outcome> SelfUpdater::prepare(AppcastItem item, QString file) {
-  const Completion<UpdatePreparation> completion(m_with.mainThread);
-  MainThread& mainThread = m_with.mainThread;
-  m_worker.post([completion, &mainThread, item, file, key = m_memory.key,
-                 folder = m_with.copy->stagingFolder(item.build),
-                 stop = m_preparation.get_token()] {
-    mainThread.post([completion, done = prepareUpdate(item, file, key, folder, stop)] {
-      completion.complete(done);
-    });
-  });
-  const UpdatePreparation prepared = co_await completion;
+  const auto prepared = co_await runElsewhere<UpdatePreparation>(
+      m_worker, m_with.mainThread,
+      [item, file, key = m_memory.key, folder = m_with.copy->stagingFolder(item.build),
+       limit = m_with.answerLimit, stop = m_preparation.get_token()] {
+        return prepareUpdate(item, file, key, folder, limit, stop);
+      });
   if (!prepared) co_return refuse(prepared.error().trouble, prepared.error().why);
   co_return Outcome();
 }
@@ -297,11 +305,18 @@ void SelfUpdater::installOnQuit() {
 
 /// What is left unpacked when it fails can be tried again.
 bool SelfUpdater::install() {
-  const QString unpacked = m_with.copy->stagingFolder(m_ready->build);
-  const auto installed = m_with.copy->install(m_ready->build);
+  const quint64 build = m_ready->build;
+  const QString unpacked = m_with.copy->stagingFolder(build);
+  const auto installed = m_with.copy->install(build);
   m_isReplaced = installed.has_value();
   if (installed || !QFileInfo::exists(unpacked)) m_ready.reset();
-  if (installed) return true;
+  if (installed) {
+    QFile::remove(m_with.copy->downloadFile(build));
+    recall();
+    m_memory.installedBuild = build;
+    remember();
+    return true;
+  }
   m_with.log(u"updates: "_s + installed.error());
   m_delegate.didAbort({QString::fromUtf16(updaterErrorDomain),
                        static_cast<int>(UpdateTrouble::InstallationFailed)});
@@ -314,6 +329,7 @@ UpdateShownBy SelfUpdater::show(const UpdateItem& update, UpdateCheck check) {
   const bool isOurs = check == UpdateCheck::UserInitiated ||
                       m_userDriver.shouldHandleShowingScheduledUpdate(update, focus);
   const auto shownBy = isOurs ? UpdateShownBy::Updater : UpdateShownBy::Delegate;
+  if (shownBy == UpdateShownBy::Delegate) m_quiet = update;
   m_userDriver.willHandleShowingUpdate(shownBy, update, check);
   return shownBy;
 }

@@ -4,11 +4,11 @@
 // Only a copy in a folder of the user's own is replaced; elsewhere the user is told that there is a
 // new version. A feed or an archive that isn't signed by the key in force, a feed older than one
 // that was seen or past its date, and an archive that isn't what the feed says are refused, and end
-// the session with an error. Downloads are resumed where they stopped, at the next check. What was
-// offered can be installed until it has been, or is offered no more: where that fails, it is tried
-// or fetched once more. A build that doesn't start on this machine, or that the user has skipped,
-// is tried again only when the user asks. Where a user has several sessions, the first of them that
-// fetches an update installs it.
+// the session with an error. Downloads are resumed where they stopped, at the next check, and stay
+// until they are installed. What was offered can be installed until it has been, or is offered no
+// more: where that fails, it is tried or fetched once more. A build that doesn't start on this
+// machine, or that the user has skipped, is tried again only when the user asks. Where a user has
+// several sessions, the first of them that fetches an update installs it.
 //
 // Main thread only; archives are checked and unpacked on a thread of their own. Destroying it ends
 // what is under way.
@@ -22,6 +22,7 @@
 #include "platform/updater/UpdateMemory.h"
 #include "platform/updater/UpdateNote.h"
 #include "platform/updater/UpdatePreparation.h"
+#include "platform/updater/VersionCheck.h"
 #include "ports/HttpSession.h"
 #include "ports/SystemInformation.h"
 #include "ports/Updater.h"
@@ -40,6 +41,7 @@ class SelfUpdater : public Updater {
     SystemInformation system;
     std::optional<SelfContainedCopy> copy;
     QString memoryFile;
+    std::chrono::milliseconds answerLimit = versionCheckLimit;
     std::function<qint64(const QString& folder)> freeSpace;  ///< in bytes; negative where unknown
     std::function<void(const QString& line)> log;
     /// Tells the user; `choose` is called at most once, and only where there is something to
@@ -48,9 +50,6 @@ class SelfUpdater : public Updater {
     std::function<bool()> isInFront;  ///< whether the user looks at one of the program's windows
     std::function<void()> relaunch;   ///< ends this program and starts the current version
   };
-
-  /// An archive is fetched in pieces of this size.
-  static constexpr qint64 pieceSize = 1024 * 1024;
 
   SelfUpdater(With with, UpdaterDelegate& delegate, UpdateUserDriverDelegate& userDriver);
   ~SelfUpdater() override;
@@ -70,10 +69,12 @@ class SelfUpdater : public Updater {
  private:
   using Outcome = std::expected<void, UpdateTrouble>;
 
+  Task<> tellOfReturn(std::stop_token stop);
   void begin(UpdateCheck check);
   void recall();
   void remember();
   Task<> checkDaily(std::stop_token stop);
+  bool isCheckDue() const;
   Task<> runSession(UpdateCheck check, std::stop_token stop);
   Task<Outcome> findAndFetch(UpdateCheck check, std::stop_token stop);
   quint64 newestBuild(UpdateCheck check) const;
@@ -82,7 +83,7 @@ class SelfUpdater : public Updater {
   Task<Outcome> fetchAndPrepare(AppcastItem item, std::stop_token stop);
   Task<std::expected<QByteArray, UpdateTrouble>> fetch(QString name, std::stop_token stop);
   Task<std::expected<Appcast, UpdateTrouble>> readFeed(std::stop_token stop);
-  Task<Outcome> download(AppcastItem item, QString file, std::stop_token stop);
+  Task<Outcome> fetchAndCheck(AppcastItem item, QString file, std::stop_token stop);
   Task<Outcome> prepare(AppcastItem item, QString file);
   void offer(const AppcastItem& item);
   void installNow();
@@ -105,6 +106,7 @@ class SelfUpdater : public Updater {
   bool m_isBusy = false;
   std::optional<UpdateCheck> m_next;  ///< asked for during a session
   bool m_isReplaced = false;          ///< another version starts next: there is nothing left to do
+  std::optional<UpdateItem> m_quiet;  ///< left to the delegate to show
   std::optional<AppcastItem> m_ready;
   std::stop_source m_preparation;
   SerialQueue m_worker{"vemo.updater"};

@@ -31,6 +31,7 @@ UpdateMemory UpdateMemory::read(const QString& file, const QByteArray& builtIn) 
   memory.automaticallyChecks = json[u"automaticallyChecks"].toBool(true);
   memory.automaticallyDownloads = json[u"automaticallyDownloads"].toBool(true);
   memory.skippedBuild = json[u"skippedBuild"].toString().toULongLong();
+  memory.installedBuild = json[u"installedBuild"].toString().toULongLong();
   const auto lastCheck = QDateTime::fromString(json[u"lastCheck"].toString(), Qt::ISODate);
   if (lastCheck.isValid()) memory.lastCheck = lastCheck;
   if (json[u"builtInKey"].toString() != base64(builtIn)) return memory;
@@ -47,6 +48,7 @@ bool UpdateMemory::write(const QString& file, const QByteArray& builtIn) const {
       {u"key"_s, base64(key)},
       {u"lastCheck"_s, lastCheck ? lastCheck->toUTC().toString(Qt::ISODate) : QString()},
       {u"skippedBuild"_s, QString::number(skippedBuild)},
+      {u"installedBuild"_s, QString::number(installedBuild)},
       {u"automaticallyChecks"_s, automaticallyChecks},
       {u"automaticallyDownloads"_s, automaticallyDownloads}};
   QSaveFile saved(file);

@@ -15,7 +15,8 @@ struct UpdateMemory {
   quint64 serial = 0;  ///< of the newest feed, under the key in force
   QByteArray key;      ///< in force
   std::optional<QDateTime> lastCheck;
-  quint64 skippedBuild = 0;  ///< the newest that the user doesn't want
+  quint64 skippedBuild = 0;    ///< the newest that the user doesn't want
+  quint64 installedBuild = 0;  ///< the last one, until the user knows that it has given way
   bool automaticallyChecks = true;
   bool automaticallyDownloads = true;
 

@@ -39,6 +39,11 @@ UpdateNote noteOfAnotherSession() {
   return {tr("Update under way"), tr("Another session of yours is updating Vemo.")};
 }
 
+UpdateNote noteOfReturn(const QString& runningVersion) {
+  return {tr("Back to Vemo %1").arg(runningVersion),
+          tr("The new version didn't start well on this computer.")};
+}
+
 UpdateNote noteOfUpdateTrouble() {
   return {tr("The update didn't work"), tr("Please try again later.")};
 }

@@ -24,5 +24,7 @@ UpdateNote noteOfReadyUpdate(const UpdateItem& update);
 UpdateNote noteOfNoUpdate(const QString& runningVersion);
 UpdateNote noteOfUpdateTrouble();
 UpdateNote noteOfAnotherSession();
+/// The one that was put in place has given way to the one that runs.
+UpdateNote noteOfReturn(const QString& runningVersion);
 
 }  // namespace vemo

@@ -20,10 +20,11 @@ bool isSigned(const AppcastItem& item, const QString& file, const QByteArray& ke
 }
 
 UpdatePreparation unpackAndCheck(const AppcastItem& item, const QString& file,
-                                 const QString& folder, const std::stop_token& stop) {
+                                 const QString& folder, std::chrono::milliseconds limit,
+                                 const std::stop_token& stop) {
   if (const auto unpacked = unpackUpdate(file, item.files, folder, stop); !unpacked)
     return std::unexpected(UpdateRefusal{UpdateTrouble::ArchiveRefused, unpacked.error()});
-  const auto checked = checkVersion(folder, item.shown.displayVersion, item.build, stop);
+  const auto checked = checkVersion(folder, item.shown.displayVersion, item.build, stop, limit);
   if (checked) return {};
   return std::unexpected(UpdateRefusal{
       checked.error().isFinal ? UpdateTrouble::InstallationFailed : UpdateTrouble::NoAnswer,
@@ -33,12 +34,13 @@ UpdatePreparation unpackAndCheck(const AppcastItem& item, const QString& file,
 }  // namespace
 
 UpdatePreparation prepareUpdate(const AppcastItem& item, const QString& file, const QByteArray& key,
-                                const QString& folder, const std::stop_token& stop) {
+                                const QString& folder, std::chrono::milliseconds limit,
+                                const std::stop_token& stop) {
   if (!isSigned(item, file, key))
     return std::unexpected(
         UpdateRefusal{UpdateTrouble::NotSigned, u"the archive's signature is wrong"_s});
   QDir(folder).removeRecursively();
-  const UpdatePreparation prepared = unpackAndCheck(item, file, folder, stop);
+  const UpdatePreparation prepared = unpackAndCheck(item, file, folder, limit, stop);
   if (!prepared) QDir(folder).removeRecursively();
   return prepared;
 }

@@ -3,6 +3,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <chrono>
 #include <expected>
 #include <stop_token>
 
@@ -31,9 +32,10 @@ struct UpdateRefusal {
 using UpdatePreparation = std::expected<void, UpdateRefusal>;
 
 /// Verifies the file's signature before anything else is done with it, unpacks it into the folder,
-/// which is made anew, and has the version check itself there. Where it fails, the folder is gone.
-/// Blocks; any thread.
+/// which is made anew, and has the version check itself there, for which it has `limit`. Where it
+/// fails, the folder is gone. Blocks; any thread.
 UpdatePreparation prepareUpdate(const AppcastItem& item, const QString& file, const QByteArray& key,
-                                const QString& folder, const std::stop_token& stop);
+                                const QString& folder, std::chrono::milliseconds limit,
+                                const std::stop_token& stop);
 
 }  // namespace vemo

@@ -2,6 +2,7 @@
 
 #include <QDeadlineTimer>
 #include <QProcess>
+#include <csignal>
 
 namespace vemo {
 
@@ -9,7 +10,6 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-constexpr int limit = 20'000;      ///< milliseconds
 constexpr int pollInterval = 100;  ///< milliseconds
 
 std::unexpected<VersionCheckFailure> failure(const QString& why, bool isFinal) {
@@ -19,7 +19,8 @@ std::unexpected<VersionCheckFailure> failure(const QString& why, bool isFinal) {
 }  // namespace
 
 std::expected<void, VersionCheckFailure> checkVersion(const QString& folder, const QString& version,
-                                                      quint64 build, const std::stop_token& stop) {
+                                                      quint64 build, const std::stop_token& stop,
+                                                      std::chrono::milliseconds limit) {
   QProcess program;
   program.setProcessChannelMode(QProcess::ForwardedErrorChannel);
   program.start(folder + u"/bin/vemo"_s, {u"--check"_s}, QIODevice::ReadOnly);
@@ -30,6 +31,8 @@ std::expected<void, VersionCheckFailure> checkVersion(const QString& folder, con
     program.waitForFinished(-1);
     return failure(u"the new version doesn't answer"_s, false);
   }
+  if (program.exitStatus() == QProcess::CrashExit && program.exitCode() == SIGKILL)
+    return failure(u"the new version was ended while it checked itself"_s, false);
   if (program.error() == QProcess::FailedToStart || program.exitStatus() != QProcess::NormalExit ||
       program.exitCode() != 0)
     return failure(u"the new version doesn't start here"_s, true);

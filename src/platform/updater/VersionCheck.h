@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QString>
+#include <chrono>
 #include <expected>
 #include <stop_token>
 
@@ -13,10 +14,12 @@ struct VersionCheckFailure {
   bool isFinal;
 };
 
-/// Starts `folder`/bin/vemo to check itself, for 20 seconds at most, and demands the version and
-/// build that it was released as. Blocks; any thread.
-std::expected<void, VersionCheckFailure> checkVersion(const QString& folder, const QString& version,
-                                                      quint64 build,
-                                                      const std::stop_token& stop = {});
+inline constexpr std::chrono::milliseconds versionCheckLimit = std::chrono::seconds(20);
+
+/// Starts `folder`/bin/vemo to check itself, for `limit` at most, and demands the version and build
+/// that it was released as. Blocks; any thread.
+std::expected<void, VersionCheckFailure> checkVersion(
+    const QString& folder, const QString& version, quint64 build, const std::stop_token& stop = {},
+    std::chrono::milliseconds limit = versionCheckLimit);
 
 }  // namespace vemo

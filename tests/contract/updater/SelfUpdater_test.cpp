@@ -61,7 +61,7 @@ TEST_F(SelfUpdaterTest, ADownloadThatBrokeOffGoesOnWhereItStopped) {
   while (noise.size() < 2'500'000)
     noise.append(static_cast<char>((state = state * 1664525 + 1013904223) >> 24));
   const AppcastItem item = release(2, "1.1.0", noise);
-  ASSERT_GT(item.archiveSize, 2 * SelfUpdater::pieceSize);
+  ASSERT_GT(item.archiveSize, 2 * UpdateDownload::pieceSize);
   publish({item});
   // What had come before the break.
   writeTestFile(root + u"/versions/.download-2"_s, server.files["vemo-2.tar.xz"].first(1'500'000),
@@ -137,11 +137,36 @@ TEST_F(SelfUpdaterTest, ANewerUpdateTakesTheReadyOnesPlaceAndWhatWasLeftGoesWith
   writeTestFile(root + u"/versions/.staging-7/bin/vemo"_s, "half", true);
   publish({release(2, "1.1.0")});
   EXPECT_THAT(check(), IsEmpty());
-  EXPECT_THAT(leftovers(), ElementsAre(u".staging-2"_s));
+  EXPECT_THAT(leftovers(), ElementsAre(u".download-2"_s, u".staging-2"_s));
   publish({release(3, "1.2.0")});
   EXPECT_THAT(check(), IsEmpty());
   updater->installOnQuit();
   EXPECT_EQ(startedVersion(root), "Vemo 1.2.0");
+}
+
+TEST_F(SelfUpdaterTest, WhatTheLastEndDidNotInstallIsReadyAgainWithoutFetchingIt) {
+  publish({release(2, "1.1.0")});
+  EXPECT_THAT(check(), IsEmpty());
+  start();
+  delegate.ready.reset();
+  server.asked.clear();
+  EXPECT_THAT(check(), IsEmpty());
+  EXPECT_TRUE(delegate.ready);
+  EXPECT_THAT(server.asked, ElementsAre("keys.txt", "appcast.xml"));
+  updater->installOnQuit();
+  EXPECT_EQ(startedVersion(root), "Vemo 1.1.0");
+  EXPECT_THAT(leftovers(), IsEmpty());
+}
+
+TEST_F(SelfUpdaterTest, ABuildThatWasReleasedAnewTakesTheReadyOnesPlace) {
+  publish({release(2, "1.1.0")});
+  EXPECT_THAT(check(), IsEmpty());
+  publish({release(2, "1.1.0", "new")}, 2);
+  EXPECT_THAT(check(), IsEmpty());
+  updater->installOnQuit();
+  QFile ballast(root + u"/current/lib/ballast"_s);
+  ASSERT_TRUE(ballast.open(QIODevice::ReadOnly));
+  EXPECT_EQ(ballast.readAll(), "new1.1.0");
 }
 
 TEST_F(SelfUpdaterTest, WhatWasRefusedLeavesNothingOnTheDisk) {
@@ -150,23 +175,6 @@ TEST_F(SelfUpdaterTest, WhatWasRefusedLeavesNothingOnTheDisk) {
   publish({item});
   EXPECT_THAT(check(), ElementsAre(4005));
   EXPECT_THAT(leftovers(), IsEmpty());
-}
-
-TEST_F(SelfUpdaterTest, ABuildThatDidNotStartWellAndOlderOnesAreNotTakenByThemselves) {
-  writeTestFile(root + u"/refused"_s, "3", false);
-  publish({release(2, "1.1.0"), release(3, "1.2.0")});
-  EXPECT_THAT(check(), ElementsAre(1001));
-  publish({release(2, "1.1.0"), release(3, "1.2.0"), release(4, "1.3.0")});
-  EXPECT_THAT(check(), IsEmpty());
-  EXPECT_EQ(delegate.ready->displayVersion, u"1.3.0"_s);
-}
-
-TEST_F(SelfUpdaterTest, ABuildThatDidNotStartWellIsTakenAgainWhenTheUserAsks) {
-  writeTestFile(root + u"/refused"_s, "2", false);
-  publish({release(2, "1.1.0")});
-  EXPECT_THAT(check(UpdateCheck::UserInitiated), IsEmpty());
-  updater->installOnQuit();
-  EXPECT_EQ(startedVersion(root), "Vemo 1.1.0");
 }
 
 TEST_F(SelfUpdaterTest, AnInstallationThatFailsIsReportedAndNothingRelaunches) {
@@ -210,6 +218,7 @@ TEST_F(SelfUpdaterTest, AnUpdateThatIsGoneAndCouldNotBeFetchedIsFetchedWhenTheUs
   publish({release(2, "1.1.0")});
   EXPECT_THAT(check(), IsEmpty());
   QDir(root + u"/versions/.staging-2"_s).removeRecursively();
+  QFile::remove(root + u"/versions/.download-2"_s);
   server.manners["vemo-2.tar.xz"] = ReleaseServer::Manner::Breaks;
   delegate.ready.reset();
   delegate.installNow();
@@ -342,12 +351,6 @@ TEST_F(SelfUpdaterTest, ItsEndDoesNotWaitForAVersionThatDoesNotAnswer) {
   elapsed.start();
   updater.reset();
   EXPECT_LT(elapsed.elapsed(), 10'000) << "the version would have had 20 seconds";
-}
-
-TEST_F(SelfUpdaterTest, ABuildThatWasGivenUpIsTold) {
-  writeTestFile(root + u"/refused"_s, "2", false);
-  start();
-  EXPECT_THAT(log, ElementsAre(u"updates: build 2 didn't start well here"_s));
 }
 
 TEST_F(SelfUpdaterTest, AKeyThatIsNoneIsToldOnce) {

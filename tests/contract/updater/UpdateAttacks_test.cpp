@@ -124,20 +124,8 @@ TEST_F(UpdateAttacksTest, SlowRetrievalEndsAtTheTransfersLimit) {
   QtHttpSession impatient(mainThread, {.requestTimeout = 20s, .resourceTimeout = 300ms});
   publish({release(2, "1.1.0")});
   server.manners["vemo-2.tar.xz"] = ReleaseServer::Manner::Drips;
-  SelfUpdater::With slow = with();
-  updater.emplace(SelfUpdater::With{.mainThread = slow.mainThread,
-                                    .clock = slow.clock,
-                                    .session = impatient,
-                                    .publicKey = slow.publicKey,
-                                    .system = slow.system,
-                                    .copy = slow.copy,
-                                    .memoryFile = slow.memoryFile,
-                                    .freeSpace = slow.freeSpace,
-                                    .log = slow.log,
-                                    .announce = slow.announce,
-                                    .isInFront = slow.isInFront,
-                                    .relaunch = slow.relaunch},
-                  delegate, delegate);
+  usedSession = &impatient;
+  start();
   EXPECT_THAT(check(), ElementsAre(2001));
   updater.reset();
 }

@@ -56,6 +56,19 @@ TEST_F(UpdateChoicesTest, WhatWasPutOffComesAgain) {
   EXPECT_THAT(announced, ElementsAre(u"Vemo 1.1.0 is available"_s));
 }
 
+TEST_F(UpdateChoicesTest, WhatIsNoLongerOfferedNeedsNoAttentionAnyMore) {
+  publish({release(2, "1.1.0")});
+  check();
+  EXPECT_EQ(delegate.shownBy, UpdateShownBy::Delegate);
+  check();
+  EXPECT_EQ(delegate.attentions, 0) << "it is still there";
+  publish({});
+  EXPECT_THAT(check(), ElementsAre(noUpdate));
+  EXPECT_EQ(delegate.attentions, 1);
+  EXPECT_THAT(check(), ElementsAre(noUpdate));
+  EXPECT_EQ(delegate.attentions, 1);
+}
+
 TEST_F(UpdateChoicesTest, WhatWasSkippedDoesNotComeAgainByItself) {
   answer(UpdateChoice::Skip);
   EXPECT_THAT(check(), ElementsAre(noUpdate));

@@ -18,6 +18,7 @@
 #include "platform/qt/QtMainThread.h"
 #include "platform/updater/SelfUpdater.h"
 #include "platform/updater/UpdateArchive.h"
+#include "platform/updater/UpdateDownload.h"
 #include "platform/updater/UpdateSignatures.h"
 
 namespace vemo {
@@ -113,7 +114,7 @@ class UpdaterFixture : public testing::Test {
   SelfUpdater::With with() {
     return {.mainThread = mainThread,
             .clock = clock,
-            .session = session,
+            .session = *usedSession,
             .publicKey = keys.publicKey.toBase64(),
             .system = {.systemVersion = u"12.8.0"_s,
                        .applicationVersion = u"1.0.0"_s,
@@ -121,6 +122,7 @@ class UpdaterFixture : public testing::Test {
                        .processorArchitecture = u"x86_64"_s},
             .copy = isOurs ? SelfContainedCopy::around(m_program) : std::nullopt,
             .memoryFile = folder.filePath(u"updates.json"_s),
+            .answerLimit = answerLimit,
             .freeSpace = [this](const QString&) { return freeSpace; },
             .log = [this](const QString& line) { log.append(line); },
             .announce =
@@ -135,7 +137,9 @@ class UpdaterFixture : public testing::Test {
 
   SelfUpdater& start() {
     updater.reset();
-    return updater.emplace(with(), delegate, delegate);
+    updater.emplace(with(), delegate, delegate);
+    EXPECT_TRUE(loop.runUntil([this] { return clock.sleeperCount() > 0; })) << "its daily check";
+    return *updater;
   }
 
   /// Of downloads and of versions that aren't installed.
@@ -209,6 +213,7 @@ class UpdaterFixture : public testing::Test {
   FakeMainThread clockThread;
   FakeClock clock{clockThread};
   QtHttpSession session{mainThread, {.requestTimeout = 20s, .resourceTimeout = 20s}};
+  QtHttpSession* usedSession = &session;
   QTemporaryDir folder;
   const QString root = folder.filePath(u"vemo"_s);
   SigningKeys keys = SigningKeys::generate();
@@ -216,6 +221,7 @@ class UpdaterFixture : public testing::Test {
   NotingDelegate delegate;
   std::optional<SelfUpdater> updater;
   bool isOurs = true;
+  std::chrono::milliseconds answerLimit = versionCheckLimit;
   qint64 freeSpace = -1;
   int relaunches = 0;
   QStringList log;
