@@ -34,6 +34,14 @@ class VirtualDesktopTest(unittest.TestCase):
             stranger = desktop.environment | {"XAUTHORITY": "/dev/null"}
             self.assertNotEqual(desktop.run(["xdpyinfo"], env=stranger, capture_output=True).returncode, 0)
 
+    def test_a_stroke_on_a_desktop_for_users_counts_once_however_long_the_machine_stalls(self):
+        with VirtualDesktop("window-manager") as desktop:
+            self.assertRegex(desktop.output("xset", "q"), r"auto repeat: +off")
+
+    def test_a_bare_display_repeats_a_held_key(self):
+        with VirtualDesktop("x11") as desktop:
+            self.assertRegex(desktop.output("xset", "q"), r"auto repeat: +on")
+
     def test_a_daemon_that_left_its_parent_ends_with_the_desktop(self):
         with VirtualDesktop() as desktop:
             number = int(desktop.output("sh", "-c", "setsid sleep 1000 >/dev/null 2>&1 & echo $!"))

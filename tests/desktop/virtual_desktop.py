@@ -222,10 +222,12 @@ class VirtualDesktop:
         authority.touch(mode=0o600)
         authority.write_bytes(x_authority(secrets.token_bytes(16)))
         self.environment["XAUTHORITY"] = str(authority)
+        # Where a user works, no key repeats: on a machine that stalls, a stroke would count as several.
+        repetition = ["-r"] if "window-manager" in self.parts else []
         reader, writer = os.pipe()
         process = self._start_part("Xvfb", [
             "Xvfb", "-displayfd", str(writer), "-screen", "0", f"{self.size}x24", "-nolisten", "tcp",
-            "-noreset", "-auth", str(authority)], pass_fds=[writer])
+            "-noreset", "-auth", str(authority), *repetition], pass_fds=[writer])
         os.close(writer)
         return process, reader
 
