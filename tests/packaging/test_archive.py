@@ -44,6 +44,17 @@ def pack(folder):
     return archive
 
 
+def with_empty_files(version, folder):
+    """The version's files by their names alone, since the real ones take minutes to pack, but for the program."""
+    for file in (file for file in version.rglob("*") if file.is_file()):
+        empty = folder / file.relative_to(version)
+        empty.parent.mkdir(parents=True, exist_ok=True)
+        empty.touch()
+    (folder / "bin/vemo").write_text(f'#!/bin/sh\nexec "{version}/bin/vemo" "$@"\n')
+    (folder / "bin/vemo").chmod(0o755)
+    return folder
+
+
 def names_in(binaries, kind):
     """What they call themselves (SONAME), or others (NEEDED)."""
     told = subprocess.run(["readelf", "-d", *binaries], capture_output=True, text=True, check=True).stdout
@@ -166,6 +177,22 @@ class ArchiveTest(unittest.TestCase):
         self.assertIn("<svg", (share / f"icons/hicolor/scalable/apps/{icon}.svg").read_text())
         status, text = output_of(self.home / ".local/bin/vemo", "--version")
         self.assertEqual(0, status, text)
+
+    def test_its_version_can_be_released(self):
+        told = subprocess.run([self.version / "bin/vemo", "--check"], capture_output=True, text=True, check=True).stdout
+        ((version, build),) = re.findall(r"^Vemo (\S+) \((\d+)\)$", told, re.MULTILINE)
+        self.assertEqual(self.version.name, build)
+        feed, key = self.root / "feed", self.root / "key"
+        feed.mkdir()
+
+        def release(*words):
+            return subprocess.run([BUILD / "bin/vemo-release", *words], capture_output=True, text=True, check=True).stdout
+
+        public_key = release("new-key", key).strip()
+        release("add", key, feed, with_empty_files(self.version, self.root / "to release"), version, build)
+        self.assertIn("good: 1 versions", release("check", public_key, feed))
+        files = [file for file in self.version.rglob("*") if file.is_file()]
+        self.assertEqual(len(files), (feed / "appcast.xml").read_text().count("<file "))
 
     def test_its_windows_open_with_its_own_qt_and_its_icon(self):
         seen = subprocess.run([SOURCE / "tests/packaging/show_windows.py", "--programs", self.copy / "current/bin",
