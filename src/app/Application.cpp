@@ -44,23 +44,23 @@ Task<> Application::quitWithoutLoss() {
   QCoreApplication::quit();
 }
 
-std::expected<std::unique_ptr<Application>, QString> Application::create(
+std::expected<std::unique_ptr<Application>, Application::Refusal> Application::create(
     DeploymentConfiguration configuration, std::optional<SelfContainedCopy> copy,
     const QString& address) {
   // The name comes before everything that another instance may be writing to.
   auto bus = BusRemoteControl::create();
   if (!bus && bus.error() == BusNameError::NoBus)
-    return std::unexpected(u"Vemo needs a D-Bus session bus."_s);
+    return std::unexpected(Refusal{u"Vemo needs a D-Bus session bus."_s, true});
   if (!bus) {
     const auto answer =
         address.isEmpty() ? sendCommand(u"reopen"_s) : sendCommand(u"open"_s, {address});
-    if (!answer) return std::unexpected(answer.error());
+    if (!answer) return std::unexpected(Refusal{answer.error(), true});
     return nullptr;
   }
   std::unique_ptr<Application> application(new Application(std::move(configuration)));
   application->m_bus = *std::move(bus);
   if (auto error = application->start(std::move(copy), address))
-    return std::unexpected(*std::move(error));
+    return std::unexpected(Refusal{*std::move(error), false});
   return application;
 }
 

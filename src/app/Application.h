@@ -25,9 +25,15 @@ struct Program;
 
 class Application {
  public:
+  /// Why the program can't start.
+  struct Refusal {
+    QString text;              ///< one line for the person who starts it
+    bool isOfTheSurroundings;  ///< no other version could start either
+  };
+
   /// Null when another instance runs, which has come forward instead, or has taken the address. An
-  /// empty address is none. The error is one line for the person who starts the program.
-  static std::expected<std::unique_ptr<Application>, QString> create(
+  /// empty address is none.
+  static std::expected<std::unique_ptr<Application>, Refusal> create(
       DeploymentConfiguration configuration, std::optional<SelfContainedCopy> copy,
       const QString& address);
   ~Application();
@@ -35,7 +41,7 @@ class Application {
  private:
   explicit Application(DeploymentConfiguration configuration);
 
-  /// Makes the desktop and launches the program; the error is that of create().
+  /// Makes the desktop and launches the program; the error is a text for the person who starts it.
   std::optional<QString> start(std::optional<SelfContainedCopy> copy, const QString& address);
 
   void quit();

@@ -86,7 +86,10 @@ int runResident(int argc, char** argv, const RunCommand& command) {
   QGuiApplication::setQuitOnLastWindowClosed(false);
   QGuiApplication::setDesktopFileName(u"brelmox.Vemo"_s);
   auto application = Application::create(*std::move(configuration), ownCopy, command.address);
-  if (!application) return complain(application.error(), failure);
+  if (!application) {
+    if (application.error().isOfTheSurroundings) takeBackStart();
+    return complain(application.error().text, failure);
+  }
   // Also where Qt ends the program because its display has gone.
   std::atexit(takeBackStart);
   if (!*application) return EXIT_SUCCESS;

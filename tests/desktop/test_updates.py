@@ -146,9 +146,16 @@ class QuitTest(UpdatingCopy, unittest.TestCase):
             self.assertTrue(self.runs_the_next_build())
             end()
             self.assertFalse((self.copy / "trial").exists())
+        self.assert_that_a_desktop_without_a_bus_is_not_held_against_it()
         self.vemo.launch()
         wait_until(lambda: not (self.copy / "versions/1").exists(), "the version before to go")
         self.assertTrue(self.runs_the_next_build())
+
+    def assert_that_a_desktop_without_a_bus_is_not_held_against_it(self):
+        without_bus = self.vemo.environment | {"DBUS_SESSION_BUS_ADDRESS": "unix:path=/nowhere"}
+        ended = subprocess.run([self.vemo.program], env=without_bus, capture_output=True, text=True, timeout=120, check=False)
+        self.assertEqual((ended.returncode, ended.stderr), (1, "Vemo needs a D-Bus session bus.\n"))
+        self.assertFalse((self.copy / "trial").exists())
 
 
 class BadBuildTest(UpdatingCopy, unittest.TestCase):
