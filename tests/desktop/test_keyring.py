@@ -56,9 +56,6 @@ class KeyringTest(unittest.TestCase):
     def start_vemo(self):
         self.vemo = self.enterContext(Vemo(self.server.address))
 
-    def await_status(self, status):
-        wait_until(lambda: self.vemo.status() == status, lambda: f"“{status}”; {self.vemo.story()}")
-
     def assert_dictation_works(self):
         self.server.answers = [transcription("It works.")]
         self.vemo.dictate()
@@ -69,9 +66,9 @@ class KeyringTest(unittest.TestCase):
         lock_keyring()
         self.addCleanup(unlock_keyring)
         self.start_vemo()
-        self.await_status("idle: Sign in to connect")
+        self.vemo.await_status("idle: Sign in to connect")
         unlock_keyring()
-        self.await_status("idle")
+        self.vemo.await_status("idle")
         self.assert_dictation_works()
 
     def test_a_silent_keyring_holds_up_neither_the_start_nor_a_command(self):
@@ -79,7 +76,7 @@ class KeyringTest(unittest.TestCase):
             begin = time.monotonic()
             self.start_vemo()
             self.assertLess(time.monotonic() - begin, SOON)
-            self.await_status("idle: Sign in to connect")
+            self.vemo.await_status("idle: Sign in to connect")
             for command in ("status", "start", "sign-out"):
                 begin = time.monotonic()
                 self.vemo.command(command)
@@ -88,16 +85,16 @@ class KeyringTest(unittest.TestCase):
     def test_a_keyring_that_answers_late_signs_in(self):
         with silent_keyring():
             self.start_vemo()
-            self.await_status("idle: Sign in to connect")
-        self.await_status("idle")
+            self.vemo.await_status("idle: Sign in to connect")
+        self.vemo.await_status("idle")
         self.assert_dictation_works()
 
     def test_who_signs_out_at_a_locked_keyring_is_signed_out_at_the_next_start_too(self):
         self.start_vemo()
-        self.await_status("idle")
+        self.vemo.await_status("idle")
         lock_keyring()
         self.vemo.command("sign-out")
-        self.await_status("idle: Sign in to connect")
+        self.vemo.await_status("idle: Sign in to connect")
         unlock_keyring()
 
         def is_removed():

@@ -48,14 +48,16 @@ class KeysTest(unittest.TestCase):
             keyboard.release(*reversed(keys))
 
     def await_recording(self):
-        wait_until(lambda: self.vemo.status() == "recording", lambda: f"Vemo to record; {self.vemo.story()}")
+        self.vemo.await_status("recording")
 
     def dictate_holding(self, *keys, sound=None):
+        self.vemo.await_status("idle")
         with self.held(*keys):
             self.await_recording()
             say(sound or self.vemo.tone)
 
     def dictate_between_taps_of(self, *keys, sound=None):
+        self.vemo.await_status("idle")
         keyboard.strike(*keys)
         self.await_recording()
         say(sound or self.vemo.tone)

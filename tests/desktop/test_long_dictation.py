@@ -79,7 +79,7 @@ class LongDictationTest(unittest.TestCase):
         self.addCleanup(speech.kill)
         vemo.await_logged("transcribeChunk: sending chunk #0 ")
         self.assertIsNone(speech.poll(), "the first piece has left only after the speech")
-        self.assertEqual(vemo.status(), "recording")
+        vemo.await_status("recording")
         self.assertEqual(editor.text(), "")
         speech.wait(RECOGNITION_LIMIT_SECONDS)
         vemo.stop()

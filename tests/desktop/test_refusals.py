@@ -1,6 +1,7 @@
 #!/usr/bin/python3
 """What the pill says when a held key can't lead to a dictation, and that nothing else happens."""
 
+import itertools
 import subprocess
 import unittest
 
@@ -12,7 +13,7 @@ from test_keys import KeysTest
 from vemo_program import clear_token
 from virtual_desktop import wait_until
 
-LOOKS = 8  # at the pill before the next try; a message stays for 2.4 s, and a look takes its time
+LOOKS = 8  # at the pill before the next try, at least; a message stays for 2.4 s, and a look takes its time
 
 
 class RefusalTest(KeysTest):
@@ -21,7 +22,8 @@ class RefusalTest(KeysTest):
 
         def is_told():
             trigger()
-            return any(pill.shows(message) for _ in range(LOOKS))
+            looks = itertools.takewhile(lambda look: look < LOOKS or not self.vemo.is_idle(), itertools.count())
+            return any(pill.shows(message) for _ in looks)
         wait_until(is_told, lambda: f"the pill to say “{message}”; {self.vemo.story()}")
         wait_until(lambda: not pill.is_visible(), "the pill to go")
 
@@ -45,7 +47,7 @@ class SignedOutTest(RefusalTest):
         clear_token()
         self.start()
         self.assert_refused("Please sign in to dictate")
-        self.assertEqual(self.vemo.status(), "idle: Sign in to connect")
+        self.vemo.await_status("idle: Sign in to connect")
 
 
 class NoMicrophoneTest(RefusalTest):
@@ -55,7 +57,7 @@ class NoMicrophoneTest(RefusalTest):
         subprocess.run(["pactl", "unload-module", "module-remap-source"], check=True)
         self.start()
         self.assert_refused("Microphone access needed")
-        self.assertEqual(self.vemo.status(), "idle: Microphone access needed")
+        self.vemo.await_status("idle: Microphone access needed")
 
 
 class PasswordFieldTest(RefusalTest):

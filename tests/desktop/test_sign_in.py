@@ -43,7 +43,7 @@ class SignInCase(unittest.TestCase):
         self.endpoint = self.enterContext(TokenEndpoint(self.service.provider))
         self.browser = self.enterContext(self.browser_class())
         self.vemo = self.enterContext(Vemo(self.service.address, self.prepare))
-        self.assertEqual(self.vemo.status(), SIGNED_OUT)
+        self.vemo.await_status(SIGNED_OUT)
         self.addCleanup(self.assert_no_secret_is_left)
 
     def prepare(self, vemo):
@@ -69,14 +69,13 @@ class SignInCase(unittest.TestCase):
         self.await_signed_in()
 
     def await_signed_in(self):
-        wait_until(lambda: self.vemo.status() == "idle", lambda: f"Vemo to be signed in; {self.vemo.story()}")
+        self.vemo.await_status("idle")
         token = wait_until(stored_token, "a token in the keyring")
         self.secrets.add(token)
         return token
 
     def assert_signed_out(self):
-        # Right after a start, nobody knows yet.
-        wait_until(lambda: self.vemo.status() == SIGNED_OUT, lambda: f"Vemo to be signed out; {self.vemo.story()}")
+        self.vemo.await_status(SIGNED_OUT)
         # A keyring that was slow to answer is told once more.
         wait_until(lambda: not stored_token(), "the token to be gone from the keyring")
 
@@ -166,7 +165,6 @@ class WholeFlowTest(InABrowser, SignInCase):
             self.assertEqual(second.call("DELETE", "desktop/auth/account")[0], 200)
             self.assertEqual(first.call("GET", "dictionary")[0], 401)
             self.open("vemo://profile")
-            wait_until(lambda: self.vemo.status() == SIGNED_OUT, "Vemo to be signed out")
             self.assert_signed_out()
 
 
@@ -218,13 +216,13 @@ class WithoutKeyringTest(SignInCase):
 
     def test_a_sign_in_lasts_in_a_sealed_file_until_the_sign_out(self):
         self.open(self.service.press(self.begin()))
-        wait_until(lambda: self.vemo.status() == "idle", lambda: f"Vemo to be signed in; {self.vemo.story()}")
+        self.vemo.await_status("idle")
         folder = self.vemo.home / ".local/state/vemo/secrets"
         self.assertEqual(folder.stat().st_mode & 0o777, 0o700)
         self.assertEqual({path.name: path.stat().st_mode & 0o777 for path in folder.iterdir()},
                          {"sealed": 0o600, "key": 0o600})
         self.start_again()
-        wait_until(lambda: self.vemo.status() == "idle", lambda: f"Vemo to be signed in; {self.vemo.story()}")
+        self.vemo.await_status("idle")
         self.await_profile()
         self.vemo.command("sign-out")
         self.assert_signed_out()
@@ -259,7 +257,7 @@ class HostileRedirectTest(SignInCase):
         self.assert_signed_out()
         self.sign_in()
         self.open_redirect(error="access_denied")
-        self.assertEqual(self.vemo.status(), "idle")
+        self.vemo.await_status("idle")
 
     def test_a_code_that_was_used_before_gives_nothing(self):
         other = OtherClient(self.service)

@@ -157,9 +157,10 @@ class SignInTest(TroubleTest):
     def test_without_a_token_nothing_is_recorded(self):
         clear_token()
         self.start_vemo()
+        self.vemo.await_status("idle: Sign in to connect")
         self.vemo.command("start")
         self.vemo.await_logged("recording blocked — user not signed in")
-        self.assertEqual(self.vemo.status(), "idle: Sign in to connect")
+        self.vemo.await_status("idle: Sign in to connect")
         self.assertEqual(self.server.requests, [])
 
     def test_the_token_goes_with_the_request(self):
@@ -267,8 +268,7 @@ class ControlTest(TroubleTest):
     def test_toggle_starts_and_stops(self):
         self.start_vemo()
         self.server.answers = [transcription("By one key.")]
-        self.vemo.command("toggle")
-        wait_until(lambda: self.vemo.status() == "recording", "Vemo to record")
+        self.vemo.start("toggle")
         subprocess.run(["paplay", "--device=mic", self.vemo.tone], check=True)
         self.vemo.command("toggle")
         wait_until(lambda: self.editor.text() == "By one key.", "the text to arrive")

@@ -162,7 +162,7 @@ class StoryTest(unittest.TestCase):
 
     def dictate_into(self, editor):
         keyboard.strike(*SHORTCUT)
-        wait_until(lambda: self.vemo.status() == "recording", lambda: f"the shortcut to start; {self.vemo.story()}")
+        self.vemo.await_status("recording")
         say(self.vemo.tone)
         keyboard.strike(*SHORTCUT)
         wait_until(editor.text, lambda: f"the text to arrive; {self.vemo.story()}")
@@ -184,7 +184,7 @@ class StoryTest(unittest.TestCase):
         keyboard.strike(*SHORTCUT)
         self.choose(self.main, "Vemo menu", "Enable Vemo")
         self.await_setting("isEnabled", True)
-        self.assertTrue(self.vemo.is_idle())
+        self.vemo.await_status("idle")
         self.assertEqual(editor.text(), WRITTEN)
 
     def sign_out(self):
@@ -193,7 +193,7 @@ class StoryTest(unittest.TestCase):
         settings.click("Sign out")
         settings.await_item("Not signed in")
         settings.close()
-        self.assertEqual(self.vemo.status(), SIGNED_OUT)
+        self.vemo.await_status(SIGNED_OUT)
         Window(self.vemo, "Vemo").await_item("Continue with Google")
         wait_until(lambda: not stored_token(), "the token to be gone from the keyring")
 

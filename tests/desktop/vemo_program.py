@@ -156,6 +156,10 @@ class Vemo:
         """Idle it also is while something bars the next dictation; the status then says what."""
         return self.status().split(":")[0] == "idle"
 
+    def await_status(self, status):
+        """Right after a start, nobody knows yet who is signed in, nor of a microphone."""
+        wait_until(lambda: self.status() == status, lambda: f"the status “{status}”; {self.story()}")
+
     def logged(self, words):
         """How many lines of the log hold the words."""
         try:
@@ -171,11 +175,11 @@ class Vemo:
         last_lines = "\n".join(self.output.read_text(errors="replace").splitlines()[-60:])
         return f"the status is “{self.status()}”, the output:\n{last_lines}"
 
-    def start(self):
+    def start(self, command="start"):
         """Begins a dictation. A start that follows a stop too closely is dropped, so it asks again."""
         def recording():
             if self.is_idle():
-                self.command("start")
+                self.command(command)
             return self.status() == "recording"
         wait_until(recording, lambda: f"Vemo to record; {self.story()}")
 
