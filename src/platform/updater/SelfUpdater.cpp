@@ -8,6 +8,7 @@
 
 #include "base/RunElsewhere.h"
 #include "platform/updater/UpdateDownload.h"
+#include "platform/updater/UpdateFeed.h"
 #include "platform/updater/UpdateSignatures.h"
 
 namespace vemo {
@@ -205,7 +206,7 @@ Task<SelfUpdater::Outcome> SelfUpdater::fetchAndPrepare(AppcastItem item, std::s
   const qint64 wanted = item.archiveSize - QFileInfo(file).size() + unpackedSize(item);
   const qint64 free = m_with.freeSpace(m_with.copy->root());
   if (free >= 0 && free < wanted)
-    co_return refuse(UpdateTrouble::DownloadFailed, u"there isn't enough space for the update"_s);
+    co_return refuse({UpdateTrouble::DownloadFailed, u"there isn't enough space for the update"_s});
   const bool hadSome = QFileInfo::exists(file);
   Outcome prepared = co_await fetchAndCheck(item, file, stop);
   // What an earlier session had fetched may have been another archive of this build.
@@ -221,53 +222,34 @@ Task<SelfUpdater::Outcome> SelfUpdater::fetchAndCheck(AppcastItem item, QString 
                                                       std::stop_token stop) {
   const UpdateDownload wholeFile{address(item.archive), item.archiveSize, file};
   if (const auto downloaded = co_await download(m_with.session, wholeFile, stop); !downloaded)
-    co_return refuse(UpdateTrouble::DownloadFailed, downloaded.error());
+    co_return refuse({UpdateTrouble::DownloadFailed, downloaded.error()});
   const Outcome prepared = co_await prepare(item, file);
   // A version that this machine was too busy to ask is asked again at the next check.
   if (!prepared && prepared.error() != UpdateTrouble::NoAnswer) QFile::remove(file);
   co_return prepared;
 }
 
-Task<std::expected<QByteArray, UpdateTrouble>> SelfUpdater::fetch(QString name,
-                                                                  std::stop_token stop) {
-  const HttpResult answer = co_await m_with.session.send(
-      {.method = "GET", .url = address(name), .headers = {}, .body = {}, .timeout = 20s}, stop);
-  if (!answer) co_return refuse(UpdateTrouble::DownloadFailed, answer.error().description);
-  if (answer->status != 200)
-    co_return refuse(UpdateTrouble::DownloadFailed,
-                     u"%1: status %2"_s.arg(name, QString::number(answer->status.value_or(0))));
-  co_return answer->body;
-}
-
 Task<std::expected<Appcast, UpdateTrouble>> SelfUpdater::readFeed(std::stop_token stop) {
-  // First the keys: a feed of a key that has been replaced must not count.
-  if (const auto rotations = co_await fetch(u"keys.txt"_s, stop)) {
-    const QByteArray latest =
-        latestKey(rotations->first(std::min<qsizetype>(rotations->size(), Appcast::largestFeed)),
-                  m_memory.key);
-    if (latest != m_memory.key) {
-      m_memory.key = latest;
-      m_memory.serial = 0;  // whoever had the old key could have counted it up
-      m_ready.reset();      // and have signed this
-      remember();
-    }
+  auto [key, feed] =
+      co_await fetchUpdateFeed(m_with.session, QUrl(m_delegate.feedUrl()), m_memory.key, stop);
+  if (key != m_memory.key) {
+    m_memory.key = key;
+    m_memory.serial = 0;  // whoever had the old key could have counted it up
+    m_ready.reset();      // and have signed this
+    remember();
   }
-  const auto feed = co_await fetch(u"appcast.xml"_s, stop);
-  if (!feed) co_return std::unexpected(feed.error());
-  m_memory.lastCheck = dateTimeFrom(m_with.clock.wallTime());
-  remember();
-  if (feed->size() > Appcast::largestFeed)
-    co_return refuse(UpdateTrouble::FeedUnreadable, u"the feed is too large"_s);
-  const auto xml = verifiedFeed(*feed, m_memory.key);
-  if (!xml) co_return refuse(UpdateTrouble::NotSigned, u"the feed's signature is wrong"_s);
-  auto appcast = Appcast::read(*xml);
-  if (!appcast) co_return refuse(UpdateTrouble::FeedUnreadable, u"feed: "_s + appcast.error());
-  if (appcast->serial < m_memory.serial)
-    co_return refuse(UpdateTrouble::FeedRefused, u"the feed is older than one seen before"_s);
-  if (appcast->expires < *m_memory.lastCheck)
-    co_return refuse(UpdateTrouble::FeedRefused, u"the feed has expired"_s);
-  if (std::exchange(m_memory.serial, appcast->serial) != appcast->serial) remember();
-  co_return *std::move(appcast);
+  const auto now = dateTimeFrom(m_with.clock.wallTime());
+  if (feed || feed.error().trouble != UpdateTrouble::DownloadFailed) {
+    m_memory.lastCheck = now;
+    remember();
+  }
+  if (!feed) co_return refuse(feed.error());
+  if (feed->serial < m_memory.serial)
+    co_return refuse({UpdateTrouble::FeedRefused, u"the feed is older than one seen before"_s});
+  if (feed->expires < now)
+    co_return refuse({UpdateTrouble::FeedRefused, u"the feed has expired"_s});
+  if (std::exchange(m_memory.serial, feed->serial) != feed->serial) remember();
+  co_return *std::move(feed);
 }
 
 Task<SelfUpdater::Outcome> SelfUpdater::prepare(AppcastItem item, QString file) {
@@ -277,7 +259,7 @@ Task<SelfUpdater::Outcome> SelfUpdater::prepare(AppcastItem item, QString file) 
        limit = m_with.answerLimit, stop = m_preparation.get_token()] {
         return prepareUpdate(item, file, key, folder, limit, stop);
       });
-  if (!prepared) co_return refuse(prepared.error().trouble, prepared.error().why);
+  if (!prepared) co_return refuse(prepared.error());
   co_return Outcome();
 }
 
@@ -354,10 +336,9 @@ void SelfUpdater::tell(UpdateCheck check, const UpdateNote& note) const {
   if (check == UpdateCheck::UserInitiated) m_with.announce(note, {});
 }
 
-std::unexpected<UpdateTrouble> SelfUpdater::refuse(UpdateTrouble trouble,
-                                                   const QString& why) const {
-  m_with.log(u"updates: "_s + why);
-  return std::unexpected(trouble);
+std::unexpected<UpdateTrouble> SelfUpdater::refuse(const UpdateRefusal& refusal) const {
+  m_with.log(u"updates: "_s + refusal.why);
+  return std::unexpected(refusal.trouble);
 }
 
 QUrl SelfUpdater::address(const QString& name) const {

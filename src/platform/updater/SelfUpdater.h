@@ -81,7 +81,6 @@ class SelfUpdater : public Updater {
   bool isStillOffered(const AppcastItem& ready, const Appcast& feed) const;
   Task<> tidyUp(quint64 wanted);
   Task<Outcome> fetchAndPrepare(AppcastItem item, std::stop_token stop);
-  Task<std::expected<QByteArray, UpdateTrouble>> fetch(QString name, std::stop_token stop);
   Task<std::expected<Appcast, UpdateTrouble>> readFeed(std::stop_token stop);
   Task<Outcome> fetchAndCheck(AppcastItem item, QString file, std::stop_token stop);
   Task<Outcome> prepare(AppcastItem item, QString file);
@@ -94,7 +93,7 @@ class SelfUpdater : public Updater {
   void ask(const AppcastItem& item);
   void choose(UpdateChoice choice, const AppcastItem& item);
   void tell(UpdateCheck check, const UpdateNote& note) const;
-  std::unexpected<UpdateTrouble> refuse(UpdateTrouble trouble, const QString& why) const;
+  std::unexpected<UpdateTrouble> refuse(const UpdateRefusal& refusal) const;
   QUrl address(const QString& name) const;
 
   With m_with;

@@ -8,26 +8,9 @@
 #include <stop_token>
 
 #include "platform/updater/Appcast.h"
-#include "ports/Updater.h"
+#include "platform/updater/UpdateTrouble.h"
 
 namespace vemo {
-
-/// The codes of the updater's own errors.
-enum class UpdateTrouble {
-  FeedUnreadable = 1000,
-  NoUpdate = UpdateError::noUpdate,
-  FeedRefused = 1002,
-  DownloadFailed = 2001,
-  ArchiveRefused = 3000,
-  NotSigned = 3001,
-  InstallationFailed = 4005,
-  NoAnswer = 4006,  ///< of the new version, which is tried again at the next check
-};
-
-struct UpdateRefusal {
-  UpdateTrouble trouble;
-  QString why;  ///< one line for the log
-};
 
 using UpdatePreparation = std::expected<void, UpdateRefusal>;
 
