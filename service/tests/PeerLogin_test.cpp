@@ -27,7 +27,10 @@ constexpr std::string_view table =
     "13 1 0 20 4 30 10 -1\n"
     "   3: broken\n"
     "   4: 00000000000000000000000001000000:C351 00000000000000000000000001000000:222F 01 "
-    "00000000:00000000 00:00000000 00000000  1002        0 14 1 0 20 4 30 10 -1\n";
+    "00000000:00000000 00:00000000 00000000  1002        0 14 1 0 20 4 30 10 -1\n"
+    "   5: 0100007F:C352 0100007F:222F 01 00000000:00000000 00:00000000\n"
+    "   6: 0100007F:C353 0100007F:222F 01 00000000:00000000 00:00000000 00000000  1003        0 "
+    "15 1 0 20 4 30 10 -1\n";
 
 TEST(PeerLoginTest, TheEndThatAsksCountsAndNotOneOfTheSamePort) {
   EXPECT_EQ(loginIn(table, at("127.0.0.1", 50'000), at("127.0.0.1", 8751)), 1001U);
@@ -38,6 +41,11 @@ TEST(PeerLoginTest, TheEndThatAsksCountsAndNotOneOfTheSamePort) {
 
 TEST(PeerLoginTest, AddressesOfVersion6AreRead) {
   EXPECT_EQ(loginIn(table, at("::1", 50'001), at("::1", 8751)), 1002U);
+}
+
+TEST(PeerLoginTest, ALineThatBreaksOffTellsNothingAndHidesNoOther) {
+  EXPECT_EQ(loginIn(table, at("127.0.0.1", 50'002), at("127.0.0.1", 8751)), std::nullopt);
+  EXPECT_EQ(loginIn(table, at("127.0.0.1", 50'003), at("127.0.0.1", 8751)), 1003U);
 }
 
 TEST(PeerLoginTest, AnUnreadableTableTellsNothing) {

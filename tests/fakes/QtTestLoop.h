@@ -19,7 +19,7 @@ class QtTestLoop {
 
   /// Whether the condition came to hold.
   static bool runUntil(const std::function<bool()>& condition,
-                       std::chrono::milliseconds limit = std::chrono::seconds(20)) {
+                       std::chrono::milliseconds limit = std::chrono::seconds(60)) {
     const QDeadlineTimer deadline(limit);
     QEventLoop loop;
     QTimer poll;

@@ -44,23 +44,25 @@ tcp::endpoint asVersion6(const tcp::endpoint& endpoint) {
 }
 
 std::string contentOf(const char* path) {
-  std::ifstream file(path);
-  return {std::istreambuf_iterator<char>(file), {}};
+  std::ostringstream content;
+  content << std::ifstream(path).rdbuf();
+  return std::move(content).str();
 }
 
 }  // namespace
 
 std::optional<uid_t> loginIn(std::string_view table, const tcp::endpoint& from,
                              const tcp::endpoint& to) {
-  std::istringstream lines{std::string(table)};
-  for (std::string line; std::getline(lines, line);) {
-    std::istringstream fields(line);
-    std::string number, local, remote, state, queues, timer, retransmits;
-    uid_t login = 0;
-    fields >> number >> local >> remote >> state >> queues >> timer >> retransmits >> login;
-    if (fields && local == written(from) && remote == written(to)) return login;
-  }
-  return std::nullopt;
+  // The table has a line for each connection of the machine; only that of this one is taken apart.
+  const auto ends = " " + written(from) + " " + written(to) + " ";
+  const auto place = table.find(ends);
+  if (place == std::string_view::npos) return std::nullopt;
+  const auto rest = table.substr(place + ends.size());
+  std::istringstream fields{std::string(rest.substr(0, rest.find('\n')))};
+  std::string state, queues, timer, retransmits;
+  uid_t login = 0;
+  if (!(fields >> state >> queues >> timer >> retransmits >> login)) return std::nullopt;
+  return login;
 }
 
 bool isOfOwnLogin(const tcp::socket& socket) {

@@ -48,10 +48,12 @@ class AtspiSecureInputToolkitsTest : public testing::Test, protected EventLoop {
     return QString::fromUtf8(process.readAllStandardOutput()).trimmed();
   }
 
+  static QString titleInFront() {
+    return output(u"xdotool"_s, {u"getactivewindow"_s, u"getwindowname"_s});
+  }
+
   static bool isInFront(const QString& title) {
-    return runUntil([&] {
-      return output(u"xdotool"_s, {u"getactivewindow"_s, u"getwindowname"_s}).contains(title);
-    });
+    return runUntil([&] { return titleInFront().contains(title); });
   }
 
   static void press(const QString& key) { output(u"xdotool"_s, {u"key"_s, key}); }
@@ -63,8 +65,13 @@ class AtspiSecureInputToolkitsTest : public testing::Test, protected EventLoop {
   /// In front is a form with an ordinary field in focus, below it a password field.
   void expectThePasswordAloneIsSecure() {
     ASSERT_FALSE(secureInput.isActive());
-    press(u"Tab"_s);
-    ASSERT_TRUE(becomes(true));
+    // A program that doesn't know yet that somebody listens reports nothing.
+    ASSERT_TRUE(runUntil([this] {
+      press(u"Tab"_s);
+      if (runUntil([this] { return secureInput.isActive(); }, 2s)) return true;
+      press(u"shift+Tab"_s);
+      return false;
+    }));
     press(u"shift+Tab"_s);
     ASSERT_TRUE(becomes(false));
     press(u"Tab"_s);
@@ -103,7 +110,9 @@ TEST_F(AtspiSecureInputToolkitsTest, OfAPageInChromiumThePasswordAloneIsSecure) 
   const QTemporaryDir folder;
   QFile page(folder.filePath(u"page.html"_s));
   ASSERT_TRUE(page.open(QIODevice::WriteOnly));
-  page.write("<title>page form</title><input autofocus><input type=password>");
+  page.write(
+      "<title>page form</title><input autofocus onkeydown=\"document.title = 'form with keys'\">"
+      "<input type=password>");
   page.close();
   start(u"chromium"_s,
         {u"--force-renderer-accessibility"_s, u"--no-sandbox"_s, u"--disable-gpu"_s,
@@ -112,13 +121,11 @@ TEST_F(AtspiSecureInputToolkitsTest, OfAPageInChromiumThePasswordAloneIsSecure) 
          u"--password-store=basic"_s, u"--user-data-dir="_s + folder.filePath(u"profile"_s),
          u"--app=file://"_s + page.fileName()});
   ASSERT_TRUE(isInFront(u"page form"_s));
-  // The page takes its time; the password has been reached once a field is known to be secure.
-  ASSERT_TRUE(runUntil([this] {
-    press(u"Tab"_s);
-    return runUntil([this] { return secureInput.isActive(); }, 300ms);
+  // Chromium drops every key until it has drawn the page.
+  ASSERT_TRUE(runUntil([] {
+    press(u"Shift_L"_s);
+    return titleInFront().contains(u"form with keys"_s);
   }));
-  press(u"shift+Tab"_s);
-  ASSERT_TRUE(becomes(false));
   expectThePasswordAloneIsSecure();
 }
 

@@ -4,7 +4,9 @@
 #include <signal.h>
 #include <xcb/xtest.h>
 
+#include <QFile>
 #include <QProcess>
+#include <QRandomGenerator>
 
 #include "contract/x11/EventLoop.h"
 #include "platform/x11/X11Connection.h"
@@ -13,13 +15,12 @@ namespace vemo {
 
 class PrivateServer {
  public:
-  PrivateServer() {
-    launch({});
-    m_display = ":" + m_process.readLine().trimmed();
-  }
+  PrivateServer() { launch(); }
   ~PrivateServer() {
     stopAnswering(false);
     kill();
+    for (const char* leftOver : {"/tmp/.X11-unix/X%1", "/tmp/.X%1-lock"})
+      QFile::remove(QString::fromLatin1(leftOver).arg(m_number));
   }
 
   const QByteArray& display() const { return m_display; }
@@ -29,7 +30,7 @@ class PrivateServer {
     EventLoop::runUntil([this] { return m_process.state() == QProcess::NotRunning; });
   }
   /// Another server on the same display.
-  void restart() { launch({QString::fromUtf8(m_display)}); }
+  void restart() { launch(); }
 
   /// Presses and releases a key by XTest.
   void strikeKey(xcb_keycode_t code) {
@@ -47,16 +48,18 @@ class PrivateServer {
   }
 
  private:
-  void launch(const QStringList& display) {
+  void launch() {
     using namespace Qt::Literals::StringLiterals;
-    m_process.start(u"Xvfb"_s,
-                    display + QStringList{u"-displayfd"_s, u"1"_s, u"-nolisten"_s, u"tcp"_s,
-                                          u"-screen"_s, u"0"_s, u"640x480x24"_s});
+    m_process.start(u"Xvfb"_s, {QString::fromLatin1(m_display), u"-displayfd"_s, u"1"_s,
+                                u"-nolisten"_s, u"tcp"_s, u"-screen"_s, u"0"_s, u"640x480x24"_s});
     EventLoop::runUntil([this] { return m_process.canReadLine(); });
+    m_process.readLine();
   }
 
   QProcess m_process;
-  QByteArray m_display;
+  /// Far from the lowest free one, which the next server would take while this one is killed.
+  const int m_number = QRandomGenerator::global()->bounded(10'000, 50'000);
+  const QByteArray m_display = ":" + QByteArray::number(m_number);
 };
 
 }  // namespace vemo
