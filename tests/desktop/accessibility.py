@@ -32,19 +32,22 @@ class Walks:
 
     reading = Reading.LEFT_TO_RIGHT
 
-    def assert_told(self, items):
+    def assert_told(self, window, shown):
         """Each thing has a role that says how it is used, a name, and an action if it can be pressed."""
-        for item in items:
+        told = window.await_that(lambda: [(item, item.actions if self.is_pressed(item) else None) for item in shown()],
+                                 "to show something")
+        for item, actions in told:
             self.assertIn(item.role, CONTROLS | READ | PLACES, str(item))
             self.assertNotRegex(item.name, "QQuick|undefined|NaN|object")
             if item.role not in PLACES:
                 self.assertTrue(item.name.strip(), f"a {item.role.value_nick} at {item.place} has no name")
-            if item.role in PRESSED and not self.is_only_read(item):
-                self.assertTrue(item.actions & {"Press", "Toggle"}, f"{item} can't be pressed")
-        self.assertLessEqual(sum(item.role == Role.DIALOG for item in items), 1)
+            if actions is not None:
+                self.assertTrue(actions & {"Press", "Toggle"}, f"{item} can't be pressed")
+        self.assertLessEqual(sum(item.role == Role.DIALOG for item, _ in told), 1)
 
-    def is_only_read(self, item):
-        return item.role == Role.LIST_ITEM and State.FOCUSABLE not in item.states
+    def is_pressed(self, item):
+        is_only_read = item.role == Role.LIST_ITEM and State.FOCUSABLE not in item.states
+        return item.role in PRESSED and not is_only_read
 
     def stops(self, items):
         """What Tab is to stop at."""
@@ -69,9 +72,9 @@ class Walks:
 
     def assert_usable(self, window, shown):
         """shown() is what a person has before them: a page, or the sheet over it."""
-        self.assert_told(window.await_that(shown, "to show something"))
+        self.assert_told(window, shown)
         window.strike("Tab")
-        stops = self.stops(window.await_that(shown, "to show something"))
+        stops = window.await_that(lambda: self.stops(shown()), "to show where the keyboard can be")
         forward = self.walk(window, stops)
         self.assertCountEqual([str(item) for item in forward], [str(item) for item in stops])
         self.assert_read_in_order([next(stop for stop in stops if stop.accessible == item.accessible) for item in forward])
@@ -105,7 +108,7 @@ class Walks:
                 window.click(button)
             return any(window.find(choice, Role.MENU_ITEM) for _ in range(8))
         window.await_that(is_open, f"to open the menu of “{button}”")
-        self.assert_told(window.shown())
+        self.assert_told(window, window.shown)
         self.assertIn((Role.MENU_ITEM, choice), [(item.role, item.name) for item in window.shown()])
         self.assertTrue(any(item.role in (Role.DIALOG, Role.POPUP_MENU) and item.name == name for item in window.shown()))
         window.strike("Down")

@@ -13,7 +13,8 @@ gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, GLib  # noqa: E402
 
 import keyboard  # noqa: E402
-from editors import active_window, chromium_command  # noqa: E402
+import window_manager  # noqa: E402
+from editors import active_window, applications, chromium_command  # noqa: E402
 from virtual_desktop import DesktopError, wait_until  # noqa: E402
 
 
@@ -87,24 +88,15 @@ class RealBrowser(Browser):
         wait_until(lambda: not self._windows(), f"{self.name} to close its windows")
 
     def _windows(self):
-        found = subprocess.run(["xdotool", "search", "--onlyvisible", "--class", self.window_class],
-                               capture_output=True, check=False)
-        return found.stdout.decode().split()
+        return window_manager.visible_windows("--class", self.window_class)
 
     def _button(self, name):
-        desktop = Atspi.get_desktop(0)
-        for index in range(desktop.get_child_count()):
-            application = desktop.get_child_at_index(index)
-            try:
-                if application and application.get_name() == self.name:
-                    # No main loop runs here to hear of changes.
-                    application.clear_cache()
-                    found = showing_button(application, name)
-                    if found:
-                        return found
-            except GLib.Error:
-                pass  # a window that is just arriving or leaving
-        return None
+        try:
+            buttons = [showing_button(application, name)
+                       for application in applications(lambda application: application.get_name() == self.name)]
+        except GLib.Error:
+            return None  # a window is just arriving or leaving
+        return next(filter(None, buttons), None)
 
     def await_button(self, name):
         return wait_until(lambda: self._button(name), f"{self.name} to show the button “{name}”")

@@ -4,6 +4,7 @@ Runs inside the virtual desktop. Every editor is started with an empty text and 
 text has the keyboard focus.
 """
 
+import contextlib
 import http.server
 import pathlib
 import shutil
@@ -32,6 +33,24 @@ def active_window():
 def window_class(window):
     result = subprocess.run(["xprop", "-id", window, "WM_CLASS"], capture_output=True, check=False)
     return result.stdout.decode()
+
+
+def applications(is_wanted):
+    """Those on the accessibility bus that are wanted, as they are now; none that is just arriving or leaving."""
+    found, desktop = [], Atspi.get_desktop(0)
+    with contextlib.suppress(GLib.Error):
+        for index in range(desktop.get_child_count()):
+            with contextlib.suppress(GLib.Error):
+                application = desktop.get_child_at_index(index)
+                if application and is_wanted(application):
+                    # No main loop runs here to hear of changes.
+                    application.clear_cache()
+                    found.append(application)
+    return found
+
+
+def applications_of(process):
+    return applications(lambda application: application.get_process_id() == process.pid)
 
 
 class Editor:
@@ -80,23 +99,21 @@ class Editor:
 class AccessibleEditor(Editor):
     """An editor whose text and focus the accessibility bus tells."""
 
+    _text = None
+
     def has_focus(self):
-        self._text = self._focused_text()
-        return self._text is not None
+        focused = self._focused_text()
+        self._text = focused or self._text
+        return focused is not None
 
     def text(self):
         return Atspi.Text.get_text(self._text, 0, -1)
 
     def _focused_text(self):
-        desktop = Atspi.get_desktop(0)
-        for index in range(desktop.get_child_count()):
-            application = desktop.get_child_at_index(index)
-            try:
-                if application and application.get_process_id() == self.process.pid:
-                    return focused_text_below(application)
-            except GLib.Error:
-                pass  # an application that is just leaving or arriving
-        return None
+        try:
+            return next(filter(None, map(focused_text_below, applications_of(self.process))), None)
+        except GLib.Error:
+            return None  # it changes while it's looked at
 
 
 def focused_text_below(item):
@@ -149,11 +166,17 @@ PAGE = b"""<!doctype html><meta charset="utf-8"><title>text area</title>
 <textarea id="text" autofocus rows="20" cols="80"></textarea>
 <script>
   const text = document.getElementById("text");
+  const send = (path, body) => fetch(path, {method: "POST", body}).catch(() => send(path, body));
   // One after the other, so that the last to arrive is the last.
-  let sent = Promise.resolve();
-  const send = () => sent = sent.then(() => fetch("/text", {method: "POST", body: text.value}));
-  text.addEventListener("input", send);
-  text.addEventListener("keydown", () => fetch("/focus", {method: "POST"}), {once: true});
+  let told = Promise.resolve();
+  const tell = (path, body) => told = told.then(() => send(path, body));
+  const tellFocus = event => tell("/focus", event.type === "blur" ? "lost" : "had");
+  text.addEventListener("input", () => tell("/text", text.value));
+  // From the first key on: before, the field may have the focus, but not what is typed.
+  text.addEventListener("keydown", event => {
+    tellFocus(event);
+    for (const type of ["focus", "blur"]) text.addEventListener(type, tellFocus);
+  }, {once: true});
 </script>"""
 
 
@@ -172,13 +195,13 @@ def strike_in_vain():
 
 
 class Chromium(Editor):
-    """A text area in a page that tells this program its text after every change."""
+    """A text area in a page that tells this program its text and its focus after every change."""
 
     name = "chromium"
 
     def __enter__(self):
         self._text = ""
-        self._focused = False
+        self._focus = ""
         editor = self
 
         class Handler(http.server.BaseHTTPRequestHandler):
@@ -188,7 +211,7 @@ class Chromium(Editor):
             def do_POST(self):
                 body = self.rfile.read(int(self.headers.get("Content-Length", 0)))
                 if self.path == "/focus":
-                    editor._focused = True
+                    editor._focus = body.decode()
                 else:
                     editor._text = body.decode()
                 self._answer(b"")
@@ -216,8 +239,9 @@ class Chromium(Editor):
         return chromium_command(self.folder, f"http://127.0.0.1:{self._server.server_port}/")
 
     def has_focus(self):
-        strike_in_vain()
-        return self._focused
+        if not self._focus:
+            strike_in_vain()
+        return self._focus == "had"
 
     def text(self):
         return self._text

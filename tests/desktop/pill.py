@@ -4,6 +4,7 @@ import pathlib
 import subprocess
 import tempfile
 
+import window_manager
 from vemo_program import program
 
 PANEL_WIDTH, PANEL_HEIGHT = 460, 160
@@ -37,7 +38,7 @@ class Pill:
 
     def window(self):
         """The identifier of the pill's window while it's on the screen, or None."""
-        for window in output("xdotool", "search", "--onlyvisible", "--class", "^Vemo$").split():
+        for window in window_manager.visible_windows("--class", "^Vemo$"):
             if "Override Redirect State: yes" in output("xwininfo", "-id", window):
                 return window
         return None

@@ -13,12 +13,11 @@ import unittest
 sys.dont_write_bytecode = True
 import gi  # noqa: E402
 
-gi.require_version("Atspi", "2.0")
 gi.require_version("Gtk", "3.0")
 gi.require_version("Gdk", "3.0")
-from gi.repository import Atspi, Gdk, GLib, Gtk  # noqa: E402
+from gi.repository import Gdk, GLib, Gtk  # noqa: E402
 
-from editors import Mousepad, active_window  # noqa: E402
+from editors import Mousepad, active_window, applications  # noqa: E402
 from pill import PANEL_WIDTH, Pill, differing_pixels, output, screenshot  # noqa: E402
 from vemo_program import Vemo, clear_token, program  # noqa: E402
 from virtual_desktop import DesktopError, wait_until  # noqa: E402
@@ -97,9 +96,7 @@ def accessible_names(program_name):
         for index in range(element.get_child_count()):
             yield from names(element.get_child_at_index(index))
     try:
-        desktop = Atspi.get_desktop(0)
-        programs = [desktop.get_child_at_index(index) for index in range(desktop.get_child_count())]
-        return [name for element in programs if element and element.get_name() == program_name
+        return [name for element in applications(lambda application: application.get_name() == program_name)
                 for name in names(element)]
     except GLib.Error:
         return []  # it changes while it's looked at
@@ -126,7 +123,7 @@ class PillTest(unittest.TestCase):
             self.write_reference(command, shot, path, x)
             return
         try:
-            wait_until(looks_right, reference, 20)
+            wait_until(looks_right, reference)
         except DesktopError:
             kept = pathlib.Path(os.environ["VEMO_PROGRAMS"]) / f"failed-{reference}.png"
             kept.write_bytes(shot.read_bytes())
@@ -214,7 +211,7 @@ class OnTheDesktopTest(PillTest):
     def test_a_click_at_its_centre_reaches_the_window_below(self):
         window = self.full_screen_window()
         self.show()
-        x, y = self.pill.place()
+        x, y = wait_until(self.pill.place, "the pill to have a place")
         x, y = x + PANEL_WIDTH // 2, y + 29
         subprocess.run(["xdotool", "mousemove", str(x), str(y), "click", "1"], check=True, timeout=120)
         wait_until(lambda: pump() and window.clicks, "the click")
@@ -235,7 +232,7 @@ class OnTheDesktopTest(PillTest):
         self.show()
         subprocess.run(["xdotool", "set_desktop", "1"], check=True, timeout=120)
         wait_until(lambda: output("xdotool", "get_desktop") == "1", "the other desktop")
-        self.assertTrue(self.pill.shows_waveform())
+        wait_until(self.pill.shows_waveform, "the pill to be seen there, too")
 
     def test_a_screen_reader_finds_the_live_text_by_its_label(self):
         self.stage.tell("recording 0")
@@ -253,7 +250,7 @@ class OnTheDesktopTest(PillTest):
                 typed += "x"
                 wait_until(lambda: editor.text() == typed, f"the letter typed after “{command}”")
                 self.assertEqual(active_window(), editor.window)
-                self.assertTrue(editor.has_focus())
+                wait_until(editor.has_focus, f"the editor to have the focus after “{command}”")
 
 
 def randr(*arguments):

@@ -126,7 +126,7 @@ class CardTest(Walks, UpdatingCopy, unittest.TestCase):
                           (Role.LINK, "more languages"), (Role.LABEL, "Thanks to all who wrote.")])
         self.assert_usable(main, main.sheet)
         self.leave(main, "What's new", "What's new")
-        self.assertEqual(main.focused().role, Role.PUSH_BUTTON)
+        main.await_that(lambda: (item := main.focused()) and item.role == Role.PUSH_BUTTON, "to have it at the button")
 
 
 class QuitTest(UpdatingCopy, unittest.TestCase):

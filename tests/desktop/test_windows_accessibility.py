@@ -74,12 +74,13 @@ class MainWindowTest(WindowsTest):
         self.main.click("Dictionary")
         self.main.click("Add New")
         self.await_sheet(self.main, "Add Word to Dictionary")
-        add = self.main.find("Add to Dictionary")
+        add = self.main.await_item("Add to Dictionary")
         self.assertEqual(add.accessible.get_description(), DISABLED)
         keyboard.type_text("brelmo")
         self.main.strike("Tab")
         keyboard.type_text("Brelmox")
-        self.main.await_that(lambda: not self.main.find("Add to Dictionary").accessible.get_description(), "to offer it")
+        self.main.await_that(lambda: (item := self.main.find("Add to Dictionary"))
+                             and not item.accessible.get_description(), "to offer it")
         self.main.strike("Return")
         self.main.await_item("brelmo, written as Brelmox", Role.LIST_ITEM)
 
@@ -102,18 +103,18 @@ class SettingsWindowTest(WindowsTest):
 
     def assert_switch_tells_its_state(self, window, name, setting):
         for _ in range(2):
-            switch = window.find(name, Role.CHECK_BOX)
+            switch = window.await_item(name, Role.CHECK_BOX)
             was_on = State.CHECKED in switch.states
             switch.act("Press")
             wait_until(lambda: self.settings().get(setting) == (not was_on), f"the setting {setting} to change")
-            window.await_that(lambda: (State.CHECKED in window.find(name, Role.CHECK_BOX).states) != was_on,
-                              f"to tell the new state of “{name}”")
+            window.await_that(lambda: (item := window.find(name, Role.CHECK_BOX))
+                              and (State.CHECKED in item.states) != was_on, f"to tell the new state of “{name}”")
 
     def assert_one_colour_is_chosen(self, window):
         def chosen():
             return [item.name for item in window.shown() if item.role == Role.RADIO_BUTTON and State.CHECKED in item.states]
-        self.assertEqual(len(chosen()), 1)
-        before = chosen()
+        before = window.await_that(chosen, "to have a colour chosen")
+        self.assertEqual(len(before), 1)
         other = next(item for item in window.shown() if item.role == Role.RADIO_BUTTON and item.name not in before)
         other.act("Press")
         window.await_that(lambda: chosen() == [other.name], f"to have “{other.name}” chosen")
@@ -121,7 +122,7 @@ class SettingsWindowTest(WindowsTest):
     def assert_recorder_usable(self, window, button, title):
         window.click(button)
         self.await_sheet(window, title)
-        self.assert_told(window.sheet())
+        self.assert_told(window, window.sheet)
         window.await_that(lambda: (item := window.focused()) and item.name == RECORDING, "to await a shortcut")
         buttons = [item.name for item in window.sheet() if item.role == Role.PUSH_BUTTON]
         for name in buttons:

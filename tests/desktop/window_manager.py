@@ -17,12 +17,15 @@ SUBSTRUCTURE_MASKS = (1 << 19) | (1 << 20)
 
 
 def shown_windows(process, title):
-    """Their numbers, as xdotool tells them."""
-    search = ["xdotool", "search", "--onlyvisible", "--all", "--pid", str(process.pid), "--name", f"^{title}$"]
+    """The numbers of a program's windows of that title."""
+    return visible_windows("--all", "--pid", str(process.pid), "--name", f"^{title}$")
 
+
+def visible_windows(*conditions):
+    """The numbers of those that xdotool finds by its options."""
     def found():
         # Any window that goes away meanwhile, whoever's, ends the search with an X error.
-        result = subprocess.run(search, capture_output=True, check=False)
+        result = subprocess.run(["xdotool", "search", "--onlyvisible", *conditions], capture_output=True, check=False)
         return None if b"X Error" in result.stderr else [result.stdout.decode().split()]
     return wait_until(found, "a search for windows to come to its end")[0]
 

@@ -14,7 +14,7 @@ from gi.repository import Atspi, GLib  # noqa: E402
 
 import keyboard  # noqa: E402
 import window_manager  # noqa: E402
-from editors import active_window  # noqa: E402
+from editors import active_window, applications_of  # noqa: E402
 from virtual_desktop import wait_until  # noqa: E402
 
 Role, State = Atspi.Role, Atspi.StateType
@@ -113,6 +113,16 @@ def part_in_view(item):
     return max(x, left), max(y, top), min(x + width, right), min(y + height, bottom)
 
 
+def await_steady(condition, what):
+    """As wait_until; a condition doesn't hold while what it looks at is just changing."""
+    def holds():
+        try:
+            return condition()
+        except GLib.Error:
+            return None
+    return wait_until(holds, what)
+
+
 class Window:
     """`window = main_window(vemo); window.click("Settings")`"""
 
@@ -123,8 +133,8 @@ class Window:
         self.await_that(self.is_in_front, "to be in front")
 
     def await_that(self, condition, what):
-        return wait_until(condition, lambda: f"the window “{self.title}” {what}; it shows {self.story()}; "
-                                             f"{self.vemo.story()}")
+        return await_steady(condition, lambda: f"the window “{self.title}” {what}; it shows {self.story()}; "
+                                               f"{self.vemo.story()}")
 
     def story(self):
         return ", ".join(str(item) for item in self.items() if item.is_showing and item.name)
@@ -132,28 +142,19 @@ class Window:
     # What it shows
 
     def _frame(self):
-        desktop = Atspi.get_desktop(0)
-        try:
-            for index in range(desktop.get_child_count()):
-                application = desktop.get_child_at_index(index)
-                if not application or application.get_process_id() != self.vemo.process.pid:
-                    continue
-                application.clear_cache()
-                for child in range(application.get_child_count()):
-                    frame = application.get_child_at_index(child)
-                    if frame and frame.get_role() == Role.FRAME and frame.get_name() == self.title:
-                        return frame
-        except GLib.Error:
-            pass  # an application that is just arriving or leaving
+        for application in applications_of(self.vemo.process):
+            for child in range(application.get_child_count()):
+                frame = application.get_child_at_index(child)
+                if frame and frame.get_role() == Role.FRAME and frame.get_name() == self.title:
+                    return frame
         return None
 
     def items(self):
-        """Everything in it; nothing while it isn't there, or changes while it's read."""
-        try:
+        """Everything in it, read anew as long as it changes meanwhile; nothing while it isn't there."""
+        def read():
             frame = self._frame()
-            return items_below(frame)[1:] if frame else []
-        except GLib.Error:
-            return []
+            return [items_below(frame)[1:] if frame else []]
+        return await_steady(read, f"the window “{self.title}” to be read")[0]
 
     def shown(self):
         """All that isn't hidden; also what has to be scrolled into sight."""
@@ -176,13 +177,10 @@ class Window:
 
     def focused(self):
         """The innermost item that has the keyboard; None when the window hasn't."""
-        try:
-            frame = self._frame()
-            found = [found for found in accessibles_below(frame)
-                     if found[0].get_state_set().contains(State.FOCUSED)] if frame else []
-            return item(*max(found, key=lambda found: found[1])) if found else None
-        except GLib.Error:
-            return None
+        frame = self._frame()
+        found = [found for found in accessibles_below(frame)
+                 if found[0].get_state_set().contains(State.FOCUSED)] if frame else []
+        return item(*max(found, key=lambda found: found[1])) if found else None
 
     def sheet(self):
         """What an open sheet holds, or nothing."""
