@@ -31,6 +31,7 @@ from vemo_program import Vemo, say  # noqa: E402
 from virtual_desktop import DesktopError, wait_until  # noqa: E402
 
 SAMPLE = pathlib.Path("/usr/share/pocketsphinx/test/data/goforward.raw")
+SAMPLE_TEXT = "Go forward ten meters."
 CLIPBOARD = [("UTF8_STRING", "What was copied before: ünïcode ✓".encode()),
              ("text/html", b"<p>What was copied <b>before</b></p>"),
              ("application/x-demonstration", bytes(range(256)) * 40)]

@@ -95,6 +95,26 @@ class Editor:
     def text(self):
         raise NotImplementedError
 
+    def empty(self):
+        """Takes all of its text away, and returns it. What was struck before comes first, even into an editor that
+        stalls: that a space has arrived after it tells."""
+        keyboard.strike("space")
+        held = wait_until(self._text_with_space, f"a space to arrive in {self.name}")
+
+        def is_empty():
+            self._clear()
+            return self.text() == ""
+        wait_until(is_empty, f"{self.name} to be empty")
+        return held
+
+    def _text_with_space(self):
+        text = self.text()
+        return text if text.startswith(" ") or text.endswith(" ") else None
+
+    def _clear(self):
+        keyboard.strike("Control_L", "a")
+        keyboard.strike("Delete")
+
 
 class AccessibleEditor(Editor):
     """An editor whose text and focus the accessibility bus tells."""
@@ -151,7 +171,7 @@ class Xterm(Editor):
     def command(self):
         self.file = self.folder / "received"
         # Not by lines, whose length the terminal limits; what it sends as Return arrives as a line end.
-        program = f"stty -icanon -echo icrnl -isig -ixon; printf ready >'{self.folder}/ready'; exec cat >'{self.file}'"
+        program = f"stty -icanon -echo icrnl -isig -ixon; exec cat >>'{self.file}'"
         return ["xterm", "-u8", "-xrm", "XTerm*VT100.translations: #override "
                 "Ctrl Shift <Key>V: insert-selection(CLIPBOARD)", "-e", "sh", "-c", program]
 
@@ -160,6 +180,9 @@ class Xterm(Editor):
 
     def text(self):
         return self.file.read_bytes().decode(errors="replace")
+
+    def _clear(self):
+        self.file.write_bytes(b"")
 
 
 PAGE = b"""<!doctype html><meta charset="utf-8"><title>text area</title>

@@ -58,8 +58,7 @@ class KeyringTest(unittest.TestCase):
 
     def assert_dictation_works(self):
         self.server.answers = [transcription("It works.")]
-        self.vemo.dictate()
-        wait_until(lambda: self.editor.text() == "It works.", "the text to arrive")
+        self.vemo.dictate_into(self.editor, "It works.")
         self.assertEqual(self.server.requests[-1].headers["Authorization"], f"Bearer {TOKEN}")
 
     def test_a_keyring_locked_at_login_and_unlocked_later_signs_in_without_a_restart(self):

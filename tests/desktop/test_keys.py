@@ -10,7 +10,7 @@ import editors
 import keyboard
 import window_manager
 from companion_service import CompanionService
-from demonstration import sample_as_wav
+from demonstration import SAMPLE_TEXT, sample_as_wav
 from dictation_server import DictationServer, transcription
 from vemo_program import Vemo, say, store_token, with_settings
 from virtual_desktop import wait_until
@@ -64,7 +64,7 @@ class KeysTest(unittest.TestCase):
         say(sound or self.vemo.tone)
         keyboard.strike(*keys)
 
-    def assert_arrives(self, text=SENTENCE):
+    def assert_arrives(self, text):
         wait_until(lambda: self.editor.text() == text,
                    lambda: f"the text to arrive instead of {self.editor.text()!r}; {self.vemo.story()}")
 
@@ -89,34 +89,29 @@ class RecordedSentenceTest(KeysTest):
         self.server = self.enterContext(CompanionService(folder))
         self.sentence = sample_as_wav(folder)
 
-    def assert_sentence_arrives(self):
-        self.assert_arrives("Go forward ten meters.")
+    def dictate(self, by, *keys):
+        self.vemo.dictate_into(self.editor, SAMPLE_TEXT, lambda: by(*keys, sound=self.sentence))
 
     def test_holding_right_alt(self):
         self.start()
-        self.dictate_holding("Alt_R", sound=self.sentence)
-        self.assert_sentence_arrives()
+        self.dictate(self.dictate_holding, "Alt_R")
 
     def test_tapping_scroll_lock_as_fn(self):
         self.start()
-        self.dictate_between_taps_of("Scroll_Lock", sound=self.sentence)
-        self.assert_sentence_arrives()
+        self.dictate(self.dictate_between_taps_of, "Scroll_Lock")
 
     def test_tapping_pause_as_fn(self):
         self.start()
-        self.dictate_between_taps_of("Pause", sound=self.sentence)
-        self.assert_sentence_arrives()
+        self.dictate(self.dictate_between_taps_of, "Pause")
 
     def test_tapping_control_space(self):
         self.start(toggleHotkeyChoice="controlSpace", toggleHotkeyLegacyMigrationDone=True)
-        self.dictate_between_taps_of("Control_L", "space", sound=self.sentence)
-        self.assert_sentence_arrives()
+        self.dictate(self.dictate_between_taps_of, "Control_L", "space")
 
     def test_holding_a_recorded_chord(self):
         chord = {"keyCode": F8, "modifierFlagsRaw": CONTROL | SHIFT, "isModifierOnly": False}
         self.start(pushToTalkHotkeyChoice="custom", customPushToTalkShortcutData={"data": json.dumps(chord)})
-        self.dictate_holding("Control_L", "Shift_L", "F8", sound=self.sentence)
-        self.assert_sentence_arrives()
+        self.dictate(self.dictate_holding, "Control_L", "Shift_L", "F8")
 
 
 class HeldAltTest:
@@ -124,13 +119,11 @@ class HeldAltTest:
 
     def test_the_text_stands_in_the_document_after_right_alt(self):
         self.start()
-        self.dictate_holding("Alt_R")
-        self.assert_arrives()
+        self.vemo.dictate_into(self.editor, SENTENCE, lambda: self.dictate_holding("Alt_R"))
 
     def test_the_text_stands_in_the_document_after_left_alt(self):
         self.start()
-        self.dictate_holding("Alt_L")
-        self.assert_arrives()
+        self.vemo.dictate_into(self.editor, SENTENCE, lambda: self.dictate_holding("Alt_L"))
         with keyboard.Keyboard() as keys:
             wait_until(lambda: keys.keys_down() == set(), "the keys of the paste to be up")
         keyboard.type_text("ab")
@@ -212,8 +205,7 @@ class TypingTest(KeysTest):
     def test_left_alt_dictates_on_a_german_keyboard_as_everywhere(self):
         keyboard.use_layout("de")
         self.start()
-        self.dictate_holding("Alt_L")
-        self.assert_arrives()
+        self.vemo.dictate_into(self.editor, SENTENCE, lambda: self.dictate_holding("Alt_L"))
 
     def test_with_another_key_for_push_to_talk_alt_starts_nothing_however_long_it_is_held(self):
         self.start(pushToTalkHotkeyChoice="rightCommand")

@@ -110,8 +110,7 @@ class PasswordFieldTest(unittest.TestCase):
         wait_until(self.vemo.is_idle, "Vemo to be idle again")
         with editors.Mousepad() as editor:
             self.server.answers = [transcription("For the editor.")]
-            self.vemo.dictate()
-            wait_until(lambda: editor.text() == "For the editor.", "the text to arrive")
+            self.vemo.dictate_into(editor, "For the editor.")
 
 
 if __name__ == "__main__":

@@ -14,7 +14,7 @@ import unittest
 import editors
 from clipboard import ClipboardOwner, contents
 from dictation_server import Answer, DictationServer, transcription
-from vemo_program import Vemo, clear_token, namespaces_of_its_own, program, store_token
+from vemo_program import Vemo, clear_token, namespaces_of_its_own, program, say, store_token
 from virtual_desktop import wait_until
 
 TOKEN = "marked-token-cassowary"
@@ -50,8 +50,7 @@ class TroubleTest(unittest.TestCase):
 
     def assert_dictation_works(self, text="It works."):
         self.server.answers = [transcription(text)]
-        self.vemo.dictate()
-        wait_until(lambda: self.editor.text() == text, "the text to arrive")
+        self.vemo.dictate_into(self.editor, text)
 
 
 class AnswersOfTheServerTest(TroubleTest):
@@ -85,9 +84,11 @@ class AnswersOfTheServerTest(TroubleTest):
         self.assert_answer_ends_with(Answer(status=500), "Server error (HTTP 500)", requests=3)
 
     def test_a_failure_of_the_server_is_retried(self):
-        self.server.answers = [Answer(status=503), transcription("It works.")]
-        self.vemo.dictate()
-        wait_until(lambda: self.editor.text() == "It works.", "the text to arrive")
+        def dictate():
+            self.server.requests.clear()
+            self.server.answers = [Answer(status=503), transcription("It works.")]
+            self.vemo.dictate()
+        self.vemo.dictate_into(self.editor, "It works.", dictate)
         self.assertEqual(len(self.server.requests), 2)
 
     def test_a_refusal_shows_the_words_of_the_server(self):
@@ -211,7 +212,7 @@ class PrivacyTest(TroubleTest):
         self.start_vemo()
         with ClipboardOwner([("UTF8_STRING", b"the clipboard's axolotl")]):
             self.assert_dictation_works("The spoken quokka.")
-            self.vemo.await_logged("inject: restored original pasteboard in background")
+            self.vemo.await_dictated()
             self.server.answers = [Answer(status=402, body=b'{"status":"error","error":"the quokka refused"}')]
             self.vemo.dictate()
             wait_until(lambda: self.vemo.status().startswith("error"), "an error to show")
@@ -229,7 +230,7 @@ class PrivacyTest(TroubleTest):
     def test_log_and_settings_are_for_their_owner_alone(self):
         self.start_vemo()
         self.assert_dictation_works()
-        self.vemo.await_logged("inject: restored original pasteboard in background")
+        self.vemo.await_dictated()
         for path in (self.vemo.log, self.vemo.configuration / "settings.json"):
             self.assertEqual(stat.S_IMODE(path.stat().st_mode), 0o600, path)
         self.assertEqual(stat.S_IMODE(self.vemo.log.parent.stat().st_mode), 0o700)
@@ -268,10 +269,12 @@ class ControlTest(TroubleTest):
     def test_toggle_starts_and_stops(self):
         self.start_vemo()
         self.server.answers = [transcription("By one key.")]
-        self.vemo.start("toggle")
-        subprocess.run(["paplay", "--device=mic", self.vemo.tone], check=True)
-        self.vemo.command("toggle")
-        wait_until(lambda: self.editor.text() == "By one key.", "the text to arrive")
+
+        def dictate():
+            self.vemo.start("toggle")
+            say(self.vemo.tone)
+            self.vemo.command("toggle")
+        self.vemo.dictate_into(self.editor, "By one key.", dictate)
 
     def test_a_termination_ends_the_program_soon_and_cleanly(self):
         self.start_vemo()

@@ -1,19 +1,24 @@
 """Vemo as a person has it: the real program with a home of its own, driven by its commands."""
 
 import array
+import contextlib
 import json
 import math
 import os
 import pathlib
 import shutil
 import subprocess
+import sys
 import tempfile
 import wave
 
 from gi.repository import Gio
 
 import window_manager
-from virtual_desktop import wait_until
+from virtual_desktop import LIMIT_SECONDS, DesktopError, wait_until
+
+# For one text to come into an editor.
+MOST_DICTATIONS = 5
 
 SERVICE_AND_ACCOUNT = ["service", "brelmox.Vemo", "account", "authToken"]
 
@@ -191,3 +196,40 @@ class Vemo:
         self.start()
         say(self.tone)
         self.stop()
+
+    def dictate_into(self, editor, text, dictate=None):
+        """Dictates until the text is all that an editor, empty so far, holds; returns how many times that took.
+
+        Vemo gives the clipboard back 0.9 s after its paste. An editor, or a machine, that stalls for as long pastes
+        what was copied before, or nothing; the editor is then emptied, and it's dictated once more. A text that came,
+        but not as it should, stays a failure."""
+        for attempt in range(1, MOST_DICTATIONS + 1):
+            before, _ = self.pastes()
+            (dictate or self.dictate)()
+            wait_until(lambda: editor.text() == text or self.has_dictated(before),
+                       lambda: f"the text to arrive instead of {excerpt(editor.text())}; {self.story()}")
+            with contextlib.suppress(DesktopError):
+                wait_until(lambda: editor.text() == text, "an editor that takes its time", 5)
+                return attempt
+            held = editor.empty().strip()
+            if held != text.strip() and (text[:10] in held or text[-10:] in held):
+                raise AssertionError(f"instead of {excerpt(text)} came {excerpt(held)}; {self.story()}")
+            print(f"    dictation {attempt} came too late: {excerpt(held)}", file=sys.stderr, flush=True)
+        raise AssertionError(f"none of {MOST_DICTATIONS} dictations arrived; {self.story()}")
+
+    def pastes(self):
+        """How many have begun, and how many of them are over: the clipboard was given back, or is someone else's."""
+        said = self.output.read_text(errors="replace")  # unlike the log itself, this never starts over
+        return said.count("inject: starting"), said.count("inject: restored") + said.count("not restoring")
+
+    def has_dictated(self, pastes_before):
+        """Whether a text has been pasted since, and every paste is over."""
+        begun, over = self.pastes()
+        return begun == over > pastes_before and self.is_idle()
+
+    def await_dictated(self, pastes_before=0, limit_seconds=LIMIT_SECONDS):
+        wait_until(lambda: self.has_dictated(pastes_before), lambda: f"the dictation to end; {self.story()}", limit_seconds)
+
+
+def excerpt(text):
+    return f"{text[:200]!r} ({len(text)} characters)"
