@@ -21,14 +21,16 @@ class QtTestLoop {
   static bool runUntil(const std::function<bool()>& condition,
                        std::chrono::milliseconds limit = std::chrono::seconds(60)) {
     const QDeadlineTimer deadline(limit);
+    bool holds = false;
     QEventLoop loop;
     QTimer poll;
     QObject::connect(&poll, &QTimer::timeout, &loop, [&] {
-      if (condition() || deadline.hasExpired()) loop.quit();
+      holds = holds || condition();
+      if (holds || deadline.hasExpired()) loop.quit();
     });
     poll.start(std::chrono::milliseconds(2));
     loop.exec();
-    return condition();
+    return holds;
   }
 };
 

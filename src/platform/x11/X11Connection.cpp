@@ -9,6 +9,8 @@
 #include <cerrno>
 #include <cstring>
 
+#include "platform/x11/WaitLimit.h"
+
 namespace vemo {
 
 namespace {
@@ -80,7 +82,7 @@ std::optional<xcb_query_extension_reply_t> X11Connection::extension(
 
 void* X11Connection::waitForReply(unsigned int sequence) {
   flush();
-  const auto deadline = SteadyClock::now() + (m_isStalled ? replyTimeout * 0 : replyTimeout);
+  WaitLimit limit(m_isStalled ? replyTimeout * 0 : replyTimeout, SteadyClock::now());
   while (true) {
     takeEvents(xcb_poll_for_event);
     void* reply = nullptr;
@@ -89,7 +91,7 @@ void* X11Connection::waitForReply(unsigned int sequence) {
       std::free(error);
       return reply;
     }
-    if (!waitForInput(deadline)) {
+    if (!waitForInput(limit)) {
       xcb_discard_reply(m_connection, sequence);
       m_isStalled = true;
       return nullptr;
@@ -98,12 +100,12 @@ void* X11Connection::waitForReply(unsigned int sequence) {
   }
 }
 
-bool X11Connection::waitForInput(SteadyClock::time_point deadline) const {
+bool X11Connection::waitForInput(WaitLimit& limit) const {
   pollfd input{xcb_get_file_descriptor(m_connection), POLLIN, 0};
   while (isAlive()) {
-    const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - SteadyClock::now());
-    if (left.count() <= 0) return false;
-    const int ready = poll(&input, 1, static_cast<int>(left.count()));
+    const auto wait = limit.nextWait(SteadyClock::now());
+    if (wait.count() <= 0) return false;
+    const int ready = poll(&input, 1, static_cast<int>(wait.count()));
     if (ready > 0) return true;
     if (ready < 0 && errno != EINTR) return false;
   }
@@ -198,11 +200,11 @@ void X11Connection::processEvents() {
 }
 
 bool X11Connection::processEventsUntil(const std::function<bool()>& isDone,
-                                       std::chrono::milliseconds limit) {
-  const auto deadline = SteadyClock::now() + limit;
+                                       std::chrono::milliseconds time) {
+  WaitLimit limit(time, SteadyClock::now());
   processEvents();
   while (!isDone()) {
-    if (!waitForInput(deadline)) return false;
+    if (!waitForInput(limit)) return false;
     processEvents();
   }
   return true;

@@ -62,8 +62,8 @@ class X11Connection {
   std::optional<xcb_query_extension_reply_t> extension(xcb_extension_t& extension) const;
 
   /// The reply to the request with that sequence number; null when the request failed, the server
-  /// has gone, or it doesn't answer within two seconds. After a wait in vain there's no other
-  /// before the server has sent something.
+  /// has gone, or it doesn't answer within two seconds, in which a standstill of the machine
+  /// doesn't count. After a wait in vain there's no other before the server has sent something.
   template <typename Reply>
   X11Pointer<Reply> reply(unsigned int sequence) {
     return X11Pointer<Reply>(static_cast<Reply*>(waitForReply(sequence)));
@@ -88,8 +88,8 @@ class X11Connection {
   void setClosedHandler(std::function<void()> handler) { m_closedHandler = std::move(handler); }
   /// Handles all events that have arrived, without waiting for more.
   void processEvents();
-  /// Handles events until `isDone` or the time is up. Returns whether it was done.
-  bool processEventsUntil(const std::function<bool()>& isDone, std::chrono::milliseconds limit);
+  /// Handles events until `isDone` or the time is up, as for a reply. Returns whether it was done.
+  bool processEventsUntil(const std::function<bool()>& isDone, std::chrono::milliseconds time);
 
   /// Whether one sequence number comes before another; they wrap around.
   static bool isBefore(std::uint32_t sequence, std::uint32_t other) {
@@ -101,7 +101,7 @@ class X11Connection {
 
   void* waitForReply(unsigned int sequence);
   void takeEvents(xcb_generic_event_t* (*poll)(xcb_connection_t*));
-  bool waitForInput(std::chrono::steady_clock::time_point deadline) const;
+  bool waitForInput(class WaitLimit& limit) const;
 
   xcb_connection_t* m_connection;
   xcb_window_t m_root = XCB_WINDOW_NONE;

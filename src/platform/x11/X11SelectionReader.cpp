@@ -7,11 +7,16 @@ namespace vemo {
 
 namespace {
 
+using namespace std::chrono_literals;
+
+/// Time is counted in ticks. However long the machine stands still, it is one, and then the owner
+/// still has its time to answer.
+constexpr auto tick = 50ms;
 /// An owner that is there says at once what it has; making it may take longer, as big images are
 /// encoded on request.
-constexpr std::chrono::milliseconds answerLimit{400};
-constexpr std::chrono::milliseconds contentLimit{1500};
-constexpr std::chrono::seconds totalLimit{3};
+constexpr int answerTicks = 400ms / tick;
+constexpr int contentTicks = 1500ms / tick;
+constexpr int totalTicks = 3s / tick;
 constexpr qsizetype maximumSnapshotBytes = 512LL * 1024 * 1024;
 constexpr std::size_t maximumTargets = 256;
 
@@ -33,10 +38,7 @@ X11SelectionReader::X11SelectionReader(X11Connection& connection, MainThread& ma
       m_incremental(connection.atom("INCR")),
       m_property(connection.atom("VEMO_SELECTION")),
       m_finished(mainThread) {
-  m_progressTimer.setSingleShot(true);
-  m_totalTimer.setSingleShot(true);
-  QObject::connect(&m_progressTimer, &QTimer::timeout, &m_progressTimer, [this] { finish(); });
-  QObject::connect(&m_totalTimer, &QTimer::timeout, &m_totalTimer, [this] { finish(); });
+  QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { countTick(); });
 }
 
 X11SelectionReader::~X11SelectionReader() {
@@ -44,14 +46,14 @@ X11SelectionReader::~X11SelectionReader() {
 }
 
 void X11SelectionReader::start() {
-  if (!m_totalTimer.isActive()) m_totalTimer.start(totalLimit);
+  if (!m_timer.isActive()) m_timer.start(tick);
   m_startedAt = xcb_get_selection_owner(m_connection.xcb(), m_selection).sequence;
   const auto owner = m_connection.reply<xcb_get_selection_owner_reply_t>(m_startedAt);
   if (!owner || owner->owner == XCB_WINDOW_NONE) return finish();
 
   for (Channel& channel : m_channels) channel.window = m_connection.createHiddenWindow();
   m_stage = Stage::Targets;
-  noteProgress();
+  m_ticksWithoutProgress = 0;
   request(m_channels.front(), m_targets);
   m_connection.flush();
 }
@@ -68,7 +70,7 @@ void X11SelectionReader::handleSelectionNotify(const xcb_selection_notify_event_
   Channel* channel = channelOf(event.requestor);
   if (!channel || channel->state != Channel::State::Requested || event.target != channel->target)
     return;
-  noteProgress();
+  m_ticksWithoutProgress = 0;
   if (event.property != m_property) return finishChannel(*channel, std::nullopt);
 
   auto value = m_connection.property(channel->window, m_property, X11Connection::AfterRead::Delete,
@@ -86,7 +88,7 @@ void X11SelectionReader::handlePropertyNotify(const xcb_property_notify_event_t&
   if (!channel || channel->state != Channel::State::Incremental || event.atom != m_property ||
       event.state != XCB_PROPERTY_NEW_VALUE)
     return;
-  noteProgress();
+  m_ticksWithoutProgress = 0;
   const auto piece = m_connection.property(channel->window, m_property,
                                            X11Connection::AfterRead::Delete, bytesLeft());
   if (!piece) return finishChannel(*channel, std::nullopt);
@@ -159,15 +161,18 @@ void X11SelectionReader::handleOwnerChange(xcb_window_t owner, std::uint32_t seq
   start();
 }
 
-void X11SelectionReader::noteProgress() {
-  m_progressTimer.start(m_stage == Stage::Targets ? answerLimit : contentLimit);
+void X11SelectionReader::countTick() {
+  ++m_ticks;
+  ++m_ticksWithoutProgress;
+  // The tick in which the progress came isn't a whole one.
+  const int patience = m_stage == Stage::Targets ? answerTicks : contentTicks;
+  if (m_ticksWithoutProgress > patience || m_ticks >= totalTicks) finish();
 }
 
 void X11SelectionReader::finish() {
   if (m_finished.isComplete()) return;
   closeChannels();
-  m_progressTimer.stop();
-  m_totalTimer.stop();
+  m_timer.stop();
   if (m_areTargetsGuessed) {
     std::erase_if(m_representations, [](const X11Representation& representation) {
       return representation.type == XCB_ATOM_NONE;

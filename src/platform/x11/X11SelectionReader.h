@@ -2,8 +2,9 @@
 // at a time, by the incremental protocol where the owner chooses it.
 //
 // Main thread only; lives in the coroutine that takes the snapshot, and stops reading when it goes.
-// The X11Clipboard passes it the events. An owner that makes no progress for 400 ms, or isn't done
-// after 3 s, has said all that it will: what is missing is left empty.
+// The X11Clipboard passes it the events. An owner that doesn't say what it has within 400 ms, makes
+// no progress for 1.5 s, or isn't done after 3 s, has said all that it will: what is missing is
+// left empty. A standstill of the machine isn't counted.
 #pragma once
 
 #include <QTimer>
@@ -51,7 +52,7 @@ class X11SelectionReader {
   void finishChannel(Channel& channel, std::optional<X11Property> value);
   void readTargets(const std::optional<X11Property>& targets);
   void requestNext();
-  void noteProgress();
+  void countTick();
   void finish();
   void closeChannels();
   Channel* channelOf(xcb_window_t window);
@@ -63,8 +64,9 @@ class X11SelectionReader {
   const xcb_atom_t m_incremental;
   const xcb_atom_t m_property;
   Completion<> m_finished;
-  QTimer m_progressTimer;
-  QTimer m_totalTimer;
+  QTimer m_timer;
+  int m_ticks = 0;
+  int m_ticksWithoutProgress = 0;
   std::uint32_t m_startedAt = 0;  ///< sequence of the request that told the owner that is read
   Stage m_stage = Stage::Targets;
   bool m_areTargetsGuessed = false;

@@ -1,5 +1,6 @@
 // Snapshots of owners that behave, and of owners that don't.
 #include <gmock/gmock.h>
+#include <poll.h>
 
 #include "contract/x11/EventLoop.h"
 #include "contract/x11/ScriptedOwner.h"
@@ -79,6 +80,20 @@ TEST_F(X11ClipboardReadingTest, AnOwnerThatNeverAnswersCostsABoundedWait) {
   ScriptedOwner owner({{"UTF8_STRING", "text"}});
   owner.answerTargetsWith(Manner::NeverAnswer);
   EXPECT_THAT(snapshot(), ElementsAre());
+}
+
+TEST_F(X11ClipboardReadingTest, AMachineThatStoodStillWaitsForItsOwnerAllTheSame) {
+  ScriptedOwner owner({{"UTF8_STRING", "text"}});
+  // Runs when the owner has been asked, and holds up the owner and the reader alike.
+  TaskScope scope(loop.mainThread());
+  std::optional<ClipboardContents> contents;
+  const auto read = [](X11Clipboard* from, std::optional<ClipboardContents>* to) -> Task<> {
+    *to = co_await from->snapshot();
+  };
+  scope.start([&](std::stop_token) { return read(clipboard.get(), &contents); });
+  loop.mainThread().post([] { poll(nullptr, 0, 600); });
+  ASSERT_TRUE(loop.runUntil([&] { return contents.has_value(); }));
+  EXPECT_EQ(*contents, ClipboardContents{ClipboardItem({{u"UTF8_STRING"_s, "text"}})});
 }
 
 TEST_F(X11ClipboardReadingTest, ATargetThatIsNeverAnsweredIsLeftEmptyAndTheOthersAreRead) {
