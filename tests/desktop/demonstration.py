@@ -52,10 +52,7 @@ def sample_as_wav(folder):
 def shaped_text(vemo):
     """The newest entry of Vemo's history, where it keeps what it meant to paste."""
     def newest():
-        try:
-            history = json.loads((vemo.configuration / "settings.json").read_text()).get("recentDictations")
-        except (OSError, ValueError):
-            return None
+        history = vemo.settings().get("recentDictations")
         return history and find_text(history)
     return wait_until(newest, "the history to have the dictation")
 

@@ -65,11 +65,6 @@ class FirstStartTest(StartTest):
 
 
 class SecondLaunchTest(StartTest):
-    def launch_again(self):
-        command = subprocess.run([self.vemo.program], env=self.vemo.environment, stdin=subprocess.DEVNULL,
-                                 capture_output=True, timeout=120, check=False)
-        self.assertEqual((command.returncode, command.stdout, command.stderr), (0, b"", b""))
-
     def test_a_second_launch_raises_the_window_of_the_first_and_ends(self):
         self.start()
         window = main_window(self.vemo)
@@ -80,12 +75,12 @@ class SecondLaunchTest(StartTest):
         self.addCleanup(other.terminate)
         wait_until(lambda: "zenity" in editors.window_class(editors.active_window() or "0").lower(),
                    "another window to be in front")
-        self.launch_again()
+        self.vemo.launch_again()
         window.await_that(window.is_in_front, "to be in front again")
         self.assertEqual(self.vemo.windows(), [first])
 
         window.close()
-        self.launch_again()
+        self.vemo.launch_again()
         Window(self.vemo, "Vemo")
         self.assertEqual(len(self.vemo.windows()), 1)
         self.assertIsNone(self.vemo.process.poll())

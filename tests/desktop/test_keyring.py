@@ -18,7 +18,8 @@ from virtual_desktop import wait_until
 TOKEN = "marked-token-dipper"
 PASSWORD = b"virtual desktop"
 UNLOCK = pathlib.Path(__file__).parent.parent / "contract/secrets/unlock-keyring"
-SOON = 3  # seconds: far above what an answer takes on a busy machine, far below a keyring's patience
+SOON = 4  # seconds: above what an answer takes on a busy machine, below the patience of Vemo and of a keyring
+MOST_TRIES = 5
 
 
 def call(name, path, interface, method, arguments):
@@ -72,14 +73,24 @@ class KeyringTest(unittest.TestCase):
 
     def test_a_silent_keyring_holds_up_neither_the_start_nor_a_command(self):
         with silent_keyring():
-            begin = time.monotonic()
             self.start_vemo()
-            self.assertLess(time.monotonic() - begin, SOON)
+            self.assert_soon(self.vemo.launch, "a start", before=self.end_vemo)
             self.vemo.await_status("idle: Sign in to connect")
             for command in ("status", "start", "sign-out"):
-                begin = time.monotonic()
-                self.vemo.command(command)
-                self.assertLess(time.monotonic() - begin, SOON, command)
+                self.assert_soon(lambda: self.vemo.command(command), command)
+
+    def end_vemo(self):
+        self.vemo.command("quit")
+        self.vemo.process.wait(120)
+
+    def assert_soon(self, action, what, before=lambda: None):
+        """At its quickest: what a machine that stalls adds is no wait for the keyring."""
+        def seconds():
+            before()
+            begin = time.monotonic()
+            action()
+            return time.monotonic() - begin
+        self.assertTrue(any(seconds() < SOON for _ in range(MOST_TRIES)), what)
 
     def test_a_keyring_that_answers_late_signs_in(self):
         with silent_keyring():

@@ -16,7 +16,6 @@ from companion_service import CompanionService
 from demonstration import shaped_text
 from dictation_server import RecordingProxy
 from vemo_program import Vemo
-from virtual_desktop import wait_until
 
 READINGS = pathlib.Path("/usr/share/pocketsphinx/test/data/librivox")
 RECOGNITION_LIMIT_SECONDS = 300

@@ -47,10 +47,10 @@ class PasswordFieldTest(unittest.TestCase):
         with ClipboardOwner([("UTF8_STRING", b"untouched")]) as owner:
             self.server.answers = [transcription("not for this field")]
             self.vemo.dictate()
-            wait_until(lambda: self.vemo.status() == f"error: {MESSAGE}",
-                       lambda: f"the paste to be refused; {self.vemo.story()}")
+            self.assertIn(self.vemo.await_failure(), (f"error: {MESSAGE}", ""))
             self.assertFalse(owner.has_lost_it())
             self.assertEqual(contents(), [("UTF8_STRING", b"untouched")])
+        self.assertEqual(self.vemo.logged(f"error: {MESSAGE}"), 1)
         self.assertEqual(self.vemo.logged("inject: blocked — secure input is active"), 1)
         self.assertEqual(self.vemo.logged("inject: pasteboard set"), 0)
 

@@ -1,7 +1,6 @@
 #!/usr/bin/python3
 """Vemo in the desktop's panel: its item and the menu of it, in a real panel and over the bus."""
 
-import json
 import pathlib
 import subprocess
 import tempfile
@@ -104,9 +103,6 @@ class TrayTest(unittest.TestCase):
         self.vemo = self.enterContext(Vemo(self.server.address))
         return self.vemo
 
-    def settings(self):
-        return json.loads((self.vemo.configuration / "settings.json").read_text())
-
 
 class PanelTest(TrayTest):
     def setUp(self):
@@ -126,12 +122,12 @@ class PanelTest(TrayTest):
         self.assertEqual(self.menu.find("Enable Vemo")[1]["toggle-state"], 1)
         self.menu.press("Enable Vemo")
         wait_until(lambda: self.menu.find("Enable Vemo")[1]["toggle-state"] == 0, "Vemo to be off")
-        wait_until(lambda: self.settings().get("isEnabled") is False, "the setting to be written")
+        wait_until(lambda: self.vemo.settings().get("isEnabled") is False, "the setting to be written")
 
         languages, _ = self.menu.find("Language: English")
         self.menu.press("   Hindi", languages)
         wait_until(lambda: "Language: Hindi" in self.menu.labels(), "the language to be Hindi")
-        wait_until(lambda: self.settings().get("dictationLanguage") == "hi", "the setting to be written")
+        wait_until(lambda: self.vemo.settings().get("dictationLanguage") == "hi", "the setting to be written")
 
         self.menu.press("Sign Out")
         wait_until(lambda: "Sign In with Google" in self.menu.labels(), "nobody to be signed in")

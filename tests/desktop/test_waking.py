@@ -1,7 +1,6 @@
 #!/usr/bin/python3
 """The machine sleeps and wakes: logind says so on the system bus, which here is the session's."""
 
-import json
 import os
 import unittest
 
@@ -50,11 +49,9 @@ class WakingTest(unittest.TestCase):
         self.wake()
 
     def test_at_a_waking_the_device_is_reported_if_it_is_due(self):
-        def remembered_report():
-            return json.loads((self.vemo.configuration / "settings.json").read_text()).get("telemetryDeviceReport")
         self.server.await_requests_to(DEVICE, 1)
         self.server.other_answers[DEVICE] = Answer(status=204)
-        self.wake_until(remembered_report, "the report that failed to be sent again")
+        self.wake_until(lambda: self.vemo.settings().get("telemetryDeviceReport"), "the report that failed to be sent again")
 
         self.wake()
         reports = len(self.server.requests_to(DEVICE))

@@ -1,9 +1,7 @@
 #!/usr/bin/python3
 """Both windows of the running program as a screen reader tells them, and as somebody has them who uses no mouse."""
 
-import json
 import pathlib
-import subprocess
 import tempfile
 import unittest
 
@@ -36,11 +34,8 @@ class WindowsTest(Walks, unittest.TestCase):
     def sign_in(self):
         self.vemo.command("sign-in")
         redirect = self.service.press(self.browser.page())
-        subprocess.run([program("vemo"), "open", redirect], env=self.vemo.environment, check=True, timeout=120)
+        self.vemo.open(redirect)
         self.main.await_item("Start Dictating Now")
-
-    def settings(self):
-        return json.loads((self.vemo.configuration / "settings.json").read_text())
 
 
 class NobodyTest(WindowsTest):
@@ -106,7 +101,7 @@ class SettingsWindowTest(WindowsTest):
             switch = window.await_item(name, Role.CHECK_BOX)
             was_on = State.CHECKED in switch.states
             switch.act("Press")
-            wait_until(lambda: self.settings().get(setting) == (not was_on), f"the setting {setting} to change")
+            wait_until(lambda: self.vemo.settings().get(setting) == (not was_on), f"the setting {setting} to change")
             window.await_that(lambda: (item := window.find(name, Role.CHECK_BOX))
                               and (State.CHECKED in item.states) != was_on, f"to tell the new state of “{name}”")
 

@@ -4,7 +4,6 @@
 import json
 import pathlib
 import sqlite3
-import subprocess
 import tempfile
 import unittest
 
@@ -15,7 +14,7 @@ from browsers import NotingBrowser
 from clipboard import contents
 from dictation_server import Answer, DictationServer
 from test_sign_in import SIGNED_OUT, stored_token
-from vemo_program import Vemo, clear_token, program, say
+from vemo_program import Vemo, clear_token, say
 from virtual_desktop import wait_until
 from windows import Role, Window, main_window, settings_window
 
@@ -60,13 +59,6 @@ class StoryTest(unittest.TestCase):
             f"googleTokenEndpoint={self.service.provider}token\ngoogleClientId={CLIENT}\n")
         self.browser.install(vemo)
 
-    def settings(self):
-        return json.loads((self.vemo.configuration / "settings.json").read_text())
-
-    def await_setting(self, name, value):
-        wait_until(lambda: self.settings().get(name) == value,
-                   lambda: f"the setting {name} to be {value!r}; it is {self.settings().get(name)!r}")
-
     def choose(self, window, button, choice):
         window.click(button)
         window.click(choice)
@@ -101,20 +93,20 @@ class StoryTest(unittest.TestCase):
         self.main.click("Continue with Google")
         self.main.await_item("Cancel")
         redirect = self.service.press(self.browser.page())
-        subprocess.run([program("vemo"), "open", redirect], env=self.vemo.environment, check=True, timeout=120)
+        self.vemo.open(redirect)
         self.main.await_item("Start Dictating Now")
         self.account = OtherClient(self.service).with_token(wait_until(stored_token, "a token in the keyring"))
 
     def choose_a_language(self):
         self.choose(self.main, "Language: English", "   Hindi (हिन्दी)")
         self.main.await_item("Language: Hindi")
-        self.await_setting("dictationLanguage", "hi")
+        self.vemo.await_setting("dictationLanguage", "hi")
 
     def set_up(self):
         settings = settings_window(self.main)
         settings.click("System")
         self.choose(settings, "English (Translit)", "   Mixed (Codemix)")
-        self.await_setting("dictateOutputMode", "codemix")
+        self.vemo.await_setting("dictateOutputMode", "codemix")
 
         # As one saves it without the mouse: held until the sheet goes.
         settings.click("Record a shortcut: Start / Stop mic")
@@ -125,7 +117,7 @@ class StoryTest(unittest.TestCase):
         finally:
             keyboard.release(*reversed(SHORTCUT))
         settings.await_item("Custom: Control + Shift + F9")
-        self.await_setting("toggleHotkeyChoice", "custom")
+        self.vemo.await_setting("toggleHotkeyChoice", "custom")
 
         settings.click("Choose Folder…")
         settings.fill("Choose the root folder of your project for @file tagging", str(self.project))
@@ -138,7 +130,8 @@ class StoryTest(unittest.TestCase):
         self.main.click("Connect…")
         self.main.fill("Slack User or Bot Token (xoxp-... or xoxb-...)", SLACK_TOKEN)
         self.main.click("Connect & Sync")
-        self.main.await_gone("Connect & Sync")
+        self.main.await_item("Sync Again…")
+        self.main.await_that(lambda: not self.main.sheet(), "to close the sheet")
         for method in ("auth.test", "users.list", "conversations.list"):
             request, = self.requests_to(f"/api/{method}")
             self.assertEqual(request.headers["Authorization"], f"Bearer {SLACK_TOKEN}")
@@ -184,10 +177,10 @@ class StoryTest(unittest.TestCase):
 
     def turn_off_and_on(self, editor):
         self.choose(self.main, "Vemo menu", "Enable Vemo")
-        self.await_setting("isEnabled", False)
+        self.vemo.await_setting("isEnabled", False)
         keyboard.strike(*SHORTCUT)
         self.choose(self.main, "Vemo menu", "Enable Vemo")
-        self.await_setting("isEnabled", True)
+        self.vemo.await_setting("isEnabled", True)
         self.vemo.await_status("idle")
         self.assertEqual(editor.text(), WRITTEN)
 
@@ -206,7 +199,7 @@ class StoryTest(unittest.TestCase):
     def plain_settings(self):
         """Without what Vemo notes for itself; lists without what differs from run to run."""
         plain = {}
-        for name, value in self.settings().items():
+        for name, value in self.vemo.settings().items():
             if name in OWN_NOTES or name.startswith("telemetry"):
                 continue
             if isinstance(value, dict):
@@ -217,6 +210,10 @@ class StoryTest(unittest.TestCase):
             plain[name] = value
         return plain
 
+    def await_plain_settings(self, expected):
+        wait_until(lambda: self.plain_settings() == expected,
+                   lambda: f"the settings to be {expected}; they are {self.plain_settings()}")
+
     def choices(self):
         """What was set up and isn't the account's."""
         return {"customToggleShortcutData": {"isModifierOnly": False, "keyCode": F9, "modifierFlagsRaw": CONTROL | SHIFT},
@@ -225,17 +222,17 @@ class StoryTest(unittest.TestCase):
 
     def assert_settings_hold_what_was_chosen(self):
         member = {"displayName": "Maria.Silva", "isBot": False, "name": "maria", "realName": "Maria Silva"}
-        self.assertEqual(self.plain_settings(), self.choices() | {
+        self.await_plain_settings(self.choices() | {
             "authDisplayName": NAME, "authEmail": EMAIL,
             "customDictionaryEntries": [{"phrase": "brelmo", "replacement": "Brelmox"}],
             "customShortcutEntries": [{"trigger": "my sign off", "snippet": "Kind regards, Ada"}],
             "recentDictations": [{"text": WRITTEN}],
             "slackCachedChannels": [{"isPrivate": False, "name": "general"}], "slackCachedUsers": [member],
             "slackCachedWorkspace": "Brelmox"})
-        self.assertNotIn(SLACK_TOKEN, json.dumps(self.settings()))
+        self.assertNotIn(SLACK_TOKEN, json.dumps(self.vemo.settings()))
 
     def assert_settings_hold_nothing_of_the_account(self):
-        self.assertEqual(self.plain_settings(), self.choices())
+        self.await_plain_settings(self.choices())
 
     def assert_the_database_holds_the_account(self):
         database = sqlite3.connect(f"file:{self.folder / 'accounts.db'}?mode=ro", uri=True)

@@ -120,6 +120,19 @@ class Vemo:
             self.__exit__()
             raise
 
+    def launch_again(self, *arguments):
+        """A second launch, which has the first show its window, and ends without a word. Where a machine stalls, it may
+        give up before it has its answer, say so, and have to be repeated."""
+        def is_answered():
+            ended = subprocess.run([self.program, *arguments], env=self.environment, stdin=subprocess.DEVNULL,
+                                   capture_output=True, timeout=120, check=False)
+            return (ended.returncode, ended.stdout, ended.stderr) == (0, b"", b"")
+        wait_until(is_answered, lambda: f"a second launch to be answered; {self.story()}")
+
+    def open(self, address):
+        """As the desktop does with an address of a scheme that Vemo has claimed."""
+        self.launch_again("open", address)
+
     def windows(self):
         return window_manager.shown_windows(self.process, "Vemo")
 
@@ -209,7 +222,7 @@ class Vemo:
             wait_until(lambda: editor.text() == text or self.has_dictated(before),
                        lambda: f"the text to arrive instead of {excerpt(editor.text())}; {self.story()}")
             with contextlib.suppress(DesktopError):
-                wait_until(lambda: editor.text() == text, "an editor that takes its time", 5)
+                wait_until(lambda: editor.text() == text, "an editor that takes its time", 5 * attempt)
                 return attempt
             held = editor.empty().strip()
             if held != text.strip() and (text[:10] in held or text[-10:] in held):
@@ -229,6 +242,32 @@ class Vemo:
 
     def await_dictated(self, pastes_before=0, limit_seconds=LIMIT_SECONDS):
         wait_until(lambda: self.has_dictated(pastes_before), lambda: f"the dictation to end; {self.story()}", limit_seconds)
+
+    def settings(self):
+        """What is saved; a moment ago it may have been less."""
+        try:
+            return json.loads((self.configuration / "settings.json").read_text())
+        except (OSError, ValueError):
+            return {}
+
+    def await_setting(self, name, value):
+        wait_until(lambda: self.settings().get(name) == value,
+                   lambda: f"the setting {name} to be {value!r}; it is {self.settings().get(name)!r}")
+
+    def failures(self):
+        """How many dictations have failed."""
+        return self.output.read_text(errors="replace").count("[Vemo] error: ")
+
+    def await_failure(self, failures_before=0):
+        """The status that tells of a failure, or "" where it has gone: it stays for two seconds, and a machine that
+        stalls asks too late."""
+        def outcome():
+            has_failed = self.failures() > failures_before
+            status = self.status()
+            return [status] if status.startswith("error") else [""] if has_failed else None
+        shown, = wait_until(outcome, lambda: f"the dictation to fail; {self.story()}")
+        wait_until(self.is_idle, "Vemo to be idle again")
+        return shown
 
 
 def excerpt(text):

@@ -258,7 +258,7 @@ def turn_the_wheel_for(item):
 
 def main_window(vemo):
     """Opens it as a second launch of the program does."""
-    subprocess.run([vemo.program], env=vemo.environment, stdin=subprocess.DEVNULL, check=True, timeout=120)
+    vemo.launch_again()
     return Window(vemo, "Vemo")
 
 
