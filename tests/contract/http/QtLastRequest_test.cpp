@@ -6,6 +6,7 @@
 #include <QTcpServer>
 
 #include "TestHttpServer.h"
+#include "fakes/OnceWithin.h"
 #include "fakes/QtTestLoop.h"
 
 namespace vemo {
@@ -17,8 +18,10 @@ using namespace std::chrono_literals;
 class QtLastRequestTest : public testing::Test {
  protected:
   static constexpr auto limit = 300ms;
-  /// What a busy machine may add.
+  /// What a busy machine may add to the shortest of a few waits.
   static constexpr auto allowance = 700ms;
+  /// Far above what anything takes that doesn't wait to its limit.
+  static constexpr auto generousLimit = 60s;
 
   std::chrono::milliseconds timeToSend(const QUrl& url, std::chrono::milliseconds longest = limit) {
     QElapsedTimer timer;
@@ -27,15 +30,16 @@ class QtLastRequestTest : public testing::Test {
                              .url = url,
                              .headers = {{"Content-Type"_ba, "application/json"_ba}},
                              .body = "{}"_ba,
-                             .timeout = 15s},
+                             .timeout = 2 * generousLimit},
                             longest);
     return std::chrono::milliseconds(timer.elapsed());
   }
 
   void expectAWaitOf(std::chrono::milliseconds longest, const QUrl& url) {
-    const auto time = timeToSend(url, longest);
-    EXPECT_GE(time, longest - 5ms) << "a timer may be early by its resolution";
-    EXPECT_LT(time, longest + allowance);
+    EXPECT_TRUE(isOnceWithin(longest + allowance, [&] {
+      EXPECT_GE(timeToSend(url, longest), longest - 5ms)
+          << "a timer may be early by its resolution";
+    }));
   }
 
   QtTestLoop loop;
@@ -44,20 +48,19 @@ class QtLastRequestTest : public testing::Test {
 };
 
 TEST_F(QtLastRequestTest, AnAnswerEndsTheWait) {
-  EXPECT_LT(timeToSend(server.url(u"/status/200"_s), 20s), 10s);
+  EXPECT_LT(timeToSend(server.url(u"/status/200"_s), generousLimit), generousLimit);
   ASSERT_EQ(server.requests().size(), 1);
   EXPECT_TRUE(server.requests()[0].head.contains("Content-Type: application/json\r\n"));
   EXPECT_EQ(server.requests()[0].body, "{}");
 }
 
 TEST_F(QtLastRequestTest, AFailureEndsTheWait) {
-  EXPECT_LT(timeToSend(server.url(u"/reset-before-answer"_s), 20s), 10s);
-  EXPECT_LT(timeToSend(QUrl(u"http://nobody.invalid/"_s), 20s), 10s);
+  EXPECT_LT(timeToSend(server.url(u"/reset-before-answer"_s), generousLimit), generousLimit);
   QTcpServer closed;
   ASSERT_TRUE(closed.listen(QHostAddress::LocalHost));
   const QUrl refusing(u"http://127.0.0.1:%1/"_s.arg(closed.serverPort()));
   closed.close();
-  EXPECT_LT(timeToSend(refusing, 20s), 10s);
+  EXPECT_LT(timeToSend(refusing, generousLimit), generousLimit);
 }
 
 TEST_F(QtLastRequestTest, AServerThatStallsAtAnyStageIsWaitedForNoLongerThanAsked) {

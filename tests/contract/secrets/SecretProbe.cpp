@@ -1,9 +1,12 @@
-// Asks the keyring twice with the default time limit: secret_probe find|add|remove.
+// Asks the keyring twice: secret_probe find|add|remove [LIMIT], in milliseconds when it isn't the
+// default one.
 //
 // Prints each outcome and the milliseconds that the caller was held.
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <optional>
 
 #include "platform/secretservice/SecretServiceBackend.h"
 
@@ -41,11 +44,15 @@ const char* outcomeOf(SecretServiceBackend& backend, const char* operation) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 2) return 2;
-  SecretServiceBackend backend;
+  if (argc < 2) return 2;
+  std::optional<SecretServiceBackend> backend;
+  if (argc > 2)
+    backend.emplace(Milliseconds(std::atoi(argv[2])));
+  else
+    backend.emplace();
   for (int call = 0; call < 2; ++call) {
     const auto start = std::chrono::steady_clock::now();
-    const char* outcome = outcomeOf(backend, argv[1]);
+    const char* outcome = outcomeOf(*backend, argv[1]);
     const auto held =
         std::chrono::duration_cast<Milliseconds>(std::chrono::steady_clock::now() - start);
     std::printf("%s %lld ", outcome, static_cast<long long>(held.count()));
