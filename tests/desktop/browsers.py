@@ -120,7 +120,12 @@ class RealBrowser(Browser):
 
     def close_page(self):
         self._await_front()
-        keyboard.strike("Control_L", "w")
+
+        def is_closed():
+            if active_window() in self._windows():
+                keyboard.strike("Control_L", "w")
+            return any(not self._windows() for _ in range(50))
+        wait_until(is_closed, f"{self.name} to close its windows")
         self._await_end()
 
 

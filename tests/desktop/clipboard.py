@@ -1,6 +1,7 @@
 """What the clipboard holds, seen and set from outside."""
 
 import base64
+import contextlib
 import json
 import pathlib
 import subprocess
@@ -14,11 +15,11 @@ TRANSFER_FORMATS = {"TARGETS", "MULTIPLE", "TIMESTAMP", "SAVE_TARGETS", "DELETE"
 
 def read_format(name):
     """The bytes of one format, or None when it isn't offered."""
-    try:
-        result = subprocess.run(["xclip", "-selection", "clipboard", "-o", "-t", name],
-                                capture_output=True, timeout=20, check=False)
-    except subprocess.TimeoutExpired:
-        return None
+    def ask():
+        with contextlib.suppress(subprocess.TimeoutExpired):  # an owner that went meanwhile never answers
+            return subprocess.run(["xclip", "-selection", "clipboard", "-o", "-t", name], capture_output=True,
+                                  timeout=20, check=False)
+    result = wait_until(ask, f"the clipboard's owner to answer for {name}")
     return result.stdout if result.returncode == 0 else None
 
 

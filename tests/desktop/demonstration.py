@@ -93,7 +93,7 @@ def demonstrate(service, sample, screenshot):
         restored = False
         if not problem:
             try:
-                restored = wait_until(lambda: contents() == before, "the clipboard to come back", 20)
+                restored = wait_until(lambda: contents() == before, "the clipboard to come back")
             except DesktopError as error:
                 problem = str(error)
         pasted = editor.text()

@@ -128,6 +128,10 @@ class DictationServer:
         self._server.shutdown()
         self._server.server_close()
 
+    def deafen(self):
+        """From now on connections are neither taken nor refused."""
+        self._server.shutdown()
+
     def take(self, request):
         """The answer to a dictation's request; called on a thread of the request's connection."""
         with self._lock:

@@ -8,6 +8,7 @@ from virtual_desktop import wait_until
 EVENTS = "/desktop/events"
 INSTALL = "/telemetry/install"
 DEVICE = "/desktop/device"
+PROFILE = "/desktop/auth/profile"
 
 
 class TelemetryServer(DictationServer):
@@ -23,6 +24,10 @@ class TelemetryServer(DictationServer):
 
     def await_requests_to(self, path, count):
         wait_until(lambda: len(self.requests_to(path)) >= count, f"request {count} to {path}")
+
+    def await_session(self, number=1):
+        """For the number-th time, Vemo knows who is signed in; before that it has nothing to tell at its end."""
+        self.await_requests_to(PROFILE, number)
 
     def events(self):
         """Those of all batches, in the order of the batches."""

@@ -13,7 +13,7 @@ from gi.repository import Gio, GLib  # noqa: E402
 
 from dictation_server import DictationServer  # noqa: E402
 from vemo_program import Vemo, store_token  # noqa: E402
-from virtual_desktop import wait_until  # noqa: E402
+from virtual_desktop import LIMIT_SECONDS, wait_until  # noqa: E402
 
 WATCHER = "org.kde.StatusNotifierWatcher"
 MENU = ("/MenuBar", "com.canonical.dbusmenu")
@@ -57,7 +57,7 @@ def bus():
 
 
 def call(name, path, interface, method, arguments=None):
-    return bus().call_sync(name, path, interface, method, arguments, None, 0, 10000, None).unpack()
+    return bus().call_sync(name, path, interface, method, arguments, None, 0, 1000 * LIMIT_SECONDS, None).unpack()
 
 
 def has_owner(name):

@@ -162,7 +162,7 @@ class Vemo:
         """As command(), for where the milliseconds that a program of its own takes would matter."""
         bus = Gio.bus_get_sync(Gio.BusType.SESSION)
         answer = bus.call_sync("brelmox.Vemo", "/brelmox/Vemo", "brelmox.Vemo", name, None, None,
-                               Gio.DBusCallFlags.NONE, -1, None)
+                               Gio.DBusCallFlags.NONE, 1000 * LIMIT_SECONDS, None)
         return answer.unpack()[0]
 
     def status(self):

@@ -15,6 +15,7 @@ import secrets
 import select
 import shutil
 import signal
+import socket
 import struct
 import subprocess
 import tempfile
@@ -214,8 +215,7 @@ class VirtualDesktop:
         self._start_part("dbus-daemon", ["dbus-daemon", f"--config-file={configuration}", "--nofork", "--nopidfile"])
 
     def _await_bus(self):
-        socket = self.runtime / "bus"
-        self._await_part("dbus-daemon", socket.exists)
+        self._await_part("dbus-daemon", lambda: is_listening(self.runtime / "bus"))
 
     def _start_display(self):
         authority = self.folder / "Xauthority"
@@ -388,6 +388,12 @@ def open_processes_with(entry, kept):
         else:
             os.close(handle)
     return handles
+
+
+def is_listening(path):
+    """Whether somebody takes connections there: the file of a socket comes before."""
+    with socket.socket(socket.AF_UNIX) as client:
+        return client.connect_ex(str(path)) == 0
 
 
 def x_authority(cookie):

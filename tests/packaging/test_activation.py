@@ -14,7 +14,7 @@ from gi.repository import Gio, GLib
 from installation import BUILD, CONFIGURED, SOURCE
 
 sys.path.insert(0, str(SOURCE / "tests/desktop"))
-from virtual_desktop import wait_until  # noqa: E402
+from virtual_desktop import is_listening, wait_until  # noqa: E402
 
 PROGRAM = BUILD / "bin/vemo"
 NAME = "brelmox.Vemo"
@@ -40,7 +40,7 @@ class ActivationTest(unittest.TestCase):
                                   stderr=subprocess.DEVNULL)
         self.addCleanup(daemon.wait)
         self.addCleanup(daemon.terminate)
-        wait_until((folder / "bus").exists, "the bus to answer")
+        wait_until(lambda: is_listening(folder / "bus"), "the bus to answer")
         flags = Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION
         self.bus = Gio.DBusConnection.new_for_address_sync(f"unix:path={folder}/bus", flags, None, None)
 
