@@ -168,6 +168,7 @@ TEST_F(X11KeyPosterModifiersTest, DestroyingAPasteMidwayReleasesEverything) {
 }
 
 TEST_F(X11KeyPosterModifiersTest, AHeldVStillPastes) {
+  user.stopRepeats();
   user.press(XKB_KEY_v);
   target.reset();
   openTarget();

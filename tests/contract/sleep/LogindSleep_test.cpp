@@ -17,7 +17,7 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-/// More than isHeard() leaves under way.
+/// Beside those that isHeard() leaves on their way.
 constexpr int manyNotices = 500;
 
 /// A system bus, and on it a logind that says what the test has it say.
@@ -47,6 +47,7 @@ class LogindSleepTest : public testing::Test, protected QtTestLoop {
   bool isHeard() {
     const int before = wakes;
     return runUntil([this, before] {
+      ++wakesOnTheWay;
       tell(*logind, true);
       tell(*logind, false);
       return wakes > before;
@@ -59,6 +60,7 @@ class LogindSleepTest : public testing::Test, protected QtTestLoop {
   std::optional<QDBusConnection> logind;
   std::optional<LogindSleep> sleep;
   int wakes = 0;
+  int wakesOnTheWay = 0;  ///< at most: isHeard() doesn't wait for those after the first
 };
 
 TEST_F(LogindSleepTest, WakingIsToldAndFallingAsleepIsNot) {
@@ -69,7 +71,7 @@ TEST_F(LogindSleepTest, WakingIsToldAndFallingAsleepIsNot) {
   for (int i = 0; i < manyNotices; ++i) tell(*logind, true);
   tell(*logind, false);
   ASSERT_TRUE(runUntil([&] { return wakes > before; }));
-  EXPECT_LT(wakes - before, manyNotices);
+  EXPECT_LT(wakes - before, wakesOnTheWay + manyNotices);
 }
 
 TEST_F(LogindSleepTest, WakingIsToldOnTheMainThread) {
@@ -92,7 +94,7 @@ TEST_F(LogindSleepTest, AnotherProgramsNoticeIsNoWaking) {
   for (int i = 0; i < manyNotices; ++i) tell(stranger, false);
   tell(*logind, false);
   ASSERT_TRUE(runUntil([&] { return wakes > before; }));
-  EXPECT_LT(wakes - before, manyNotices);
+  EXPECT_LT(wakes - before, wakesOnTheWay + manyNotices);
 }
 
 TEST_F(LogindSleepTest, WithoutASystemBusNothingIsToldAndNothingIsWaitedFor) {

@@ -22,6 +22,7 @@ VirtualUser::~VirtualUser() {
     xcb_test_fake_input(m_connection->xcb(), XCB_KEY_RELEASE, code, 0, m_connection->root(), 0, 0,
                         0);
   if (m_hasSlowKeys) useSlowKeys(false);
+  if (!m_hasRepeats) setRepeats(XCB_AUTO_REPEAT_MODE_ON);
   setLockedModifiers(0xFF, 0);
   chooseLayout(u"us"_s);
 }
@@ -82,6 +83,16 @@ void VirtualUser::useSlowKeys(bool isOn) {
                        0, 0, 0, 0, 0, 0, 0, 0, 0, noKeys.data());
   m_connection->synchronize();
   m_hasSlowKeys = isOn;
+}
+
+void VirtualUser::stopRepeats() {
+  setRepeats(XCB_AUTO_REPEAT_MODE_OFF);
+  m_hasRepeats = false;
+}
+
+void VirtualUser::setRepeats(std::uint32_t mode) {
+  xcb_change_keyboard_control(m_connection->xcb(), XCB_KB_AUTO_REPEAT_MODE, &mode);
+  m_connection->synchronize();
 }
 
 std::set<xcb_keycode_t> VirtualUser::keysDown() {

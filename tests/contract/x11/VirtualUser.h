@@ -16,7 +16,8 @@ namespace vemo {
 class VirtualUser {
  public:
   VirtualUser();
-  /// Lets go of what is still held and gives the keyboard its usual layout, locks and speed again.
+  /// Lets go of what is still held and gives the keyboard its usual layout, locks, speed and
+  /// repeats again.
   ~VirtualUser();
 
   /// Runs setxkbmap; the first of several layouts is then in force.
@@ -37,6 +38,9 @@ class VirtualUser {
   /// With slow keys the server doesn't count a key as down before it has been held for long.
   void useSlowKeys(bool isOn);
 
+  /// Held keys repeat after a while unless this has been called.
+  void stopRepeats();
+
   /// The codes of the keys that are down, by the server's word.
   std::set<xcb_keycode_t> keysDown();
   /// The real modifiers in force: held, latched and locked.
@@ -45,10 +49,13 @@ class VirtualUser {
   void setLockedModifiers(unsigned int mask, unsigned int values);
 
  private:
+  void setRepeats(std::uint32_t mode);
+
   std::unique_ptr<X11Connection> m_connection;
   std::unique_ptr<X11Keymap> m_keymap;
   std::set<xcb_keycode_t> m_held;
   bool m_hasSlowKeys = false;
+  bool m_hasRepeats = true;
 };
 
 }  // namespace vemo
