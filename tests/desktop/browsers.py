@@ -1,11 +1,11 @@
 """The browser that a sign-in page opens in, by the desktop's own choice of what opens web addresses."""
 
-import contextlib
 import json
 import pathlib
 import shutil
 import subprocess
 import tempfile
+import time
 
 import gi
 
@@ -16,6 +16,10 @@ import keyboard  # noqa: E402
 import window_manager  # noqa: E402
 from editors import active_window, applications, chromium_command  # noqa: E402
 from virtual_desktop import DesktopError, wait_until  # noqa: E402
+
+# At what comes of a click.
+LOOKS = 60
+BETWEEN_LOOKS = 0.05
 
 
 class Browser:
@@ -103,20 +107,26 @@ class RealBrowser(Browser):
 
     def press(self, name, has_worked):
         """Clicks on a button. A browser drops what comes before it has drawn a page, or too soon after a question has
-        come up, so the click is repeated when nothing has come of it."""
+        come up, so the click is repeated when nothing has come of it after many looks: a page takes one click alone,
+        however late it comes of it."""
         self._await_front()
-        for _ in range(20):
-            place = wait_until(lambda: extents(self._button(name)), f"{self.name} to show the button “{name}”")
+        for clicks in range(20):
+            place = wait_until(lambda: (clicks and has_worked()) or extents(self._button(name)),
+                               f"{self.name} to show the button “{name}”")
+            if place is True:
+                return
             subprocess.run(["xdotool", "mousemove", str(place.x + place.width // 2), str(place.y + place.height // 2),
                             "click", "1"], check=True)
-            with contextlib.suppress(DesktopError):
-                return wait_until(has_worked, "the click to work", 1.5)
+            if any(has_worked() or time.sleep(BETWEEN_LOOKS) for _ in range(LOOKS)):
+                return
         raise DesktopError(f"clicked on “{name}” in vain")
 
-    def allow_opening(self, application):
-        """Says yes to the question whether the page may open the application."""
+    def allow_opening(self, application, has_worked=None):
+        """Says yes to the question whether the page may open the application; until the question has gone, where nothing
+        else tells of it."""
         name = self.open_button(application)
-        self.press(name, lambda: not self._button(name))
+        # A look fails when something changes meanwhile.
+        self.press(name, has_worked or (lambda: not any(self._button(name) for _ in range(3))))
 
     def close_page(self):
         self._await_front()
@@ -179,7 +189,10 @@ class Firefox(RealBrowser):
 
 def extents(button):
     """Where the button is on the screen; None when it's nowhere yet."""
-    place = button and Atspi.Component.get_extents(button, Atspi.CoordType.SCREEN)
+    try:
+        place = button and Atspi.Component.get_extents(button, Atspi.CoordType.SCREEN)
+    except GLib.Error:
+        return None  # it is just going
     return place if place and min(place.x, place.y) >= 0 and min(place.width, place.height) > 1 else None
 
 

@@ -100,7 +100,7 @@ class InABrowser:
     def sign_in_by_browser(self):
         self.vemo.command("sign-in")
         self.browser.press(f"Continue as {NAME}", self.service.next_logged("POST /consent 303"))
-        self.browser.allow_opening("Vemo")
+        self.browser.allow_opening("Vemo", lambda: self.vemo.status() == "idle")
         return self.await_signed_in()
 
     def test_cancelling_on_the_page_is_no_error(self):
