@@ -84,6 +84,7 @@ class Soak:
         self.faults_met += fault is not None
         text = text_of(number)
         answers = FAULTS[fault](transcription(text)) if fault else [transcription(text)]
+        copies = self._vemo.second_copies()
         try:
             if fault == WITHOUT_A_TEXT:
                 self._request(answers)
@@ -97,7 +98,8 @@ class Soak:
             raise SystemExit(f"dictation {number}, whose server {fault or 'answers'}: {error}; "
                              f"{first_difference(self._editor.text(), self._expected)}; "
                              f"{self._vemo.story()}") from None
-        if len(self._server.requests) != len(answers):
+        # A machine that stalls may ask once more.
+        if len(self._server.requests) - len(answers) not in range(self._vemo.second_copies() - copies + 1):
             raise SystemExit(f"dictation {number}, whose server {fault or 'answers'}, took "
                              f"{len(self._server.requests)} requests instead of {len(answers)}")
 

@@ -40,11 +40,16 @@ class IntoAnEditor:
 
     def assert_clipboard_comes_back(self, content):
         editor = self.open_editor()
-        with ClipboardOwner(content) as owner:
-            self.dictate(editor, SENTENCE)
-            self.vemo.await_dictated()
-            wait_until(owner.has_lost_it, "the clipboard to have had another owner")
-        self.assertEqual(editor.text(), SENTENCE)
+        for _ in range(MOST_COPIES):
+            with ClipboardOwner(content) as owner:
+                self.dictate(editor, SENTENCE)
+                self.vemo.await_dictated()
+                wait_until(owner.has_lost_it, "the clipboard to have had another owner")
+            self.assertEqual(editor.text(), SENTENCE)
+            if len(contents()) >= len(content):
+                break
+            # On a machine that stalls, the owner may not tell Vemo in time what there is.
+            editor.empty()
         self.assertEqual([name for name, _ in contents()], [name for name, _ in content])
         for (name, data), (_, expected) in zip(contents(), content):
             self.assertTrue(data == expected, f"{name} has changed: {data[:80]!r}…")
@@ -146,7 +151,7 @@ class IntoAnEditor:
                     wait_until(lambda: editor.text() == SENTENCE or self.vemo.has_dictated(before),
                                lambda: f"the text to arrive; {self.vemo.story()}")
                     wait_until(lambda: keys.keys_down() == {keys.code(key)}, "the held key, and no other, to count again")
-                    self.assertTrue(editor.has_focus(), "the held key has taken the focus from the text")
+                    wait_until(editor.has_focus, "the text to have the focus under the held key")
                 finally:
                     keyboard.release(key)
             self.dictate(editor, SENTENCE, dictate_holding)

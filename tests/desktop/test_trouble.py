@@ -49,6 +49,10 @@ class TroubleTest(unittest.TestCase):
             self.assertEqual(contents(), [("UTF8_STRING", b"untouched")])
         self.assertEqual(self.editor.text(), "")
 
+    def assert_requested(self, times):
+        """So many times, but for what a machine that stalls asks once more."""
+        self.assertIn(len(self.server.requests) - times, range(self.vemo.second_copies() + 1))
+
     def assert_dictation_works(self, text="It works."):
         self.server.answers = [transcription(text)]
         self.vemo.dictate_into(self.editor, text)
@@ -62,7 +66,7 @@ class AnswersOfTheServerTest(TroubleTest):
     def assert_answer_ends_with(self, answer, message, requests=1):
         self.server.answers = [answer]
         self.assert_ends_with(message)
-        self.assertEqual(len(self.server.requests), requests)
+        self.assert_requested(requests)
         self.assert_dictation_works()
 
     def test_a_page_instead_of_an_answer_is_an_error_and_the_next_dictation_works(self):
@@ -90,7 +94,7 @@ class AnswersOfTheServerTest(TroubleTest):
             self.server.answers = [Answer(status=503), transcription("It works.")]
             self.vemo.dictate()
         self.vemo.dictate_into(self.editor, "It works.", dictate)
-        self.assertEqual(len(self.server.requests), 2)
+        self.assert_requested(2)
 
     def test_a_refusal_shows_the_words_of_the_server(self):
         self.assert_answer_ends_with(Answer(status=402, body=b'{"status":"error","error":"Out of minutes"}'),
@@ -112,7 +116,7 @@ class AnswersOfTheServerTest(TroubleTest):
         self.assertEqual(self.vemo.logged("error: unauthorized"), 1)
         self.vemo.command("start")
         self.vemo.await_logged("recording blocked — user not signed in")
-        self.assertEqual(len(self.server.requests), 1)
+        self.assert_requested(1)
 
     def test_an_answer_without_words_pastes_nothing(self):
         self.server.answers = [transcription("")]
@@ -219,6 +223,8 @@ class PrivacyTest(TroubleTest):
             self.vemo.await_dictated()
             self.server.answers = [Answer(status=402, body=b'{"status":"error","error":"the quokka refused"}')]
             self.fail_to_dictate()
+        self.vemo.command("quit")
+        self.vemo.process.wait(120)
         places = {"the standard output": self.vemo.output.read_bytes()}
         for path in self.vemo.home.rglob("*"):
             if path.is_file() and (path.name.startswith("debug") or readable_by_others(path, self.vemo.home)):

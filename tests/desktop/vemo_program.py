@@ -254,6 +254,10 @@ class Vemo:
         wait_until(lambda: self.settings().get(name) == value,
                    lambda: f"the setting {name} to be {value!r}; it is {self.settings().get(name)!r}")
 
+    def second_copies(self):
+        """How many requests were sent once more because no answer had come for five seconds."""
+        return self.output.read_text(errors="replace").count("sending a second copy")
+
     def failures(self):
         """How many dictations have failed."""
         return self.output.read_text(errors="replace").count("[Vemo] error: ")
