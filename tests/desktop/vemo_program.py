@@ -222,7 +222,7 @@ class Vemo:
             wait_until(lambda: editor.text() == text or self.has_dictated(before),
                        lambda: f"the text to arrive instead of {excerpt(editor.text())}; {self.story()}")
             with contextlib.suppress(DesktopError):
-                wait_until(lambda: editor.text() == text, "an editor that takes its time", 5 * attempt)
+                wait_until(lambda: editor.text() == text, "an editor that takes its time", 20)
                 return attempt
             held = editor.empty().strip()
             if held != text.strip() and (text[:10] in held or text[-10:] in held):
