@@ -14,6 +14,7 @@ from vemo_program import clear_token
 from virtual_desktop import wait_until
 
 LOOKS = 8  # at the pill before the next try, at least; a message stays for 2.4 s, and a look takes its time
+MOST_LOOKS = 200
 
 
 class RefusalTest(KeysTest):
@@ -22,7 +23,7 @@ class RefusalTest(KeysTest):
 
         def is_told():
             trigger()
-            looks = itertools.takewhile(lambda look: look < LOOKS or not self.vemo.is_idle(), itertools.count())
+            looks = itertools.takewhile(lambda look: look < LOOKS or not self.vemo.is_idle(), range(MOST_LOOKS))
             return any(pill.shows(message) for _ in looks)
         wait_until(is_told, lambda: f"the pill to say “{message}”; {self.vemo.story()}")
         wait_until(lambda: not pill.is_visible(), "the pill to go")

@@ -16,7 +16,7 @@ from virtual_desktop import wait_until
 MESSAGE = "Can't paste here (secure input active) — use Copy Last Transcript"
 BLOCKED = "inject: blocked — secure input is active"
 PASTED = "inject: pasteboard set"
-MOST_DICTATIONS = 3
+MOST_DICTATIONS = 2
 PINENTRY_DIALOG = b"OPTION no-grab\nSETPROMPT Secret\nGETPIN\n"
 
 

@@ -256,7 +256,9 @@ class EndTest(TelemetryTest):
                 self.server.await_session(number)
             seconds = self.quit_vemo()
             print(f"    {self.id().split('.')[-1]}: ended after {seconds:.2f} s")
-            self.assertGreaterEqual(seconds, not_before)
+            # Where the server no longer tells that Vemo has something to send, the first end alone is sure to.
+            if self.server_hears or number == 1:
+                self.assertGreaterEqual(seconds, not_before)
             if seconds < before:
                 return
             self.vemo.launch()

@@ -62,8 +62,9 @@ Task<> SelfUpdater::tellOfReturn(std::stop_token stop) {
   if (installed <= m_with.copy->currentBuild() || installed != m_with.copy->refusedBuild())
     co_return;
   if (co_await m_with.clock.sleep(returnNoteDelay, stop) != SleepEnd::Elapsed) co_return;
-  m_with.announce(noteOfReturn(m_with.system.applicationVersion), {});
   recall();
+  if (m_memory.installedBuild != installed) co_return;
+  m_with.announce(noteOfReturn(m_with.system.applicationVersion), {});
   m_memory.installedBuild = 0;
   remember();
 }
@@ -98,10 +99,13 @@ Task<> SelfUpdater::checkDaily(std::stop_token stop) {
   }
 }
 
+/// A day after this session has tried, and after any has succeeded; what is ready here, nobody else
+/// looks after.
 bool SelfUpdater::isCheckDue() const {
-  const auto now = dateTimeFrom(m_with.clock.wallTime());
-  const auto last = m_memory.lastCheck;
-  return !last || *last > now || *last + checkInterval <= now;
+  const auto isADayAgo = [now = dateTimeFrom(m_with.clock.wallTime())](const auto& time) {
+    return !time || *time > now || *time + checkInterval <= now;
+  };
+  return isADayAgo(m_lastTry) && (m_ready || isADayAgo(m_memory.lastCheck));
 }
 
 void SelfUpdater::begin(UpdateCheck check) {
@@ -117,6 +121,7 @@ void SelfUpdater::begin(UpdateCheck check) {
 
 Task<> SelfUpdater::runSession(UpdateCheck check, std::stop_token stop) {
   recall();
+  m_lastTry = dateTimeFrom(m_with.clock.wallTime());
   const bool wasReady = m_ready.has_value();
   const Outcome outcome = co_await findAndFetch(check, stop);
   if (!outcome) {
@@ -230,9 +235,13 @@ Task<SelfUpdater::Outcome> SelfUpdater::fetchAndCheck(AppcastItem item, QString 
 }
 
 Task<std::expected<Appcast, UpdateTrouble>> SelfUpdater::readFeed(std::stop_token stop) {
+  const QByteArray trusted = m_memory.key;
   auto [key, feed] =
-      co_await fetchUpdateFeed(m_with.session, QUrl(m_delegate.feedUrl()), m_memory.key, stop);
-  if (key != m_memory.key) {
+      co_await fetchUpdateFeed(m_with.session, QUrl(m_delegate.feedUrl()), trusted, stop);
+  recall();
+  if (m_memory.key != trusted)
+    co_return refuse({UpdateTrouble::FeedRefused, u"another session has learnt of a newer key"_s});
+  if (key != trusted) {
     m_memory.key = key;
     m_memory.serial = 0;  // whoever had the old key could have counted it up
     m_ready.reset();      // and have signed this

@@ -105,6 +105,7 @@ class SelfUpdater : public Updater {
   bool m_isBusy = false;
   std::optional<UpdateCheck> m_next;  ///< asked for during a session
   bool m_isReplaced = false;          ///< another version starts next: there is nothing left to do
+  std::optional<QDateTime> m_lastTry;
   std::optional<UpdateItem> m_quiet;  ///< left to the delegate to show
   std::optional<AppcastItem> m_ready;
   std::stop_source m_preparation;

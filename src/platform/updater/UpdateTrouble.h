@@ -16,7 +16,8 @@ enum class UpdateTrouble {
   ArchiveRefused = 3000,
   NotSigned = 3001,
   InstallationFailed = 4005,
-  NoAnswer = 4006,  ///< of the new version, which is tried again at the next check
+  NoAnswer =
+      4006,  ///< of the new version in time, or to its end; it is asked again at the next check
 };
 
 struct UpdateRefusal {

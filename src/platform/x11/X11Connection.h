@@ -24,6 +24,8 @@
 
 namespace vemo {
 
+class WaitLimit;
+
 struct FreeX11Memory {
   void operator()(void* memory) const { std::free(memory); }
 };
@@ -101,7 +103,7 @@ class X11Connection {
 
   void* waitForReply(unsigned int sequence);
   void takeEvents(xcb_generic_event_t* (*poll)(xcb_connection_t*));
-  bool waitForInput(class WaitLimit& limit) const;
+  bool waitForInput(WaitLimit& limit) const;
 
   xcb_connection_t* m_connection;
   xcb_window_t m_root = XCB_WINDOW_NONE;

@@ -72,6 +72,29 @@ TEST_F(RefusedBuildsTest, TheUserIsToldOnceThatAnInstalledBuildHasGivenWay) {
   }
 }
 
+TEST_F(RefusedBuildsTest, ARefusedBuildThatTheUserHasAskedForAndThatRunsHasNotGivenWay) {
+  SelfContainedCopy(root).refuse(2);
+  publish({release(2, "1.1.0")});
+  EXPECT_THAT(check(UpdateCheck::UserInitiated), IsEmpty());
+  updater->installOnQuit();
+  announced.clear();
+  start();
+  clock.advance(15s);
+  EXPECT_THAT(announced, IsEmpty());
+}
+
+TEST_F(RefusedBuildsTest, WhatIsInstalledBeforeTheUserIsToldIsNotForgotten) {
+  publish({release(2, "1.1.0"), release(3, "1.2.0")});
+  writeTestFile(folder.filePath(u"updates.json"_s), R"({"installedBuild": "2"})", false);
+  SelfContainedCopy(root).refuse(2);
+  EXPECT_THAT(check(), IsEmpty());
+  updater->installOnQuit();
+  clock.advance(15s);
+  EXPECT_THAT(announced, IsEmpty());
+  EXPECT_EQ(UpdateMemory::read(folder.filePath(u"updates.json"_s), keys.publicKey).installedBuild,
+            3U);
+}
+
 TEST_F(RefusedBuildsTest, WhatDidNotPassItsCheckHasNotGivenWay) {
   publish({release(2, "1.1.0")});
   EXPECT_THAT(check(), IsEmpty());

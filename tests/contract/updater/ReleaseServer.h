@@ -6,6 +6,7 @@
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QUrl>
+#include <functional>
 
 #include "fakes/HttpWire.h"
 
@@ -36,8 +37,9 @@ class ReleaseServer {
   }
 
   QHash<QByteArray, QByteArray> files;
-  QHash<QByteArray, Manner> manners;  ///< by a file's name
-  QList<QByteArray> asked;            ///< "name" or "name bytes=0-9"
+  QHash<QByteArray, Manner> manners;                         ///< by a file's name
+  QList<QByteArray> asked;                                   ///< "name" or "name bytes=0-9"
+  std::function<void(const QByteArray& name)> beforeAnswer;  ///< may be empty
 
  private:
   void read(QTcpSocket& socket) {
@@ -47,6 +49,7 @@ class ReleaseServer {
       for (const QByteArray& header : message->headers)
         if (header.toLower().startsWith("range:")) range = header.mid(6).trimmed();
       asked.append(range.isEmpty() ? name : name + ' ' + range);
+      if (beforeAnswer) beforeAnswer(name);
       answer(socket, name, range);
     }
   }

@@ -34,6 +34,14 @@ TEST_F(UpdateScheduleTest, ADayAfterTheLastCheckComesTheNextAndNoneBefore) {
   EXPECT_FALSE(checksWithinAnHour());
 }
 
+TEST_F(UpdateScheduleTest, WhatHasFailedIsTriedAgainTheNextDay) {
+  server.files.remove("appcast.xml");
+  EXPECT_THAT(check(), ElementsAre(2001));
+  clock.advance(22h);
+  EXPECT_FALSE(checksWithinAnHour());
+  EXPECT_TRUE(checksWithinAnHour());
+}
+
 TEST_F(UpdateScheduleTest, HoursInWhichTheMachineSleptCount) {
   check();
   const auto checked = clock.wallTime();
@@ -59,6 +67,20 @@ TEST_F(UpdateScheduleTest, TheCheckOfAnotherSessionCounts) {
   other.checkForUpdatesInBackground();
   EXPECT_TRUE(loop.runUntil([&] { return delegate.finished == 1; }));
   EXPECT_FALSE(checksWithinAnHour());
+}
+
+TEST_F(UpdateScheduleTest, WhatIsReadyHereIsLookedAfterWhateverOthersCheck) {
+  publish({release(2, "1.1.0")});
+  check();
+  clock.advance(22h);
+  SelfUpdater other(with(), delegate, delegate);
+  other.checkForUpdatesInBackground();
+  EXPECT_TRUE(loop.runUntil([&] { return delegate.finished == 2; }));
+  EXPECT_FALSE(checksWithinAnHour());
+  publish({}, 2);
+  EXPECT_TRUE(checksWithinAnHour());
+  updater->installOnQuit();
+  EXPECT_EQ(startedVersion(root), "Vemo 1.0.0") << "it was withdrawn";
 }
 
 }  // namespace

@@ -54,6 +54,21 @@ TEST_F(UserSessionsTest, APreferenceLeavesWhatAnotherSessionHasSeen) {
   EXPECT_FALSE(updater->automaticallyDownloadsUpdates());
 }
 
+TEST_F(UserSessionsTest, AKeyThatAnotherSessionHasLearntDuringACheckStays) {
+  publish({});
+  check();
+  publish({release(2, "1.1.0")});
+  const QString file = folder.filePath(u"updates.json"_s);
+  UpdateMemory memory = UpdateMemory::read(file, keys.publicKey);
+  memory.key = SigningKeys::generate().publicKey;
+  server.beforeAnswer = [&](const QByteArray& name) {
+    if (name == "appcast.xml") memory.write(file, keys.publicKey);
+  };
+  EXPECT_THAT(check(), ElementsAre(1002));
+  EXPECT_FALSE(delegate.ready);
+  EXPECT_EQ(UpdateMemory::read(file, keys.publicKey).key, memory.key);
+}
+
 TEST_F(UserSessionsTest, WhatCouldNotBeWrittenHoldsAsLongAsItRuns) {
   publish({}, 5);
   check();
