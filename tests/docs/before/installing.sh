@@ -10,7 +10,8 @@ sed -n '/^```sh run/,/^```$/{/^```/d;p}' "$VEMO_SOURCE/docs/first-steps.md" >fir
 kill %1
 wait %1 || true
 vemo-service add-token >/dev/null
-# What there is only with a start at login, updates, or without a keyring.
+# What there is only with the archive, a start at login, updates, or without a keyring.
+mkdir -p ~/.local/opt/vemo
 touch ~/.config/autostart/brelmox.Vemo.desktop ~/.local/state/vemo/{updates.json,secrets/sealed}
 printf secret | secret-tool store --label=Vemo service brelmox.Vemo account authToken
 /usr/bin/python3 -B - <<'PYTHON'
