@@ -19,7 +19,7 @@ from account_service import (CLIENT, NAME, REDIRECT, AccountService, OtherClient
 from browsers import Chromium, Firefox, NotingBrowser
 from clipboard import ClipboardOwner, contents
 from demonstration import SAMPLE_TEXT, sample_as_wav
-from vemo_program import SERVICE_AND_ACCOUNT, Vemo, clear_token, program, say
+from vemo_program import SERVICE_AND_ACCOUNT, Vemo, clear_token, say
 from virtual_desktop import wait_until
 
 SIGNED_OUT = "idle: Sign in to connect"

@@ -9,7 +9,7 @@ import keyboard
 from accessibility import DISABLED, Walks
 from account_service import CLIENT, AccountService
 from browsers import NotingBrowser
-from vemo_program import Vemo, clear_token, program
+from vemo_program import Vemo, clear_token
 from virtual_desktop import wait_until
 from windows import Role, State, Window, main_window, settings_window
 

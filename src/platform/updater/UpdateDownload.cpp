@@ -2,7 +2,6 @@
 
 #include <QFile>
 #include <algorithm>
-#include <utility>
 
 namespace vemo {
 
